@@ -1,0 +1,221 @@
+/** @file qorsr.h
+ *  libqorsr: numeric primitives for speech recognition.
+ *
+ *  Plain functions on plain buffers, for C11 and C++. Every function checks its arguments, runs to completion on the caller's
+ * thread and returns a #QorStatus. The library has no state, starts no thread, opens no file, and allocates only through qorMalloc
+ * and qorFree of libqorcore.
+ *
+ *  ## Reading a name
+ *  `qors`, the operation, then words for variant, element types, layout and scaling: `qorsMeanVarColumn_16s32s_D2LSfs`.
+ *  - Types: `16s`, `32s`, `64s` signed integers, `8u` bytes, `1u` packed bits, `32f` float, `64f` double. One type word: source and
+ *    result alike. Two: source, result. Three: source, first result, second result.
+ *  - `_D2`: a matrix is one block; row r begins at base + r * stride. A stride counts elements of the source type, never bytes.
+ *  - `_D2L`: a matrix is an array of row pointers, in any order and at any address. The row pointers are not checked for null.
+ *  - `I`: in place. `Sfs`: the last argument is a scale factor sf: the exact result times 2^-sf is rounded and saturated.
+ *
+ *  ## What every function promises
+ *  - A negative status: a fault in the arguments (or no memory); no result was written, unless the function says otherwise. A
+ *    positive one: a warning, with all results written. The checks run in the order in which a family lists them, and the first
+ * that fails decides.
+ *  - Heights, widths and lengths are at least 1 unless a family says otherwise (#qorStatusBadSize). A required pointer that is null
+ *    gives #qorStatusNullPointer, a stride below the width #qorStatusBadStride.
+ *  - Data are not searched for NaN or infinity; these pass through float arithmetic by the rules of IEEE 754.
+ *  - Sources and destinations do not overlap, unless a function is defined to work in place.
+ *  - The caller's rounding mode, exception masks and raised exception flags are as before when a call returns.
+ *  - The same call gives the same bits at every instruction level and for every alignment, but for the payload and sign of a NaN
+ * and for functions that call the C library's exp, log, sin, cos or pow.
+ *  - Functions are re-entrant. A state record that a function changes serves one call at a time.
+ */
+#ifndef QORSR_H
+#define QORSR_H
+
+#include <stdint.h>
+
+#if defined(__GNUC__)
+#define QORSR_API __attribute__((visibility("default")))
+#else
+#define QORSR_API
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/** @defgroup status Status
+ *  Every function returns one of these values: 0 is success, negative a failure with no result, positive a warning with results. @{
+ */
+
+/** The result of a call. */
+typedef int32_t QorStatus;
+
+enum {
+  qorStatusOk = 0,                    /**< Success. */
+  qorStatusDegenerateInput = 4,       /**< Warning: the input carries no range; the output holds the fill values. */
+  qorStatusDivideByZero = 6,          /**< Warning: a divisor was exactly zero; the output holds what the family defines. */
+  qorStatusLogZero = 7,               /**< Warning: a logarithm met a zero; the result is plus infinity. */
+  qorStatusLogNegative = 8,           /**< Warning: a logarithm met a negative argument; the result is a quiet NaN. */
+  qorStatusAllFloored = 11,           /**< Warning: every element of an update came out at its floor. */
+  qorStatusZeroOccupancy = 16,        /**< Warning: an occupancy is too small to divide by; nothing was updated. */
+  qorStatusCdbkSizeChanged = 31,      /**< Warning: the trained codebook has another number of rows than was asked for. */
+  qorStatusFailed = -2,               /**< A search failed. */
+  qorStatusBadArgument = -5,          /**< A scalar argument outside its domain. */
+  qorStatusBadSize = -6,              /**< A length, width, height or count below its minimum. */
+  qorStatusBadRange = -7,             /**< A value inside the data, or a rate, outside its allowed range. */
+  qorStatusNullPointer = -8,          /**< A required pointer is null. */
+  qorStatusNoMemory = -9,             /**< Scratch or state memory could not be allocated. */
+  qorStatusZeroDivisor = -10,         /**< A vector was to be divided by zero. */
+  qorStatusBadFftOrder = -15,         /**< Transform order outside 0 to 30. */
+  qorStatusBadFftFlag = -16,          /**< Transform flag word not one of 1, 2, 4, 8. */
+  qorStatusBadContext = -17,          /**< The identifier word of a transform record is wrong. */
+  qorStatusBadStride = -37,           /**< A row stride smaller than the row that the operation touches. */
+  qorStatusNoConvergence = -65,       /**< An iteration limit was reached. */
+  qorStatusBadCodebookMode = -66,     /**< Codebook training mode not supported by this function. */
+  qorStatusBadStatistic = -67,        /**< Negative occupancy or count. */
+  qorStatusFBankNotReady = -69,       /**< Filter bank without centres or coefficients. */
+  qorStatusBadFBankFlag = -70,        /**< Filter bank flag word invalid. */
+  qorStatusBadFBankFrequency = -71,   /**< Filter bank low and high frequencies invalid. */
+  qorStatusLspRootsLost = -114,       /**< Fewer line spectral pairs found than the order. */
+  qorStatusBadLspOrder = -115,        /**< Line spectral pairs not monotonic or out of bounds. */
+  qorStatusUnstableReflection = -116, /**< Reflection coefficient of magnitude one. */
+  qorStatusUnstableFilter = -117,     /**< Residual energy not positive. */
+  qorStatusBadLength = -119,          /**< Length outside the limits of the family. */
+  qorStatusBadMode = -9999            /**< Unknown mode word in a state record. */
+};
+/** @} */
+
+/** @defgroup version Version
+ *  @{ */
+
+/** What qorsrGetLibVersion() returns: constant for the life of the library. */
+typedef struct QorLibraryVersion {
+  int32_t versionMajor;    /**< 6 */
+  int32_t versionMinor;    /**< 0 */
+  int32_t buildMajor;      /**< 167 */
+  int32_t buildMinor;      /**< 665 */
+  char targetCode[4];      /**< "t7" and two zero bytes */
+  const char* fileName;    /**< name of the module */
+  const char* versionText; /**< version in words */
+  const char* buildDate;   /**< date of the version */
+} QorLibraryVersion;
+
+/** The version of the library. Never null, the same pointer on every call; the caller neither changes nor frees the record. */
+QORSR_API const QorLibraryVersion* qorsrGetLibVersion(void);
+/** @} */
+
+/** @defgroup column_statistics Column and row statistics
+ *  Sums, means and variances of a matrix of feature vectors, one frame a row: height n rows (time), width columns (features).
+ *
+ *  **Column sums** (`SumColumn`). result[c] = sum over r of x[r][c], in float (`16s`, `32f`) or double (`64f`). Rows are added in
+ * pairs, from the top down: ((r0 + r1) + (r2 + r3)) + (r4 + r5), an odd last row last. Height 1 copies the row.
+ *
+ *  **Row sums** (`SumRow`). result[r] = sum over c of x[r][c], in four lanes: x[8k + j] + x[8k + 4 + j] joins lane j, a last group
+ * of four joins the lanes, and up to three remaining elements join lanes 0 to 2 (in the last row of an odd height: lane 0, one by
+ * one); then (l0 + l1) + (l2 + l3).
+ *
+ *  **Means** (`MeanColumn`). mean[c] = column sum * (1/n), the sum as above. 1/n is formed in double and rounded to float in
+ *  qorsMeanColumn_32f_D2 and qorsMeanVarColumn_32f_D2, in float elsewhere.
+ *
+ *  **Variances** (`VarColumn`, with the means given; `MeanVarColumn`, which forms them). The one-pass form with divisor n - 1:
+ *  var[c] = (sum over r of x[r][c]^2 - n mean^2) / (n - 1), in float as (((mean * mean) * -n) + x0^2 + x1^2 + ...) * q, with q =
+ * 1/(n - 1). There is no floor: rounding may leave a constant column with a variance slightly below zero. q is formed in float in
+ *  qorsVarColumn_32f_D2L and qorsMeanVarColumn_16s32s_D2LSfs, in double (and rounded to float for float sums) elsewhere.
+ *
+ *  **16-bit data.** Elements are converted to float exactly and summed in float, so a 32-bit sum carries the 24 bits of a float.
+ *  Results are rounded to nearest, ties to even, and saturated; a NaN gives 0. A scale factor applies to sums and to variances,
+ * never to means. The variance uses the mean before its rounding. Two exceptions:
+ *  - `MeanVarColumn_16s32s` and `MeanVarColumn_16s16s32s` sum in double. The mean is limited to the 32-bit range and that limited
+ *    mean is the one in the variance; the 16-bit mean is the low half of the 32-bit one.
+ *  - required: the 16-bit members with `_D2L` and 16-bit variances or means alone, when any row pointer is not 16-byte aligned, sum
+ *    exactly in 64-bit integers and truncate instead of rounding; variances are truncated before they are shifted by the scale
+ * factor.
+ *
+ *  Shapes. source: height rows of width elements, `stride` elements apart, or `rows`, the row pointers. Results: width elements
+ *  (column members) or height elements (row members). Units are the caller's.
+ *
+ *  Statuses, in order:
+ *  - `SumColumn`, `SumRow`: null; height or width below 1; stride below width (`_D2`).
+ *  - `MeanColumn_D2`, `VarColumn_D2`: stride first; null; width below 1, height below 1 (mean) or 2 (variance).
+ *  - `MeanVarColumn`: null; width below 1 or height below 2; stride.
+ *  - `_D2L`: null; sizes as above.
+ *  - #qorStatusNoMemory where 16-bit results need scratch (not on the path of unaligned row pointers).
+ *
+ *  Source of the method: textbook sample statistics; for the one-pass variance and its cancellation see Chan, Golub and LeVeque,
+ *  "Algorithms for Computing the Sample Variance", The American Statistician 37 (1983). @{ */
+
+QORSR_API QorStatus qorsSumColumn_16s32f_D2(const int16_t* source, int32_t stride, int32_t height, float* result, int32_t width);
+QORSR_API QorStatus qorsSumColumn_16s32f_D2L(const int16_t* const* rows, int32_t height, float* result, int32_t width);
+QORSR_API QorStatus qorsSumColumn_16s32s_D2Sfs(const int16_t* source, int32_t stride, int32_t height, int32_t* result,
+                                               int32_t width, int32_t scaleFactor);
+QORSR_API QorStatus qorsSumColumn_16s32s_D2LSfs(const int16_t* const* rows, int32_t height, int32_t* result, int32_t width,
+                                                int32_t scaleFactor);
+QORSR_API QorStatus qorsSumColumn_32f_D2(const float* source, int32_t stride, int32_t height, float* result, int32_t width);
+QORSR_API QorStatus qorsSumColumn_32f_D2L(const float* const* rows, int32_t height, float* result, int32_t width);
+QORSR_API QorStatus qorsSumColumn_64f_D2(const double* source, int32_t stride, int32_t height, double* result, int32_t width);
+QORSR_API QorStatus qorsSumColumn_64f_D2L(const double* const* rows, int32_t height, double* result, int32_t width);
+
+QORSR_API QorStatus qorsSumRow_16s32f_D2(const int16_t* source, int32_t width, int32_t stride, float* result, int32_t height);
+QORSR_API QorStatus qorsSumRow_16s32f_D2L(const int16_t* const* rows, int32_t width, float* result, int32_t height);
+QORSR_API QorStatus qorsSumRow_16s32s_D2Sfs(const int16_t* source, int32_t width, int32_t stride, int32_t* result, int32_t height,
+                                            int32_t scaleFactor);
+QORSR_API QorStatus qorsSumRow_16s32s_D2LSfs(const int16_t* const* rows, int32_t width, int32_t* result, int32_t height,
+                                             int32_t scaleFactor);
+QORSR_API QorStatus qorsSumRow_32f_D2(const float* source, int32_t width, int32_t stride, float* result, int32_t height);
+QORSR_API QorStatus qorsSumRow_32f_D2L(const float* const* rows, int32_t width, float* result, int32_t height);
+QORSR_API QorStatus qorsSumRow_64f_D2(const double* source, int32_t width, int32_t stride, double* result, int32_t height);
+QORSR_API QorStatus qorsSumRow_64f_D2L(const double* const* rows, int32_t width, double* result, int32_t height);
+
+QORSR_API QorStatus qorsMeanColumn_16s_D2(const int16_t* source, int32_t height, int32_t stride, int16_t* result, int32_t width);
+QORSR_API QorStatus qorsMeanColumn_16s_D2L(const int16_t* const* rows, int32_t height, int16_t* result, int32_t width);
+QORSR_API QorStatus qorsMeanColumn_32f_D2(const float* source, int32_t height, int32_t stride, float* result, int32_t width);
+QORSR_API QorStatus qorsMeanColumn_32f_D2L(const float* const* rows, int32_t height, float* result, int32_t width);
+
+QORSR_API QorStatus qorsVarColumn_16s_D2Sfs(const int16_t* source, int32_t height, int32_t stride, const int16_t* means,
+                                            int16_t* result, int32_t width, int32_t scaleFactor);
+QORSR_API QorStatus qorsVarColumn_16s_D2LSfs(const int16_t* const* rows, int32_t height, const int16_t* means, int16_t* result,
+                                             int32_t width, int32_t scaleFactor);
+QORSR_API QorStatus qorsVarColumn_32f_D2(const float* source, int32_t height, int32_t stride, const float* means, float* result,
+                                         int32_t width);
+QORSR_API QorStatus qorsVarColumn_32f_D2L(const float* const* rows, int32_t height, const float* means, float* result,
+                                          int32_t width);
+
+QORSR_API QorStatus qorsMeanVarColumn_16s_D2Sfs(const int16_t* source, int32_t height, int32_t stride, int16_t* means,
+                                                int16_t* variances, int32_t width, int32_t scaleFactor);
+QORSR_API QorStatus qorsMeanVarColumn_16s_D2LSfs(const int16_t* const* rows, int32_t height, int16_t* means, int16_t* variances,
+                                                 int32_t width, int32_t scaleFactor);
+QORSR_API QorStatus qorsMeanVarColumn_16s32s_D2Sfs(const int16_t* source, int32_t height, int32_t stride, int32_t* means,
+                                                   int32_t* variances, int32_t width, int32_t scaleFactor);
+QORSR_API QorStatus qorsMeanVarColumn_16s32s_D2LSfs(const int16_t* const* rows, int32_t height, int32_t* means, int32_t* variances,
+                                                    int32_t width, int32_t scaleFactor);
+QORSR_API QorStatus qorsMeanVarColumn_16s16s32s_D2(const int16_t* source, int32_t height, int32_t stride, int16_t* means,
+                                                   int32_t* variances, int32_t width);
+QORSR_API QorStatus qorsMeanVarColumn_16s16s32s_D2L(const int16_t* const* rows, int32_t height, int16_t* means, int32_t* variances,
+                                                    int32_t width);
+QORSR_API QorStatus qorsMeanVarColumn_32f_D2(const float* source, int32_t height, int32_t stride, float* means, float* variances,
+                                             int32_t width);
+QORSR_API QorStatus qorsMeanVarColumn_32f_D2L(const float* const* rows, int32_t height, float* means, float* variances,
+                                              int32_t width);
+
+/** result = sum of |source[i]|. Two partial sums or more: the last bits are free, but the same at every level.
+ *  Statuses: null; length below 1. */
+QORSR_API QorStatus qorsSumRowAbs_64f(const double* source, int32_t length, double* result);
+
+/** source[i] *= scale, in place; result = sum of the squares of the scaled elements. Statuses: null; length below 1. */
+QORSR_API QorStatus qorsSumRowSqr_64f(double* source, int32_t length, double* result, double scale);
+
+/** result = sum of |rows[r][column]| for r from firstRow to height - 1.
+ *  Statuses: null; width or height below 1, column outside 0 to width - 1 or firstRow outside 0 to height - 1 (#qorStatusBadSize).
+ */
+QORSR_API QorStatus qorsSumColumnAbs_64f_D2L(const double* const* rows, int32_t width, int32_t height, double* result,
+                                             int32_t column, int32_t firstRow);
+
+/** rows[r][column] *= scale, in place, for r from firstRow to height - 1; result = sum of the squares of the scaled elements.
+ *  Statuses: as qorsSumColumnAbs_64f_D2L(). */
+QORSR_API QorStatus qorsSumColumnSqr_64f_D2L(double* const* rows, int32_t width, int32_t height, double* result, int32_t column,
+                                             int32_t firstRow, double scale);
+/** @} */
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,243 @@
+// Means and variances of columns.
+//
+//   mean = (column sum, rows added in pairs) * r                     r = 1/n
+//   var  = (((mean * mean) * -n) + x0^2 + x1^2 + ...) * q            q = 1/(n - 1), the mean given (VarColumn)
+//   var  = (sum of squares + (mean * mean) * -n) * q                 the mean formed in the same pass (MeanVarColumn)
+//
+// There is no floor: rounding may leave a variance slightly below zero. Columns are independent of each other. 16-bit data take one
+// of three roads: float sums that are rounded to nearest (strided rows, aligned row pointers); exact 64-bit sums that are truncated
+// (row pointers of which one is not on a 16-byte boundary; required); double sums (32-bit results).
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+
+#include "frame/bits.h"
+#include "frame/checks.h"
+#include "frame/column_blocks.h"
+#include "frame/column_sums.h"
+#include "frame/convert.h"
+#include "frame/lanes.h"
+#include "frame/memory.h"
+#include "frame/rows.h"
+
+namespace qorsr {
+
+// ---- Reciprocals: where they are rounded is part of the result ----
+
+inline float reciprocalInDouble(int32_t n) { return static_cast<float>(1.0 / n); }
+inline float reciprocalInFloat(int32_t n) { return 1.0F / static_cast<float>(n); }
+
+// ---- Float road ----
+
+template <int N>
+struct Moments {
+  Lanes<float, N> sum, squares;
+};
+
+// Sum and sum of squares in one pass, both in pairs of rows.
+template <int N, class Rows>
+inline Moments<N> columnMoments(const Rows& rows, int32_t height, int32_t column) {
+  const auto row = [&](int32_t r) { return loadAs<float, N>(rows[r] + column); };
+  const Lanes<float, N> x0 = row(0), x1 = row(1);
+  Moments<N> m{x0 + x1, x0 * x0 + x1 * x1};
+  int32_t r = 2;
+  for (; r < height - 1; r += 2) {
+    const Lanes<float, N> a = row(r), b = row(r + 1);
+    m.sum += a + b;
+    m.squares += a * a + b * b;
+  }
+  if (r < height) {
+    const Lanes<float, N> last = row(r);
+    m.sum += last;
+    m.squares += last * last;
+  }
+  return m;
+}
+
+template <class Rows>
+void meanColumns(const Rows& rows, int32_t height, float* means, int32_t width, float r) {
+  coverColumns<float>(width,
+                      [&](int32_t c, auto n) { (columnSum<float, n>(rows, height, c) * Lanes<float, n>(r)).store(means + c); });
+}
+
+template <class Rows, class Mean>
+void varColumns(const Rows& rows, int32_t height, const Mean* means, float* variances, int32_t width, float q) {
+  coverColumns<float>(width, [&](int32_t c, auto n) {
+    using L = Lanes<float, n>;
+    const L mean = loadAs<float, n>(means + c);
+    L sum = mean * mean * L(-static_cast<float>(height));
+    for (int32_t r = 0; r < height; ++r) {
+      const L x = loadAs<float, n>(rows[r] + c);
+      sum += x * x;
+    }
+    (sum * L(q)).store(variances + c);
+  });
+}
+
+template <class Rows>
+void meanVarColumns(const Rows& rows, int32_t height, float* means, float* variances, int32_t width, float r, float q) {
+  coverColumns<float>(width, [&](int32_t c, auto n) {
+    using L = Lanes<float, n>;
+    const Moments<n> m = columnMoments<n>(rows, height, c);
+    const L mean = m.sum * L(r);
+    mean.store(means + c);
+    ((m.squares + mean * mean * L(-static_cast<float>(height))) * L(q)).store(variances + c);
+  });
+}
+
+// ---- Exact road of 16-bit data: 64-bit sums, truncation; required where a row pointer is not aligned ----
+
+template <class Rows>
+inline int64_t exactSum(const Rows& rows, int32_t height, int32_t column) {
+  int64_t sum = 0;
+  for (int32_t r = 0; r < height; ++r) sum += rows[r][column];
+  return sum;
+}
+
+// A variance: truncated to 64 bits, shifted by the scale factor, limited.
+inline int16_t truncatedVariance(float variance, int32_t scaleFactor) {
+  return saturate<int16_t>(shiftByScale(truncateOrLowest<int64_t>(variance), scaleFactor));
+}
+
+template <class Rows>
+void meanColumnsExact(const Rows& rows, int32_t height, int16_t* means, int32_t width) {
+  const float r = reciprocalInFloat(height);
+  for (int32_t c = 0; c < width; ++c) {
+    means[c] = saturate<int16_t>(truncateOrLowest<int32_t>(static_cast<float>(exactSum(rows, height, c)) * r));
+  }
+}
+
+template <class Rows>
+void varColumnsExact(const Rows& rows, int32_t height, const int16_t* means, int16_t* variances, int32_t width,
+                     int32_t scaleFactor) {
+  const float q = reciprocalInDouble(height - 1);
+  for (int32_t c = 0; c < width; ++c) {
+    int64_t sum = -static_cast<int64_t>(height) * means[c] * means[c];
+    for (int32_t r = 0; r < height; ++r) sum += static_cast<int32_t>(rows[r][c]) * rows[r][c];
+    variances[c] = truncatedVariance(static_cast<float>(sum) * q, scaleFactor);
+  }
+}
+
+template <class Rows>
+void meanVarColumnsExact(const Rows& rows, int32_t height, int16_t* means, int16_t* variances, int32_t width, int32_t scaleFactor) {
+  const float r = reciprocalInFloat(height), q = reciprocalInDouble(height - 1);
+  for (int32_t c = 0; c < width; ++c) {
+    float squares = 0.0F;
+    for (int32_t i = 0; i < height; ++i) squares += static_cast<float>(static_cast<int32_t>(rows[i][c]) * rows[i][c]);
+    const float mean = static_cast<float>(exactSum(rows, height, c)) * r;
+    means[c] = static_cast<int16_t>(std::clamp(mean, -32768.0F, 32767.0F));
+    variances[c] = truncatedVariance((squares - mean * mean * static_cast<float>(height)) * q, scaleFactor);
+  }
+}
+
+// ---- Double road of 16-bit data ----
+
+// `q` holds the reciprocal of n - 1 and the power of two of the scale factor. The limited mean is the one in the variance.
+template <class Rows, class Mean>
+void meanVarColumnsDouble(const Rows& rows, int32_t height, Mean* means, int32_t* variances, int32_t width, double q) {
+  const double n = height, r = 1.0 / n;
+  coverColumns<double>(width, [&](int32_t c, auto lanes) {
+    using L = Lanes<double, lanes>;
+    L sum(0.0), squares(0.0);  // sums of integers, exact
+    for (int32_t i = 0; i < height; ++i) {
+      const L x = loadAs<double, lanes>(rows[i] + c);
+      sum += x;
+      squares += x * x;
+    }
+    const L mean = max(min(sum * L(r), L(2147483647.0)), L(-2147483648.0));
+    const L variance = (squares - mean * mean * L(n)) * L(q);
+    double m[lanes], v[lanes];
+    mean.store(m);
+    variance.store(v);
+    for (int i = 0; i < lanes; ++i) {
+      means[c + i] = static_cast<Mean>(limitAndRound<int32_t>(m[i]));
+      variances[c + i] = limitAndRound<int32_t>(v[i]);
+    }
+  });
+}
+
+// ---- Family bodies ----
+
+template <class Rows>
+QorStatus meanColumn(Rows rows, int32_t height, float* result, int32_t width, float (*reciprocal)(int32_t)) {
+  if (QorStatus bad = Checks().stride(rows, width).null(rows, result).size(height, width)) return bad;
+  meanColumns(rows, height, result, width, reciprocal(height));
+  return qorStatusOk;
+}
+
+template <class Rows>
+QorStatus varColumn(Rows rows, int32_t height, const float* means, float* result, int32_t width, float (*reciprocal)(int32_t)) {
+  if (QorStatus bad = Checks().stride(rows, width).null(rows, means, result).size(width).atLeast(2, height)) return bad;
+  varColumns(rows, height, means, result, width, reciprocal(height - 1));
+  return qorStatusOk;
+}
+
+template <class Rows>
+QorStatus meanVarColumn(Rows rows, int32_t height, float* means, float* variances, int32_t width, float (*reciprocal)(int32_t)) {
+  if (QorStatus bad = Checks().null(rows, means, variances).atLeast(2, height).size(width).stride(rows, width)) return bad;
+  meanVarColumns(rows, height, means, variances, width, reciprocal(height), reciprocalInDouble(height - 1));
+  return qorStatusOk;
+}
+
+// Whether 16-bit data take the exact road. Strided rows never do.
+template <class T>
+bool takesExactRoad(const StridedRows<T>&, int32_t) {
+  return false;
+}
+template <class T>
+bool takesExactRoad(const ListedRows<T>& rows, int32_t height) {
+  return !qorRowsAligned(rows.list, height);
+}
+
+template <class Rows>
+QorStatus meanColumn16(Rows rows, int32_t height, int16_t* result, int32_t width) {
+  if (QorStatus bad = Checks().stride(rows, width).null(rows, result).size(height, width)) return bad;
+  if (takesExactRoad(rows, height)) {
+    meanColumnsExact(rows, height, result, width);
+    return qorStatusOk;
+  }
+  Scratch<float> means(width);
+  if (!means) return qorStatusNoMemory;
+  meanColumns(rows, height, means.get(), width, reciprocalInFloat(height));
+  return qorConvert_32f16s_Sfs(means.get(), result, width, kNearestEven, 0);
+}
+
+template <class Rows>
+QorStatus varColumn16(Rows rows, int32_t height, const int16_t* means, int16_t* result, int32_t width, int32_t scaleFactor) {
+  if (QorStatus bad = Checks().stride(rows, width).null(rows, means, result).size(width).atLeast(2, height)) return bad;
+  if (takesExactRoad(rows, height)) {
+    varColumnsExact(rows, height, means, result, width, scaleFactor);
+    return qorStatusOk;
+  }
+  Scratch<float> variances(width);
+  if (!variances) return qorStatusNoMemory;
+  varColumns(rows, height, means, variances.get(), width, reciprocalInDouble(height - 1));
+  return qorConvert_32f16s_Sfs(variances.get(), result, width, kNearestEven, scaleFactor);
+}
+
+template <class Rows>
+QorStatus meanVarColumn16(Rows rows, int32_t height, int16_t* means, int16_t* variances, int32_t width, int32_t scaleFactor) {
+  if (QorStatus bad = Checks().null(rows, means, variances).atLeast(2, height).size(width).stride(rows, width)) return bad;
+  if (takesExactRoad(rows, height)) {
+    meanVarColumnsExact(rows, height, means, variances, width, scaleFactor);
+    return qorStatusOk;
+  }
+  Scratch<float> floats(2 * static_cast<int64_t>(width));
+  if (!floats) return qorStatusNoMemory;
+  float* const floatVariances = floats.get() + width;
+  meanVarColumns(rows, height, floats.get(), floatVariances, width, reciprocalInFloat(height), reciprocalInDouble(height - 1));
+  qorConvert_32f16s_Sfs(floats.get(), means, width, kNearestEven, 0);
+  return qorConvert_32f16s_Sfs(floatVariances, variances, width, kNearestEven, scaleFactor);
+}
+
+// `reciprocal` is 1/(n - 1) in double, already rounded to float where that is required.
+template <class Rows, class Mean>
+QorStatus meanVarColumn32(Rows rows, int32_t height, Mean* means, int32_t* variances, int32_t width, int32_t scaleFactor,
+                          double (*reciprocal)(int32_t)) {
+  if (QorStatus bad = Checks().null(rows, means, variances).atLeast(2, height).size(width).stride(rows, width)) return bad;
+  meanVarColumnsDouble(rows, height, means, variances, width, qorPow2Neg_64f(scaleFactor) * reciprocal(height - 1));
+  return qorStatusOk;
+}
+
+}  // namespace qorsr

@@ -1,0 +1,58 @@
+// The caller's floating-point environment, brought back whole.
+#pragma once
+
+#include <cstdint>
+
+#if defined(__SSE__)
+#include <immintrin.h>
+#else
+#include <cfenv>
+#endif
+
+namespace qorsr {
+
+enum class Rounding { kNearest, kTowardZero };
+
+// From construction to the end of the scope: the given rounding mode, exceptions masked, denormals read as they are. Afterwards the
+// rounding mode, the masks and the exception flags are the caller's again; a flag raised inside is forgotten.
+//
+// A compiler may move arithmetic across a change of mode. So the function that holds the guard computes nothing itself: it calls
+// one function, marked QORSR_IN_GUARDED_MODE, that does the work.
+class EnvironmentGuard {
+ public:
+  explicit EnvironmentGuard(Rounding rounding) {
+#if defined(__SSE__)
+    saved_ = _mm_getcsr();
+    constexpr uint32_t kAllMasked = 0x1F80, kTowardZeroBits = 0x6000, kFlushToZero = 0x8000;
+    const uint32_t wanted = kAllMasked | (rounding == Rounding::kTowardZero ? kTowardZeroBits : 0) | (saved_ & kFlushToZero);
+    // The flags that stand do no harm inside, so the common case leaves the register alone.
+    changed_ = (saved_ & ~kFlags) != wanted;
+    if (changed_) _mm_setcsr(wanted | (saved_ & kFlags));
+#else
+    std::feholdexcept(&saved_);
+    std::fesetround(rounding == Rounding::kTowardZero ? FE_TOWARDZERO : FE_TONEAREST);
+#endif
+  }
+  ~EnvironmentGuard() {
+#if defined(__SSE__)
+    if (changed_ || _mm_getcsr() != saved_) _mm_setcsr(saved_);
+#else
+    std::fesetenv(&saved_);
+#endif
+  }
+  EnvironmentGuard(const EnvironmentGuard&) = delete;
+  EnvironmentGuard& operator=(const EnvironmentGuard&) = delete;
+
+ private:
+#if defined(__SSE__)
+  static constexpr uint32_t kFlags = 0x003F;
+  uint32_t saved_;
+  bool changed_;
+#else
+  std::fenv_t saved_;
+#endif
+};
+
+#define QORSR_IN_GUARDED_MODE [[gnu::noinline]]
+
+}  // namespace qorsr

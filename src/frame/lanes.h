@@ -1,0 +1,399 @@
+// Lanes<T, N>: N numbers that an algorithm works on at once, the same N at every instruction level.
+//
+// The number of lanes belongs to the algorithm, because it fixes the grouping of a float sum: the same source gives the same bits
+// in registers of 128, 256 and 512 bits. Lanes<T, N> is an array of the widest native vectors that fit; N is a power of two, and N
+// = 1 is a plain scalar, so that one kernel serves blocks of columns and a last column alone.
+//
+// What the operations promise at every level and with both compilers:
+//   min(a, b) is a < b ? a : b, max(a, b) is a > b ? a : b, lane by lane: a NaN on either side gives b.
+//   Joins add in the order that their names say. Nothing is contracted, nothing reassociated.
+//   A Tail reads and writes its first n elements only; lanes beyond hold the fill value.
+//
+// This is the one file that knows the instruction level.
+#pragma once
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <type_traits>
+#include <utility>
+
+#if defined(__SSE3__)
+#include <immintrin.h>
+#endif
+
+namespace qorsr {
+
+#if defined(__AVX512F__)
+inline constexpr int kNativeBytes = 64;
+#elif defined(__AVX2__)
+inline constexpr int kNativeBytes = 32;
+#else
+inline constexpr int kNativeBytes = 16;
+#endif
+
+namespace native {
+
+template <class T, int W>
+struct VectorOf {
+  typedef T type __attribute__((vector_size(W * sizeof(T))));
+};
+template <class T>
+struct VectorOf<T, 1> {
+  typedef T type;
+};
+
+// W numbers in one register; W = 1 is the number itself.
+template <class T, int W>
+using Vector = typename VectorOf<T, W>::type;
+
+template <class V>
+inline V load(const void* p) {
+  V v;
+  std::memcpy(&v, p, sizeof(V));
+  return v;
+}
+
+template <class To, class V, std::size_t... I>
+inline To pick(V v, std::index_sequence<I...>) {
+  return __builtin_shufflevector(v, v, static_cast<int>(I)...);
+}
+template <class V, std::size_t... I>
+inline auto upper(V v, std::index_sequence<I...>) {
+  return __builtin_shufflevector(v, v, static_cast<int>(I + sizeof...(I))...);
+}
+
+#if defined(__SSE3__)
+inline Vector<float, 4> min(Vector<float, 4> a, Vector<float, 4> b) { return _mm_min_ps(a, b); }
+inline Vector<float, 4> max(Vector<float, 4> a, Vector<float, 4> b) { return _mm_max_ps(a, b); }
+inline Vector<double, 2> min(Vector<double, 2> a, Vector<double, 2> b) { return _mm_min_pd(a, b); }
+inline Vector<double, 2> max(Vector<double, 2> a, Vector<double, 2> b) { return _mm_max_pd(a, b); }
+inline Vector<float, 4> sqrt(Vector<float, 4> a) { return _mm_sqrt_ps(a); }
+inline Vector<double, 2> sqrt(Vector<double, 2> a) { return _mm_sqrt_pd(a); }
+inline Vector<int32_t, 4> nearest(Vector<float, 4> a) { return Vector<int32_t, 4>(_mm_cvtps_epi32(a)); }
+inline Vector<int32_t, 4> truncated(Vector<float, 4> a) { return Vector<int32_t, 4>(_mm_cvttps_epi32(a)); }
+#endif
+#if defined(__AVX2__)
+inline Vector<float, 8> min(Vector<float, 8> a, Vector<float, 8> b) { return _mm256_min_ps(a, b); }
+inline Vector<float, 8> max(Vector<float, 8> a, Vector<float, 8> b) { return _mm256_max_ps(a, b); }
+inline Vector<double, 4> min(Vector<double, 4> a, Vector<double, 4> b) { return _mm256_min_pd(a, b); }
+inline Vector<double, 4> max(Vector<double, 4> a, Vector<double, 4> b) { return _mm256_max_pd(a, b); }
+inline Vector<float, 8> sqrt(Vector<float, 8> a) { return _mm256_sqrt_ps(a); }
+inline Vector<double, 4> sqrt(Vector<double, 4> a) { return _mm256_sqrt_pd(a); }
+inline Vector<int32_t, 8> nearest(Vector<float, 8> a) { return Vector<int32_t, 8>(_mm256_cvtps_epi32(a)); }
+inline Vector<int32_t, 8> truncated(Vector<float, 8> a) { return Vector<int32_t, 8>(_mm256_cvttps_epi32(a)); }
+#endif
+#if defined(__AVX512F__)
+inline Vector<float, 16> min(Vector<float, 16> a, Vector<float, 16> b) { return _mm512_min_ps(a, b); }
+inline Vector<float, 16> max(Vector<float, 16> a, Vector<float, 16> b) { return _mm512_max_ps(a, b); }
+inline Vector<double, 8> min(Vector<double, 8> a, Vector<double, 8> b) { return _mm512_min_pd(a, b); }
+inline Vector<double, 8> max(Vector<double, 8> a, Vector<double, 8> b) { return _mm512_max_pd(a, b); }
+inline Vector<float, 16> sqrt(Vector<float, 16> a) { return _mm512_sqrt_ps(a); }
+inline Vector<double, 8> sqrt(Vector<double, 8> a) { return _mm512_sqrt_pd(a); }
+inline Vector<int32_t, 16> nearest(Vector<float, 16> a) { return Vector<int32_t, 16>(_mm512_cvtps_epi32(a)); }
+inline Vector<int32_t, 16> truncated(Vector<float, 16> a) { return Vector<int32_t, 16>(_mm512_cvttps_epi32(a)); }
+#endif
+
+// Scalars, and vectors without an instruction of their own: element by element.
+template <class V>
+inline V min(V a, V b) {
+  return a < b ? a : b;
+}
+template <class V>
+inline V max(V a, V b) {
+  return a > b ? a : b;
+}
+inline float sqrt(float a) { return __builtin_sqrtf(a); }
+inline double sqrt(double a) { return __builtin_sqrt(a); }
+
+// int16 to 32-bit lanes: SSE3 has no widening load, so the low halves are interleaved and shifted down.
+template <int W>
+inline Vector<int32_t, W> widenInt16(const int16_t* p) {
+  if constexpr (W == 1) {
+    return *p;
+#if defined(__SSE3__) && !defined(__SSE4_1__)
+  } else if constexpr (W == 4) {
+    const __m128i packed = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p));
+    return Vector<int32_t, 4>(_mm_srai_epi32(_mm_unpacklo_epi16(packed, packed), 16));
+#endif
+  } else {
+    return __builtin_convertvector(load<Vector<int16_t, W>>(p), Vector<int32_t, W>);
+  }
+}
+
+// W float or int32 numbers at p as doubles, exact.
+template <int W, class From>
+inline Vector<double, W> widenToDouble(const From* p) {
+  if constexpr (W == 1) {
+    return *p;
+#if defined(__SSE3__)
+  } else if constexpr (W == 2 && std::is_same_v<From, float>) {
+    return _mm_cvtps_pd(_mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p))));
+  } else if constexpr (W == 2 && std::is_same_v<From, int32_t>) {
+    return _mm_cvtepi32_pd(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)));
+#endif
+#if defined(__AVX2__)
+  } else if constexpr (W == 4 && std::is_same_v<From, float>) {
+    return _mm256_cvtps_pd(_mm_loadu_ps(p));
+#endif
+  } else {
+    return __builtin_convertvector(load<Vector<From, W>>(p), Vector<double, W>);
+  }
+}
+
+// W int16 numbers at p as doubles, exact.
+template <int W>
+inline Vector<double, W> widenInt16ToDouble(const int16_t* p) {
+#if defined(__SSE3__)
+  if constexpr (W == 2) {
+    int32_t pair;
+    std::memcpy(&pair, p, sizeof(pair));
+    const __m128i packed = _mm_cvtsi32_si128(pair);
+    return _mm_cvtepi32_pd(_mm_srai_epi32(_mm_unpacklo_epi16(packed, packed), 16));
+  }
+#endif
+  if constexpr (W == 1) return *p;
+  return __builtin_convertvector(widenInt16<W>(p), Vector<double, W>);
+}
+
+}  // namespace native
+
+template <class T, int N>
+struct Lanes {
+  static_assert(N > 0 && (N & (N - 1)) == 0, "the number of lanes is a power of two");
+  static constexpr int kPart = N * static_cast<int>(sizeof(T)) <= kNativeBytes ? N : kNativeBytes / static_cast<int>(sizeof(T));
+  static constexpr int kParts = N / kPart;
+  using Element = T;
+  using Part = native::Vector<T, kPart>;
+
+  Part part[kParts];
+
+  Lanes() = default;
+  explicit Lanes(T value) {
+    for (Part& p : part) p = Part{} + value;
+  }
+
+  static Lanes load(const T* p) {
+    Lanes v;
+    for (int i = 0; i < kParts; ++i) v.part[i] = native::load<Part>(p + i * kPart);
+    return v;
+  }
+  void store(T* p) const {
+    for (int i = 0; i < kParts; ++i) std::memcpy(p + i * kPart, &part[i], sizeof(Part));
+  }
+
+  // Applies `f` to each native part of `a` (and of `b`).
+  template <class F>
+  static Lanes each(const Lanes& a, F f) {
+    Lanes v;
+    for (int i = 0; i < kParts; ++i) v.part[i] = f(a.part[i]);
+    return v;
+  }
+  template <class F>
+  static Lanes each(const Lanes& a, const Lanes& b, F f) {
+    Lanes v;
+    for (int i = 0; i < kParts; ++i) v.part[i] = f(a.part[i], b.part[i]);
+    return v;
+  }
+
+  friend Lanes operator+(const Lanes& a, const Lanes& b) {
+    return each(a, b, [](Part x, Part y) { return x + y; });
+  }
+  friend Lanes operator-(const Lanes& a, const Lanes& b) {
+    return each(a, b, [](Part x, Part y) { return x - y; });
+  }
+  friend Lanes operator*(const Lanes& a, const Lanes& b) {
+    return each(a, b, [](Part x, Part y) { return x * y; });
+  }
+  friend Lanes operator/(const Lanes& a, const Lanes& b) {
+    return each(a, b, [](Part x, Part y) { return x / y; });
+  }
+  Lanes& operator+=(const Lanes& b) { return *this = *this + b; }
+  Lanes& operator-=(const Lanes& b) { return *this = *this - b; }
+  Lanes& operator*=(const Lanes& b) { return *this = *this * b; }
+
+  friend Lanes min(const Lanes& a, const Lanes& b) {
+    return each(a, b, [](Part x, Part y) { return Part(native::min(x, y)); });
+  }
+  friend Lanes max(const Lanes& a, const Lanes& b) {
+    return each(a, b, [](Part x, Part y) { return Part(native::max(x, y)); });
+  }
+  // Without the sign, also of a NaN.
+  friend Lanes abs(const Lanes& a) {
+    using Bits = std::conditional_t<sizeof(T) == 8, int64_t, int32_t>;
+    return each(a, [](Part x) {
+      return std::bit_cast<Part>(std::bit_cast<native::Vector<Bits, kPart>>(x) & std::numeric_limits<Bits>::max());
+    });
+  }
+  friend Lanes sqrt(const Lanes& a) {
+    return each(a, [](Part x) { return Part(native::sqrt(x)); });
+  }
+};
+
+// ---- Loads that widen ----
+
+// N numbers of type `From` at p, as lanes of type T. int16 to float, double or int32, and float to double, are exact.
+template <class T, int N, class From>
+inline Lanes<T, N> loadAs(const From* p) {
+  using L = Lanes<T, N>;
+  if constexpr (std::is_same_v<T, From>) {
+    return L::load(p);
+  } else if constexpr (N == 1) {
+    return L(static_cast<T>(*p));
+  } else {
+    L v;
+    for (int i = 0; i < L::kParts; ++i) {
+      const From* source = p + i * L::kPart;
+      if constexpr (std::is_same_v<From, int16_t> && std::is_same_v<T, double>) {
+        v.part[i] = native::widenInt16ToDouble<L::kPart>(source);
+      } else if constexpr (std::is_same_v<From, int16_t> && std::is_same_v<T, int32_t>) {
+        v.part[i] = native::widenInt16<L::kPart>(source);
+      } else if constexpr (std::is_same_v<From, int16_t>) {
+        v.part[i] = __builtin_convertvector(native::widenInt16<L::kPart>(source), typename L::Part);
+      } else if constexpr (std::is_same_v<T, double>) {
+        v.part[i] = native::widenToDouble<L::kPart>(source);
+      } else {
+        v.part[i] = __builtin_convertvector(native::load<native::Vector<From, L::kPart>>(source), typename L::Part);
+      }
+    }
+    return v;
+  }
+}
+
+// ---- Halves and joins ----
+
+// Lanes 0 to N/2 - 1, and N/2 to N - 1.
+template <class T, int N>
+inline Lanes<T, N / 2> lowerHalf(const Lanes<T, N>& a) {
+  Lanes<T, N / 2> v;
+  if constexpr (Lanes<T, N>::kParts > 1) {
+    for (int i = 0; i < v.kParts; ++i) v.part[i] = a.part[i];
+  } else if constexpr (N == 2) {
+    v.part[0] = a.part[0][0];
+  } else {
+    v.part[0] = native::pick<typename Lanes<T, N / 2>::Part>(a.part[0], std::make_index_sequence<N / 2>());
+  }
+  return v;
+}
+template <class T, int N>
+inline Lanes<T, N / 2> upperHalf(const Lanes<T, N>& a) {
+  Lanes<T, N / 2> v;
+  if constexpr (Lanes<T, N>::kParts > 1) {
+    for (int i = 0; i < v.kParts; ++i) v.part[i] = a.part[v.kParts + i];
+  } else if constexpr (N == 2) {
+    v.part[0] = a.part[0][1];
+  } else {
+    v.part[0] = native::upper(a.part[0], std::make_index_sequence<N / 2>());
+  }
+  return v;
+}
+
+// Sum of all lanes, lane i with lane i + N/2 at every step: for 8 lanes ((l0+l4)+(l2+l6)) + ((l1+l5)+(l3+l7)).
+template <class T, int N>
+inline T joinHalves(const Lanes<T, N>& a) {
+  if constexpr (N == 1) {
+    return a.part[0];
+  } else {
+    return joinHalves(lowerHalf(a) + upperHalf(a));
+  }
+}
+
+// Sum of four lanes, neighbours first: (l0+l1) + (l2+l3).
+template <class T>
+inline T joinNeighbours(const Lanes<T, 4>& a) {
+  T l[4];
+  a.store(l);
+  return (l[0] + l[1]) + (l[2] + l[3]);
+}
+
+// The halves-join of four lane sets at once: lane i of the result is joinHalves of set i.
+inline Lanes<float, 4> joinHalves4(const Lanes<float, 4>& a, const Lanes<float, 4>& b, const Lanes<float, 4>& c,
+                                   const Lanes<float, 4>& d) {
+  using V = native::Vector<float, 4>;
+  const V ac02 = __builtin_shufflevector(a.part[0], b.part[0], 0, 4, 1, 5);  // a0 b0 a1 b1
+  const V ac24 = __builtin_shufflevector(a.part[0], b.part[0], 2, 6, 3, 7);  // a2 b2 a3 b3
+  const V bd02 = __builtin_shufflevector(c.part[0], d.part[0], 0, 4, 1, 5);
+  const V bd24 = __builtin_shufflevector(c.part[0], d.part[0], 2, 6, 3, 7);
+  const V ab = ac02 + ac24;  // (a0+a2) (b0+b2) (a1+a3) (b1+b3)
+  const V cd = bd02 + bd24;
+  Lanes<float, 4> v;
+  v.part[0] = __builtin_shufflevector(ab, cd, 0, 1, 4, 5) + __builtin_shufflevector(ab, cd, 2, 3, 6, 7);
+  return v;
+}
+template <int N>
+inline Lanes<float, 4> joinHalves4(const Lanes<float, N>& a, const Lanes<float, N>& b, const Lanes<float, N>& c,
+                                   const Lanes<float, N>& d) {
+  return joinHalves4(lowerHalf(a) + upperHalf(a), lowerHalf(b) + upperHalf(b), lowerHalf(c) + upperHalf(c),
+                     lowerHalf(d) + upperHalf(d));
+}
+
+// ---- Tails: the first n of N lanes ----
+
+// Made once a call, used once a row. Reads and writes nothing beyond element n - 1.
+template <class T, int N>
+class Tail {
+ public:
+  explicit Tail(int n) : n_(n) {}
+
+  int size() const { return n_; }
+
+  // Elements 0 to n - 1 at p; lanes beyond hold `fill`.
+  Lanes<T, N> load(const T* p, T fill = T(0)) const {
+    using L = Lanes<T, N>;
+    L v;
+    for (int i = 0; i < L::kParts; ++i) v.part[i] = loadPart(p + i * L::kPart, n_ - i * L::kPart, fill);
+    return v;
+  }
+
+  void store(const Lanes<T, N>& v, T* p) const {
+    T all[N];
+    v.store(all);
+    std::memcpy(p, all, static_cast<std::size_t>(n_) * sizeof(T));
+  }
+
+ private:
+  using Part = typename Lanes<T, N>::Part;
+  static constexpr int kPart = Lanes<T, N>::kPart;
+
+  static Part loadPart(const T* p, int n, T fill) {
+    if (n >= kPart) return native::load<Part>(p);
+#if defined(__AVX512VL__)
+    if constexpr (std::is_same_v<T, float> && kPart == 16) {
+      return _mm512_mask_loadu_ps(Part{} + fill, static_cast<__mmask16>((1u << (n > 0 ? n : 0)) - 1u), p);
+    } else if constexpr (std::is_same_v<T, float> && kPart == 8) {
+      return _mm256_mask_loadu_ps(Part{} + fill, static_cast<__mmask8>((1u << (n > 0 ? n : 0)) - 1u), p);
+    } else if constexpr (std::is_same_v<T, float> && kPart == 4) {
+      return _mm_mask_loadu_ps(Part{} + fill, static_cast<__mmask8>((1u << (n > 0 ? n : 0)) - 1u), p);
+    } else if constexpr (std::is_same_v<T, double> && kPart == 8) {
+      return _mm512_mask_loadu_pd(Part{} + fill, static_cast<__mmask8>((1u << (n > 0 ? n : 0)) - 1u), p);
+    } else if constexpr (std::is_same_v<T, double> && kPart == 4) {
+      return _mm256_mask_loadu_pd(Part{} + fill, static_cast<__mmask8>((1u << (n > 0 ? n : 0)) - 1u), p);
+    }
+#elif defined(__AVX2__)
+    if constexpr (std::is_same_v<T, float> && kPart == 8) {
+      const auto index = _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7);
+      const auto mask = _mm256_cmpgt_epi32(_mm256_set1_epi32(n), index);
+      return _mm256_blendv_ps(_mm256_set1_ps(fill), _mm256_maskload_ps(p, mask), _mm256_castsi256_ps(mask));
+    } else if constexpr (std::is_same_v<T, double> && kPart == 4) {
+      const auto index = _mm256_setr_epi64x(0, 1, 2, 3);
+      const auto mask = _mm256_cmpgt_epi64(_mm256_set1_epi64x(n), index);
+      return _mm256_blendv_pd(_mm256_set1_pd(fill), _mm256_maskload_pd(p, mask), _mm256_castsi256_pd(mask));
+    }
+#endif
+    Part v = Part{} + fill;
+    if constexpr (kPart == 4) {  // the usual case at SSE3: no loop, one branch a count
+      if (n == 3) return Part{p[0], p[1], p[2], fill};
+      if (n == 2) return Part{p[0], p[1], fill, fill};
+      if (n == 1) return Part{p[0], fill, fill, fill};
+    } else if constexpr (kPart > 1) {
+      for (int i = 0; i < n; ++i) v[i] = p[i];
+    }
+    return v;
+  }
+
+  int n_;
+};
+
+}  // namespace qorsr
