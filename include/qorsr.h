@@ -102,6 +102,8 @@ typedef struct QorLibraryVersion {
 QORSR_API const QorLibraryVersion* qorsrGetLibVersion(void);
 /** @} */
 
+/* ================================ Frame: version and matrices ================================ */
+
 /** @defgroup column_statistics Column and row statistics
  *  Sums, means and variances of a matrix of feature vectors, one frame a row: height n rows (time), width columns (features).
  *
@@ -213,6 +215,14 @@ QORSR_API QorStatus qorsSumColumnAbs_64f_D2L(const double* const* rows, int32_t 
 QORSR_API QorStatus qorsSumColumnSqr_64f_D2L(double* const* rows, int32_t width, int32_t height, double* result, int32_t column,
                                              int32_t firstRow, double scale);
 /** @} */
+
+/* ================================ Acoustic scoring ================================ */
+
+/* ================================ Feature extraction ================================ */
+
+/* ================================ Model estimation ================================ */
+
+/* ================================ Matching and decomposition ================================ */
 
 #ifdef __cplusplus
 }
