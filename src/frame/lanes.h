@@ -158,6 +158,139 @@ inline Vector<double, W> widenInt16ToDouble(const int16_t* p) {
   return __builtin_convertvector(widenInt16<W>(p), Vector<double, W>);
 }
 
+// Whether x < y in every lane; a NaN is not below anything.
+template <class V>
+inline bool allLess(V x, V y) {
+#if defined(__AVX512F__)
+  if constexpr (std::is_same_v<V, Vector<float, 16>>) return _mm512_cmp_ps_mask(x, y, _CMP_LT_OQ) == 0xFFFF;
+  if constexpr (std::is_same_v<V, Vector<double, 8>>) return _mm512_cmp_pd_mask(x, y, _CMP_LT_OQ) == 0xFF;
+#endif
+#if defined(__AVX2__)
+  if constexpr (std::is_same_v<V, Vector<float, 8>>) return _mm256_movemask_ps(_mm256_cmp_ps(x, y, _CMP_LT_OQ)) == 0xFF;
+  if constexpr (std::is_same_v<V, Vector<double, 4>>) return _mm256_movemask_pd(_mm256_cmp_pd(x, y, _CMP_LT_OQ)) == 0xF;
+#endif
+#if defined(__SSE3__)
+  if constexpr (std::is_same_v<V, Vector<float, 4>>) return _mm_movemask_ps(_mm_cmplt_ps(x, y)) == 0xF;
+  if constexpr (std::is_same_v<V, Vector<double, 2>>) return _mm_movemask_pd(_mm_cmplt_pd(x, y)) == 0x3;
+#endif
+  if constexpr (std::is_arithmetic_v<V>) {
+    return x < y;
+  } else {
+    bool all = true;
+    for (std::size_t i = 0; i < sizeof(V) / sizeof(x[0]); ++i) all &= x[i] < y[i];
+    return all;
+  }
+}
+
+// Lanes 0 to W - 1 of v (or, Upper, lanes W to 2W - 1) as doubles, exact.
+template <int W, bool Upper, class V>
+inline Vector<double, W> widenHalf(V v) {
+#if defined(__SSE3__)
+  if constexpr (W == 2) return _mm_cvtps_pd(Upper ? _mm_movehl_ps(v, v) : __m128(v));
+#endif
+  if constexpr (W == 1) {
+    if constexpr (Upper) return static_cast<double>(v[1]);
+    if constexpr (!Upper) return static_cast<double>(v[0]);
+  } else if constexpr (Upper) {
+    return __builtin_convertvector(Vector<float, W>(upper(v, std::make_index_sequence<W>())), Vector<double, W>);
+  } else {
+    return __builtin_convertvector(pick<Vector<float, W>>(v, std::make_index_sequence<W>()), Vector<double, W>);
+  }
+}
+
+template <class To, std::size_t... I, class V>
+inline To concatenate(V a, V b, std::index_sequence<I...>) {
+  return __builtin_shufflevector(a, b, static_cast<int>(I)...);
+}
+
+// Two vectors of doubles, each rounded to float, in one.
+template <int W>
+inline Vector<float, 2 * W> narrowPair(Vector<double, W> a, Vector<double, W> b) {
+#if defined(__SSE3__)
+  if constexpr (W == 2) return _mm_movelh_ps(_mm_cvtpd_ps(a), _mm_cvtpd_ps(b));
+#endif
+  if constexpr (W == 1) {
+    return Vector<float, 2>{static_cast<float>(a), static_cast<float>(b)};
+  } else {
+    using Half = Vector<float, W>;
+    return concatenate<Vector<float, 2 * W>>(__builtin_convertvector(a, Half), __builtin_convertvector(b, Half),
+                                             std::make_index_sequence<2 * static_cast<std::size_t>(W)>());
+  }
+}
+
+// One of three numbers a lane: the first where x > high, else the second where x > low, else the third (a NaN too). Made once, then
+// used for any number of triples; where the level has a lookup of four entries the lane's index is kept, elsewhere two masks.
+template <class T, int W>
+class ThreeWay {
+ public:
+  using V = Vector<T, W>;
+  using Bits = std::conditional_t<sizeof(T) == 8, int64_t, int32_t>;
+  using I = Vector<Bits, W>;
+
+  ThreeWay() = default;
+  ThreeWay(V x, T high, T low) {
+    if constexpr (W == 1) {
+      index_ = (x > high) + (x > low);
+    } else if constexpr (kLookup) {
+      index_ = indexOf(I(x > V{} + high) + I(x > V{} + low));  // 0, -1, -2: of their low bits, 0, 3, 2
+    } else {
+      index_ = I(x > V{} + low);
+      high_ = I(x > V{} + high);
+    }
+  }
+
+  V pick(T first, T second, T third) const {
+    if constexpr (W == 1) {
+      return index_ == 2 ? first : index_ == 1 ? second : third;
+    } else if constexpr (kLookup) {
+      return lookup(third, first, second);
+    } else {
+      const auto bits = [](T value) { return std::bit_cast<Bits>(value); };
+      const I flip = (index_ & (bits(third) ^ bits(second))) ^ (high_ & (bits(second) ^ bits(first)));
+      return std::bit_cast<V>((I{} + bits(third)) ^ flip);
+    }
+  }
+
+ private:
+#if defined(__AVX2__)
+  static constexpr bool kLookup = W > 1 && W * sizeof(T) >= 16 && !(W == 2 && sizeof(T) == 8);
+#else
+  static constexpr bool kLookup = false;
+#endif
+
+#if defined(__AVX2__)
+  static I indexOf(I index) {
+    if constexpr (W == 4 && sizeof(T) == 8) {  // looked up as pairs of 32-bit halves
+      const __m256i halves = _mm256_slli_epi32(__m256i(index), 1);
+      return I(_mm256_add_epi32(_mm256_shuffle_epi32(halves, 0xA0), _mm256_set1_epi64x(int64_t{1} << 32)));
+    }
+    return index;
+  }
+  V lookup(T entry0, T entry2, T entry3) const {
+    if constexpr (W == 4 && sizeof(T) == 4) {
+      return _mm_permutevar_ps(_mm_setr_ps(entry0, entry0, entry2, entry3), __m128i(index_));
+    } else if constexpr (W == 8 && sizeof(T) == 4) {
+      return _mm256_permutevar_ps(_mm256_setr_ps(entry0, entry0, entry2, entry3, entry0, entry0, entry2, entry3), __m256i(index_));
+    } else if constexpr (W == 4) {
+      const __m256d table = _mm256_setr_pd(entry0, entry0, entry2, entry3);
+      return _mm256_castps_pd(_mm256_permutevar8x32_ps(_mm256_castpd_ps(table), __m256i(index_)));
+    }
+#if defined(__AVX512F__)
+    if constexpr (W == 16) {
+      return _mm512_permutevar_ps(_mm512_broadcast_f32x4(_mm_setr_ps(entry0, entry0, entry2, entry3)), __m512i(index_));
+    } else if constexpr (W == 8 && sizeof(T) == 8) {
+      return _mm512_permutexvar_pd(__m512i(index_), _mm512_broadcast_f64x4(_mm256_setr_pd(entry0, entry0, entry2, entry3)));
+    }
+#endif
+  }
+#else
+  static I indexOf(I index) { return index; }
+  V lookup(T, T, T) const { return V{}; }
+#endif
+
+  I index_, high_;
+};
+
 }  // namespace native
 
 template <class T, int N>
@@ -172,7 +305,7 @@ struct Lanes {
 
   Lanes() = default;
   explicit Lanes(T value) {
-    for (Part& p : part) p = Part{} + value;
+    for (Part& p : part) p = value - Part{};  // minus: keeps the sign of a zero
   }
 
   static Lanes load(const T* p) {
@@ -227,8 +360,27 @@ struct Lanes {
       return std::bit_cast<Part>(std::bit_cast<native::Vector<Bits, kPart>>(x) & std::numeric_limits<Bits>::max());
     });
   }
+  // -|a|; a NaN stays a NaN.
+  friend Lanes minusAbs(const Lanes& a) {
+    using Bits = std::conditional_t<sizeof(T) == 8, int64_t, int32_t>;
+    return each(a, [](Part x) {
+      return std::bit_cast<Part>(std::bit_cast<native::Vector<Bits, kPart>>(x) | std::numeric_limits<Bits>::min());
+    });
+  }
   friend Lanes sqrt(const Lanes& a) {
     return each(a, [](Part x) { return Part(native::sqrt(x)); });
+  }
+
+  // x < y ? a : b, lane by lane: a NaN in x or y gives b.
+  friend Lanes selectLess(const Lanes& x, const Lanes& y, const Lanes& a, const Lanes& b) {
+    Lanes v;
+    for (int i = 0; i < kParts; ++i) v.part[i] = x.part[i] < y.part[i] ? a.part[i] : b.part[i];
+    return v;
+  }
+  friend bool allLess(const Lanes& x, const Lanes& y) {
+    bool all = true;
+    for (int i = 0; i < kParts; ++i) all &= native::allLess(x.part[i], y.part[i]);
+    return all;
   }
 };
 
@@ -261,6 +413,65 @@ inline Lanes<T, N> loadAs(const From* p) {
     return v;
   }
 }
+
+// ---- Conversions between registers ----
+
+// Floats as doubles, exact.
+template <int N>
+inline Lanes<double, N> widen(const Lanes<float, N>& a) {
+  using L = Lanes<double, N>;
+  constexpr int kRatio = Lanes<float, N>::kPart / L::kPart;
+  L v;
+  for (int i = 0; i < L::kParts; ++i) {
+    if constexpr (N == 1) {
+      v.part[i] = static_cast<double>(a.part[i]);
+    } else if constexpr (kRatio == 1) {
+      v.part[i] = __builtin_convertvector(a.part[i], typename L::Part);
+    } else {
+      const auto half = a.part[i / 2];
+      v.part[i] = i % 2 == 0 ? native::widenHalf<L::kPart, false>(half) : native::widenHalf<L::kPart, true>(half);
+    }
+  }
+  return v;
+}
+
+// Doubles rounded to float.
+template <int N>
+inline Lanes<float, N> narrow(const Lanes<double, N>& a) {
+  using L = Lanes<float, N>;
+  L v;
+  for (int i = 0; i < L::kParts; ++i) {
+    if constexpr (N == 1) {
+      v.part[i] = static_cast<float>(a.part[i]);
+    } else if constexpr (L::kPart == Lanes<double, N>::kPart) {
+      v.part[i] = __builtin_convertvector(a.part[i], typename L::Part);
+    } else {
+      v.part[i] = native::narrowPair<L::kPart / 2>(a.part[2 * i], a.part[2 * i + 1]);
+    }
+  }
+  return v;
+}
+
+// ---- Three ways ----
+
+// Picks one of three numbers in each lane: the first where x > high, else the second where x > low, else the third (a NaN in x
+// too). For functions that are approximated on three ranges: made once, then asked for each coefficient.
+template <class T, int N>
+class ThreeWay {
+ public:
+  ThreeWay(const Lanes<T, N>& x, T high, T low) {
+    for (int i = 0; i < L::kParts; ++i) part_[i] = native::ThreeWay<T, L::kPart>(x.part[i], high, low);
+  }
+  Lanes<T, N> pick(T first, T second, T third) const {
+    L v;
+    for (int i = 0; i < L::kParts; ++i) v.part[i] = part_[i].pick(first, second, third);
+    return v;
+  }
+
+ private:
+  using L = Lanes<T, N>;
+  native::ThreeWay<T, L::kPart> part_[L::kParts];
+};
 
 // ---- Halves and joins ----
 
@@ -361,15 +572,15 @@ class Tail {
     if (n >= kPart) return native::load<Part>(p);
 #if defined(__AVX512VL__)
     if constexpr (std::is_same_v<T, float> && kPart == 16) {
-      return _mm512_mask_loadu_ps(Part{} + fill, static_cast<__mmask16>((1u << (n > 0 ? n : 0)) - 1u), p);
+      return _mm512_mask_loadu_ps(fill - Part{}, static_cast<__mmask16>((1u << (n > 0 ? n : 0)) - 1u), p);
     } else if constexpr (std::is_same_v<T, float> && kPart == 8) {
-      return _mm256_mask_loadu_ps(Part{} + fill, static_cast<__mmask8>((1u << (n > 0 ? n : 0)) - 1u), p);
+      return _mm256_mask_loadu_ps(fill - Part{}, static_cast<__mmask8>((1u << (n > 0 ? n : 0)) - 1u), p);
     } else if constexpr (std::is_same_v<T, float> && kPart == 4) {
-      return _mm_mask_loadu_ps(Part{} + fill, static_cast<__mmask8>((1u << (n > 0 ? n : 0)) - 1u), p);
+      return _mm_mask_loadu_ps(fill - Part{}, static_cast<__mmask8>((1u << (n > 0 ? n : 0)) - 1u), p);
     } else if constexpr (std::is_same_v<T, double> && kPart == 8) {
-      return _mm512_mask_loadu_pd(Part{} + fill, static_cast<__mmask8>((1u << (n > 0 ? n : 0)) - 1u), p);
+      return _mm512_mask_loadu_pd(fill - Part{}, static_cast<__mmask8>((1u << (n > 0 ? n : 0)) - 1u), p);
     } else if constexpr (std::is_same_v<T, double> && kPart == 4) {
-      return _mm256_mask_loadu_pd(Part{} + fill, static_cast<__mmask8>((1u << (n > 0 ? n : 0)) - 1u), p);
+      return _mm256_mask_loadu_pd(fill - Part{}, static_cast<__mmask8>((1u << (n > 0 ? n : 0)) - 1u), p);
     }
 #elif defined(__AVX2__)
     if constexpr (std::is_same_v<T, float> && kPart == 8) {
@@ -382,7 +593,7 @@ class Tail {
       return _mm256_blendv_pd(_mm256_set1_pd(fill), _mm256_maskload_pd(p, mask), _mm256_castsi256_pd(mask));
     }
 #endif
-    Part v = Part{} + fill;
+    Part v = fill - Part{};
     if constexpr (kPart == 4) {  // the usual case at SSE3: no loop, one branch a count
       if (n == 3) return Part{p[0], p[1], p[2], fill};
       if (n == 2) return Part{p[0], p[1], fill, fill};

@@ -1,0 +1,90 @@
+// The verbs of Lanes, lane by lane against scalar code. Compiled once at every instruction level.
+#include "frame/lanes.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "kit/compare.h"
+#include "kit/random.h"
+
+namespace {
+
+using qorsr::Lanes;
+
+template <class T, int N>
+std::vector<T> valuesOf(const Lanes<T, N>& lanes) {
+  std::vector<T> v(N);
+  lanes.store(v.data());
+  return v;
+}
+
+template <class T, int N>
+void expectSelections() {
+  kit::Random random(N);
+  for (int round = 0; round < 50; ++round) {
+    const auto kind = kit::kKinds[round % 3];
+    const auto x = random.vector<T>(N, kind), y = random.vector<T>(N, kind);
+    const auto lx = Lanes<T, N>::load(x.data()), ly = Lanes<T, N>::load(y.data());
+    std::vector<T> less, ways, signedAbs;
+    bool all = true;
+    for (std::size_t i = 0; i < N; ++i) {
+      less.push_back(x[i] < y[i] ? T(1) : T(2));
+      all = all && x[i] < y[i];
+      ways.push_back(x[i] > T(2) ? T(-7) : x[i] > T(-3) ? T(-0.0) : T(5));
+      signedAbs.push_back(std::copysign(x[i], T(-1)));
+    }
+    ASSERT_BITS(valuesOf(selectLess(lx, ly, Lanes<T, N>(T(1)), Lanes<T, N>(T(2)))), less);
+    ASSERT_EQ(allLess(lx, ly), all);
+    ASSERT_TRUE(allLess(lx * Lanes<T, N>(T(0)), ly * ly + Lanes<T, N>(T(1))) || kind == kit::Random::kNasty);
+    ASSERT_BITS(valuesOf(qorsr::ThreeWay<T, N>(lx, T(2), T(-3)).pick(T(-7), T(-0.0), T(5))), ways);
+    ASSERT_BITS(valuesOf(minusAbs(lx)), signedAbs);
+  }
+}
+
+TEST(Lanes, SelectionsOfFloats) {
+  expectSelections<float, 1>();
+  expectSelections<float, 4>();
+  expectSelections<float, 8>();
+  expectSelections<float, 16>();
+  expectSelections<float, 64>();
+}
+TEST(Lanes, SelectionsOfDoubles) {
+  expectSelections<double, 1>();
+  expectSelections<double, 2>();
+  expectSelections<double, 4>();
+  expectSelections<double, 8>();
+  expectSelections<double, 32>();
+}
+
+template <int N>
+void expectConversions() {
+  kit::Random random(N);
+  for (int round = 0; round < 20; ++round) {
+    const auto f = random.vector<float>(N, kit::kKinds[round % 3]);
+    const auto d = random.vector<double>(N, kit::kKinds[round % 3]);
+    const std::vector<double> widened(f.begin(), f.end());
+    std::vector<float> narrowed;
+    for (const double x : d) narrowed.push_back(static_cast<float>(x));
+    ASSERT_BITS(valuesOf(qorsr::widen(Lanes<float, N>::load(f.data()))), widened);
+    ASSERT_BITS(valuesOf(qorsr::narrow(Lanes<double, N>::load(d.data()))), narrowed);
+  }
+}
+
+TEST(Lanes, Conversions) {
+  expectConversions<1>();
+  expectConversions<2>();
+  expectConversions<4>();
+  expectConversions<8>();
+  expectConversions<16>();
+  expectConversions<64>();
+}
+
+TEST(Lanes, ABroadcastKeepsTheSignOfZero) {
+  EXPECT_BITS(valuesOf(Lanes<float, 8>(-0.0F)), std::vector<float>(8, -0.0F));
+  const float one = 1.0F;
+  const std::vector<float> expected = {1.0F, -0.0F, -0.0F, -0.0F};
+  EXPECT_BITS(valuesOf(qorsr::Tail<float, 4>(1).load(&one, -0.0F)), expected);
+}
+
+}  // namespace
