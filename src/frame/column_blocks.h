@@ -52,4 +52,26 @@ inline void coverColumnsOnce(int32_t width, const Body& body) {
   detail::coverFrom<T, kWidestBlock<T>, false>(0, width, body);
 }
 
+// A column needs all rows, but a wide, tall matrix does not stay in the cache while each block of columns walks down it: it is
+// taken in tiles of rows, and the running sums wait in the caller's result meanwhile.
+//
+// Calls body(column, LaneCount<N>, first, end) for rows first to end - 1 of every block. A body with first > 0 goes on from the
+// running value that it left for its column; the grouping of a sum in pairs of rows is kept, since tiles have an even number of
+// rows.
+template <class T, class Body>
+inline void coverColumnsInTiles(int32_t width, int32_t height, int64_t elementBytes, const Body& body) {
+  constexpr int64_t kNearCache = 256 * 1024, kTile = 32 * 1024;
+  const int64_t rowBytes = width * elementBytes;
+  if (width <= kWidestBlock<T> || rowBytes * height <= kNearCache) {
+    coverColumns<T>(width, [&](int32_t column, auto lanes) { body(column, lanes, 0, height); });
+    return;
+  }
+  const auto tile = static_cast<int32_t>(rowBytes * 2 > kTile ? 2 : kTile / rowBytes / 2 * 2);
+  for (int32_t first = 0; first < height;) {
+    const int32_t end = height - first > tile ? first + tile : height;
+    coverColumnsOnce<T>(width, [&](int32_t column, auto lanes) { body(column, lanes, first, end); });
+    first = end;
+  }
+}
+
 }  // namespace qorsr

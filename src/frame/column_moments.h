@@ -35,19 +35,26 @@ struct Moments {
   Lanes<float, N> sum, squares;
 };
 
-// Sum and sum of squares in one pass, both in pairs of rows.
+// Sum and sum of squares in one pass, both in pairs of rows; with first > 0, going on from the sums in `sums` and `squares`.
 template <int N, class Rows>
-inline Moments<N> columnMoments(const Rows& rows, int32_t height, int32_t column) {
+inline Moments<N> columnMoments(const Rows& rows, int32_t first, int32_t end, int32_t column, const float* sums,
+                                const float* squares) {
   const auto row = [&](int32_t r) { return loadAs<float, N>(rows[r] + column); };
-  const Lanes<float, N> x0 = row(0), x1 = row(1);
-  Moments<N> m{x0 + x1, x0 * x0 + x1 * x1};
-  int32_t r = 2;
-  for (; r < height - 1; r += 2) {
+  Moments<N> m;
+  int32_t r = first;
+  if (first > 0) {
+    m = {Lanes<float, N>::load(sums + column), Lanes<float, N>::load(squares + column)};
+  } else {
+    const Lanes<float, N> x0 = row(0), x1 = row(1);
+    m = {x0 + x1, x0 * x0 + x1 * x1};
+    r = 2;
+  }
+  for (; r < end - 1; r += 2) {
     const Lanes<float, N> a = row(r), b = row(r + 1);
     m.sum += a + b;
     m.squares += a * a + b * b;
   }
-  if (r < height) {
+  if (r < end) {
     const Lanes<float, N> last = row(r);
     m.sum += last;
     m.squares += last * last;
@@ -57,32 +64,37 @@ inline Moments<N> columnMoments(const Rows& rows, int32_t height, int32_t column
 
 template <class Rows>
 void meanColumns(const Rows& rows, int32_t height, float* means, int32_t width, float r) {
-  coverColumns<float>(width,
-                      [&](int32_t c, auto n) { (columnSum<float, n>(rows, height, c) * Lanes<float, n>(r)).store(means + c); });
+  coverColumnsInTiles<float>(width, height, sizeof(*rows[0]), [&](int32_t c, auto n, int32_t first, int32_t end) {
+    const Lanes<float, n> sum = columnSum<float, n>(rows, first, end, c, means);
+    (end == height ? sum * Lanes<float, n>(r) : sum).store(means + c);
+  });
 }
 
 template <class Rows, class Mean>
 void varColumns(const Rows& rows, int32_t height, const Mean* means, float* variances, int32_t width, float q) {
-  coverColumns<float>(width, [&](int32_t c, auto n) {
+  coverColumnsInTiles<float>(width, height, sizeof(*rows[0]), [&](int32_t c, auto n, int32_t first, int32_t end) {
     using L = Lanes<float, n>;
     const L mean = loadAs<float, n>(means + c);
-    L sum = mean * mean * L(-static_cast<float>(height));
-    for (int32_t r = 0; r < height; ++r) {
+    L sum = first > 0 ? L::load(variances + c) : mean * mean * L(-static_cast<float>(height));
+    for (int32_t r = first; r < end; ++r) {
       const L x = loadAs<float, n>(rows[r] + c);
       sum += x * x;
     }
-    (sum * L(q)).store(variances + c);
+    (end == height ? sum * L(q) : sum).store(variances + c);
   });
 }
 
 template <class Rows>
 void meanVarColumns(const Rows& rows, int32_t height, float* means, float* variances, int32_t width, float r, float q) {
-  coverColumns<float>(width, [&](int32_t c, auto n) {
+  coverColumnsInTiles<float>(width, height, sizeof(*rows[0]), [&](int32_t c, auto n, int32_t first, int32_t end) {
     using L = Lanes<float, n>;
-    const Moments<n> m = columnMoments<n>(rows, height, c);
-    const L mean = m.sum * L(r);
-    mean.store(means + c);
-    ((m.squares + mean * mean * L(-static_cast<float>(height))) * L(q)).store(variances + c);
+    Moments<n> m = columnMoments<n>(rows, first, end, c, means, variances);
+    if (end == height) {
+      m.sum *= L(r);
+      m.squares = (m.squares + m.sum * m.sum * L(-static_cast<float>(height))) * L(q);
+    }
+    m.sum.store(means + c);
+    m.squares.store(variances + c);
   });
 }
 
@@ -133,26 +145,96 @@ void meanVarColumnsExact(const Rows& rows, int32_t height, int16_t* means, int16
 
 // ---- Double road of 16-bit data ----
 
+// Sums of x and x^2 of a block of columns, as doubles. Below 2^53 every order gives the same bits, so whole numbers may be used.
+template <int N>
+struct DoubleMoments {
+  double sum[N], squares[N];
+};
+
+template <int N, class Rows>
+inline DoubleMoments<N> momentsInDouble(const Rows& rows, int32_t height, int32_t column) {
+  Lanes<double, N> sum(0.0), squares(0.0);
+  for (int32_t r = 0; r < height; ++r) {
+    const auto x = loadAs<double, N>(rows[r] + column);
+    sum += x;
+    squares += x * x;
+  }
+  DoubleMoments<N> m;
+  sum.store(m.sum);
+  squares.store(m.squares);
+  return m;
+}
+
+// The heights whose sums of squares stay below 2^53.
+inline constexpr int32_t kExactHeight = 1 << 22;
+
+// Two rows at a time: a pair of products and its sum fit 32 unsigned bits, a pair of elements 17 signed ones.
+template <int N, class Rows>
+inline DoubleMoments<N> momentsInIntegers(const Rows& rows, int32_t height, int32_t column) {
+  using Elements = Lanes<int16_t, N>;
+  using Sums = Lanes<int32_t, N / 2>;
+  using Squares = Lanes<int64_t, N / 4>;
+  constexpr int32_t kRowsPerFlush = 1 << 14;  // what 32 bits hold of the sums, with room to spare
+  const Elements ones(1), zeros(0);
+  Squares squares[4] = {Squares(0), Squares(0), Squares(0), Squares(0)};
+  int64_t total[N] = {};
+  for (int32_t first = 0; first < height; first += kRowsPerFlush) {
+    const int32_t end = std::min(height - first, kRowsPerFlush) + first;
+    Sums lower(0), upper(0);
+    for (int32_t r = first; r < end; r += 2) {
+      const Elements a = Elements::load(rows[r] + column);
+      const Elements b = r + 1 < end ? Elements::load(rows[r + 1] + column) : zeros;
+      const Elements low = interleaveLower(a, b), high = interleaveUpper(a, b);
+      lower += pairDots(low, ones);
+      upper += pairDots(high, ones);
+      const Sums lowSquares = pairDots(low, low), highSquares = pairDots(high, high);
+      squares[0] += lowerUnsigned(lowSquares);
+      squares[1] += upperUnsigned(lowSquares);
+      squares[2] += lowerUnsigned(highSquares);
+      squares[3] += upperUnsigned(highSquares);
+    }
+    int32_t part[N];
+    lower.store(part);
+    upper.store(part + N / 2);
+    for (int i = 0; i < N; ++i) total[i] += part[i];
+  }
+  int64_t squareTotals[N];
+  for (int i = 0; i < 4; ++i) squares[i].store(squareTotals + i * (N / 4));
+  DoubleMoments<N> m;
+  for (int i = 0; i < N; ++i) {
+    m.sum[i] = static_cast<double>(total[i]);
+    m.squares[i] = static_cast<double>(squareTotals[i]);
+  }
+  return m;
+}
+
+// Calls finish(column, moments) for blocks that cover all columns.
+template <class Rows, class Finish>
+void coverDoubleMoments(const Rows& rows, int32_t height, int32_t width, const Finish& finish) {
+  const auto inIntegers = [&]<int N>(LaneCount<N>) {
+    for (int32_t c = 0; c < width; c += N) {
+      const int32_t column = std::min(c, width - N);  // the last block may overlap the one before it
+      finish(column, momentsInIntegers<N>(rows, height, column));
+    }
+  };
+  if (height > kExactHeight || width < 8) {
+    coverColumns<double>(width, [&](int32_t c, auto n) { finish(c, momentsInDouble<n>(rows, height, c)); });
+  } else if (width < 2 * kNativeLanes<int16_t>) {
+    inIntegers(LaneCount<8>());
+  } else {
+    inIntegers(LaneCount<kNativeLanes<int16_t>>());
+  }
+}
+
 // `q` holds the reciprocal of n - 1 and the power of two of the scale factor. The limited mean is the one in the variance.
 template <class Rows, class Mean>
 void meanVarColumnsDouble(const Rows& rows, int32_t height, Mean* means, int32_t* variances, int32_t width, double q) {
   const double n = height, r = 1.0 / n;
-  coverColumns<double>(width, [&](int32_t c, auto lanes) {
-    using L = Lanes<double, lanes>;
-    L sum(0.0), squares(0.0);  // sums of integers, exact
-    for (int32_t i = 0; i < height; ++i) {
-      const L x = loadAs<double, lanes>(rows[i] + c);
-      sum += x;
-      squares += x * x;
-    }
-    const L mean = max(min(sum * L(r), L(2147483647.0)), L(-2147483648.0));
-    const L variance = (squares - mean * mean * L(n)) * L(q);
-    double m[lanes], v[lanes];
-    mean.store(m);
-    variance.store(v);
-    for (int i = 0; i < lanes; ++i) {
-      means[c + i] = static_cast<Mean>(limitAndRound<int32_t>(m[i]));
-      variances[c + i] = limitAndRound<int32_t>(v[i]);
+  coverDoubleMoments(rows, height, width, [&]<int N>(int32_t column, const DoubleMoments<N>& m) {
+    for (int i = 0; i < N; ++i) {
+      const double mean = std::clamp(m.sum[i] * r, -2147483648.0, 2147483647.0);
+      means[column + i] = static_cast<Mean>(limitAndRound<int32_t>(mean));
+      variances[column + i] = limitAndRound<int32_t>((m.squares[i] - mean * mean * n) * q);
     }
   });
 }

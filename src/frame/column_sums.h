@@ -10,6 +10,7 @@
 #pragma once
 
 #include <cstdint>
+#include <type_traits>
 
 #include "frame/checks.h"
 #include "frame/column_blocks.h"
@@ -21,21 +22,28 @@ namespace qorsr {
 
 // ---- Kernels ----
 
+// The sum of rows 0 to end - 1 of one block of columns; with first > 0, going on from `running`, the sum of those above.
 template <class Acc, int N, class Rows>
-inline Lanes<Acc, N> columnSum(const Rows& rows, int32_t height, int32_t column) {
+inline Lanes<Acc, N> columnSum(const Rows& rows, int32_t first, int32_t end, int32_t column, const Acc* running) {
   const auto row = [&](int32_t r) { return loadAs<Acc, N>(rows[r] + column); };
-  Lanes<Acc, N> total = row(0);
-  if (height == 1) return total;
-  total += row(1);
-  int32_t r = 2;
-  for (; r < height - 1; r += 2) total += row(r) + row(r + 1);
-  if (r < height) total += row(r);
+  Lanes<Acc, N> total;
+  int32_t r = first;
+  if (first > 0) {
+    total = Lanes<Acc, N>::load(running + column);
+  } else if (end == 1) {
+    return row(0);
+  } else {
+    total = row(0) + row(1);
+    r = 2;
+  }
+  for (; r < end - 1; r += 2) total += row(r) + row(r + 1);
+  if (r < end) total += row(r);
   return total;
 }
 
-// Sums of R rows at once, so that their chains of additions overlap. `inLaneZero`: where the last elements go.
+// Sums of R rows (4 or 1) at once, so that their chains of additions overlap and their lanes are joined together.
 template <class Acc, int R, class Rows>
-inline void rowSums(const Rows& rows, int32_t first, int32_t width, Acc* result, bool inLaneZero) {
+inline void rowSums(const Rows& rows, int32_t first, int32_t width, Acc* result, bool tailInLaneZero) {
   Lanes<Acc, 4> lanes[R];
   for (auto& l : lanes) l = Lanes<Acc, 4>(Acc(0));
   int32_t c = 0;
@@ -46,12 +54,20 @@ inline void rowSums(const Rows& rows, int32_t first, int32_t width, Acc* result,
     for (int i = 0; i < R; ++i) lanes[i] += loadAs<Acc, 4>(rows[first + i] + c);
     c += 4;
   }
+  const int32_t rest = width - c;
   for (int i = 0; i < R; ++i) {
-    Acc l[4];
-    lanes[i].store(l);
-    for (int32_t k = c; k < width; ++k) l[inLaneZero ? 0 : k - c] += static_cast<Acc>(rows[first + i][k]);
-    const Acc sum = (l[0] + l[1]) + (l[2] + l[3]);
-    Lanes<Acc, 1>(sum).store(result + first + i);
+    const auto at = [&](int k) { return k < rest ? static_cast<Acc>(rows[first + i][c + k]) : Acc(0); };
+    using L = Lanes<Acc, 4>;
+    if (tailInLaneZero) {
+      for (int k = 0; k < rest; ++k) lanes[i] += L::of(at(k), 0, 0, 0);
+    } else if (rest > 0) {  // a zero in the lanes beyond changes nothing: a lane that began at +0 never holds -0
+      lanes[i] += rest == 1 ? L::of(at(0), 0, 0, 0) : L::of(at(0), at(1), at(2), 0);
+    }
+  }
+  if constexpr (R == 4 && std::is_same_v<Acc, float>) {
+    joinNeighbours4(lanes[0], lanes[1], lanes[2], lanes[3]).store(result + first);
+  } else {
+    for (int i = 0; i < R; ++i) Lanes<Acc, 1>(joinNeighbours(lanes[i])).store(result + first + i);
   }
 }
 
@@ -83,7 +99,9 @@ inline double columnReduce(int32_t firstRow, int32_t height, F f) {
 template <class Rows, class Acc>
 QorStatus sumColumn(Rows rows, int32_t height, Acc* result, int32_t width) {
   if (QorStatus bad = Checks().null(rows, result).size(height, width).stride(rows, width)) return bad;
-  coverColumns<Acc>(width, [&](int32_t c, auto n) { columnSum<Acc, n>(rows, height, c).store(result + c); });
+  coverColumnsInTiles<Acc>(width, height, sizeof(*rows[0]), [&](int32_t c, auto n, int32_t first, int32_t end) {
+    columnSum<Acc, n>(rows, first, end, c, result).store(result + c);
+  });
   return qorStatusOk;
 }
 
@@ -92,8 +110,7 @@ QorStatus sumRow(Rows rows, int32_t width, Acc* result, int32_t height) {
   if (QorStatus bad = Checks().null(rows, result).size(height, width).stride(rows, width)) return bad;
   int32_t r = 0;
   for (; r <= height - 4; r += 4) rowSums<Acc, 4>(rows, r, width, result, false);
-  for (; r <= height - 2; r += 2) rowSums<Acc, 2>(rows, r, width, result, false);
-  if (r < height) rowSums<Acc, 1>(rows, r, width, result, true);
+  for (; r < height; ++r) rowSums<Acc, 1>(rows, r, width, result, r == height - 1 && height % 2 == 1);
   return qorStatusOk;
 }
 

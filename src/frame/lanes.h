@@ -308,6 +308,17 @@ struct Lanes {
     for (Part& p : part) p = value - Part{};  // minus: keeps the sign of a zero
   }
 
+  // Four lanes from four numbers, without a detour through memory.
+  static Lanes of(T l0, T l1, T l2, T l3) requires(N == 4) {
+    Lanes v;
+    if constexpr (kParts == 1) {
+      v.part[0] = Part{l0, l1, l2, l3};
+    } else {
+      v.part[0] = Part{l0, l1};
+      v.part[1] = Part{l2, l3};
+    }
+    return v;
+  }
   static Lanes load(const T* p) {
     Lanes v;
     for (int i = 0; i < kParts; ++i) v.part[i] = native::load<Part>(p + i * kPart);
@@ -519,25 +530,119 @@ inline T joinNeighbours(const Lanes<T, 4>& a) {
   return (l[0] + l[1]) + (l[2] + l[3]);
 }
 
-// The halves-join of four lane sets at once: lane i of the result is joinHalves of set i.
-inline Lanes<float, 4> joinHalves4(const Lanes<float, 4>& a, const Lanes<float, 4>& b, const Lanes<float, 4>& c,
-                                   const Lanes<float, 4>& d) {
+// Four lane sets turned: lane i of `lane[j]` is lane j of set i. What is then added lane by lane is the join of each set.
+struct Turned {
+  Lanes<float, 4> lane[4];
+};
+inline Turned turn4(const Lanes<float, 4>& a, const Lanes<float, 4>& b, const Lanes<float, 4>& c, const Lanes<float, 4>& d) {
   using V = native::Vector<float, 4>;
-  const V ac02 = __builtin_shufflevector(a.part[0], b.part[0], 0, 4, 1, 5);  // a0 b0 a1 b1
-  const V ac24 = __builtin_shufflevector(a.part[0], b.part[0], 2, 6, 3, 7);  // a2 b2 a3 b3
-  const V bd02 = __builtin_shufflevector(c.part[0], d.part[0], 0, 4, 1, 5);
-  const V bd24 = __builtin_shufflevector(c.part[0], d.part[0], 2, 6, 3, 7);
-  const V ab = ac02 + ac24;  // (a0+a2) (b0+b2) (a1+a3) (b1+b3)
-  const V cd = bd02 + bd24;
-  Lanes<float, 4> v;
-  v.part[0] = __builtin_shufflevector(ab, cd, 0, 1, 4, 5) + __builtin_shufflevector(ab, cd, 2, 3, 6, 7);
-  return v;
+  const V ab01 = __builtin_shufflevector(a.part[0], b.part[0], 0, 4, 1, 5);  // a0 b0 a1 b1
+  const V ab23 = __builtin_shufflevector(a.part[0], b.part[0], 2, 6, 3, 7);  // a2 b2 a3 b3
+  const V cd01 = __builtin_shufflevector(c.part[0], d.part[0], 0, 4, 1, 5);
+  const V cd23 = __builtin_shufflevector(c.part[0], d.part[0], 2, 6, 3, 7);
+  Turned t;
+  t.lane[0].part[0] = __builtin_shufflevector(ab01, cd01, 0, 1, 4, 5);
+  t.lane[1].part[0] = __builtin_shufflevector(ab01, cd01, 2, 3, 6, 7);
+  t.lane[2].part[0] = __builtin_shufflevector(ab23, cd23, 0, 1, 4, 5);
+  t.lane[3].part[0] = __builtin_shufflevector(ab23, cd23, 2, 3, 6, 7);
+  return t;
 }
+
+// The halves-join of four lane sets at once: lane i of the result is joinHalves of set i.
 template <int N>
 inline Lanes<float, 4> joinHalves4(const Lanes<float, N>& a, const Lanes<float, N>& b, const Lanes<float, N>& c,
                                    const Lanes<float, N>& d) {
-  return joinHalves4(lowerHalf(a) + upperHalf(a), lowerHalf(b) + upperHalf(b), lowerHalf(c) + upperHalf(c),
-                     lowerHalf(d) + upperHalf(d));
+  if constexpr (N == 4) {
+    const Turned t = turn4(a, b, c, d);
+    return (t.lane[0] + t.lane[2]) + (t.lane[1] + t.lane[3]);
+  } else {
+    return joinHalves4(lowerHalf(a) + upperHalf(a), lowerHalf(b) + upperHalf(b), lowerHalf(c) + upperHalf(c),
+                       lowerHalf(d) + upperHalf(d));
+  }
+}
+
+// The neighbours-join of four lane sets at once.
+inline Lanes<float, 4> joinNeighbours4(const Lanes<float, 4>& a, const Lanes<float, 4>& b, const Lanes<float, 4>& c,
+                                       const Lanes<float, 4>& d) {
+  const Turned t = turn4(a, b, c, d);
+  return (t.lane[0] + t.lane[1]) + (t.lane[2] + t.lane[3]);
+}
+
+// ---- Whole numbers in one native register ----
+
+// As many as one native register holds.
+template <class T>
+inline constexpr int kNativeLanes = kNativeBytes / static_cast<int>(sizeof(T));
+
+namespace native {
+template <class V, std::size_t... I>
+inline V interleaveLower(V a, V b, std::index_sequence<I...>) {
+  constexpr int kCount = sizeof...(I);
+  return __builtin_shufflevector(a, b, (I % 2 == 0 ? static_cast<int>(I / 2) : kCount + static_cast<int>(I / 2))...);
+}
+template <class V, std::size_t... I>
+inline V interleaveUpper(V a, V b, std::index_sequence<I...>) {
+  constexpr int kCount = sizeof...(I), kHalf = kCount / 2;
+  return __builtin_shufflevector(a, b,
+                                 (I % 2 == 0 ? kHalf + static_cast<int>(I / 2) : kCount + kHalf + static_cast<int>(I / 2))...);
+}
+}  // namespace native
+
+// a0 b0 a1 b1 ... of the lower halves, and of the upper halves.
+template <class T, int N>
+inline Lanes<T, N> interleaveLower(const Lanes<T, N>& a, const Lanes<T, N>& b) {
+  static_assert(Lanes<T, N>::kParts == 1);
+  Lanes<T, N> v;
+  v.part[0] = native::interleaveLower(a.part[0], b.part[0], std::make_index_sequence<N>());
+  return v;
+}
+template <class T, int N>
+inline Lanes<T, N> interleaveUpper(const Lanes<T, N>& a, const Lanes<T, N>& b) {
+  static_assert(Lanes<T, N>::kParts == 1);
+  Lanes<T, N> v;
+  v.part[0] = native::interleaveUpper(a.part[0], b.part[0], std::make_index_sequence<N>());
+  return v;
+}
+
+// Products of int16 lanes, neighbouring pairs added: lane i is a[2i] * b[2i] + a[2i+1] * b[2i+1], modulo 2^32.
+template <int N>
+inline Lanes<int32_t, N / 2> pairDots(const Lanes<int16_t, N>& a, const Lanes<int16_t, N>& b) {
+  static_assert(Lanes<int16_t, N>::kParts == 1);
+  Lanes<int32_t, N / 2> v;
+  using Sum = typename Lanes<int32_t, N / 2>::Part;
+#if defined(__AVX512BW__)
+  if constexpr (N == 32) {
+    v.part[0] = Sum(_mm512_madd_epi16(__m512i(a.part[0]), __m512i(b.part[0])));
+    return v;
+  }
+#endif
+#if defined(__AVX2__)
+  if constexpr (N == 16) {
+    v.part[0] = Sum(_mm256_madd_epi16(__m256i(a.part[0]), __m256i(b.part[0])));
+    return v;
+  }
+#endif
+#if defined(__SSE3__)
+  if constexpr (N == 8) {
+    v.part[0] = Sum(_mm_madd_epi16(__m128i(a.part[0]), __m128i(b.part[0])));
+    return v;
+  }
+#endif
+  for (int i = 0; i < N / 2; ++i) {
+    const auto product = [&](int k) { return static_cast<uint32_t>(static_cast<int32_t>(a.part[0][k]) * b.part[0][k]); };
+    v.part[0][i] = static_cast<int32_t>(product(2 * i) + product(2 * i + 1));
+  }
+  return v;
+}
+
+// Lanes taken as unsigned and widened: the lower half of them, and the upper half.
+template <int N>
+inline Lanes<int64_t, N / 2> lowerUnsigned(const Lanes<int32_t, N>& a) {
+  return std::bit_cast<Lanes<int64_t, N / 2>>(interleaveLower(a, Lanes<int32_t, N>(0)));
+}
+template <int N>
+inline Lanes<int64_t, N / 2> upperUnsigned(const Lanes<int32_t, N>& a) {
+  return std::bit_cast<Lanes<int64_t, N / 2>>(interleaveUpper(a, Lanes<int32_t, N>(0)));
 }
 
 // ---- Tails: the first n of N lanes ----

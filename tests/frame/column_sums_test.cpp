@@ -171,7 +171,8 @@ TEST(SumRowSqr, ScalesInPlaceAndSumsTheSquares) {
       long double exact = 0;
       for (const double x : before) {
         scaled.push_back(x * scale);
-        exact += static_cast<long double>(scaled.back()) * scaled.back();
+        const long double s = scaled.back();
+        exact += s * s;
       }
       double result = -1;
       ASSERT_EQ(qorsSumRowSqr_64f(source.data(), n, &result, scale), qorStatusOk);
@@ -196,7 +197,8 @@ TEST(SumColumnAbsAndSqr, OneColumnFromARowDown) {
       magnitudes += std::fabs(static_cast<long double>(m.listedAt(r, column)));
       double& x = expectedValues[static_cast<std::size_t>(r) * 5 + static_cast<std::size_t>(column)];
       x *= scale;
-      squares += static_cast<long double>(x) * x;
+      const long double scaled = x;
+      squares += scaled * scaled;
     }
     double result = -1, expected = static_cast<double>(magnitudes);
     ASSERT_EQ(qorsSumColumnAbs_64f_D2L(m.rows(), 5, height, &result, column, first), qorStatusOk);
