@@ -609,7 +609,7 @@ template <int N>
 inline Lanes<int32_t, N / 2> pairDots(const Lanes<int16_t, N>& a, const Lanes<int16_t, N>& b) {
   static_assert(Lanes<int16_t, N>::kParts == 1);
   Lanes<int32_t, N / 2> v;
-  using Sum = typename Lanes<int32_t, N / 2>::Part;
+  using Sum [[maybe_unused]] = typename Lanes<int32_t, N / 2>::Part;
 #if defined(__AVX512BW__)
   if constexpr (N == 32) {
     v.part[0] = Sum(_mm512_madd_epi16(__m512i(a.part[0]), __m512i(b.part[0])));

@@ -171,7 +171,7 @@ TEST(SumRowSqr, ScalesInPlaceAndSumsTheSquares) {
       long double exact = 0;
       for (const double x : before) {
         scaled.push_back(x * scale);
-        const long double s = scaled.back();
+        const auto s = static_cast<long double>(scaled.back());
         exact += s * s;
       }
       double result = -1;
@@ -197,7 +197,7 @@ TEST(SumColumnAbsAndSqr, OneColumnFromARowDown) {
       magnitudes += std::fabs(static_cast<long double>(m.listedAt(r, column)));
       double& x = expectedValues[static_cast<std::size_t>(r) * 5 + static_cast<std::size_t>(column)];
       x *= scale;
-      const long double scaled = x;
+      const auto scaled = static_cast<long double>(x);
       squares += scaled * scaled;
     }
     double result = -1, expected = static_cast<double>(magnitudes);

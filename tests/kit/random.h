@@ -86,8 +86,10 @@ class Random {
           return T(-2147483648.0);
         case 10:
           return T(2147483520.0);
-        default:
-          return static_cast<T>(std::ldexp(real(-1.0, 1.0), static_cast<int>(integer(-60, 60))));
+        default: {
+          const double fraction = real(-1.0, 1.0);  // in an order of its own: compilers differ in that of arguments
+          return static_cast<T>(std::ldexp(fraction, static_cast<int>(integer(-60, 60))));
+        }
       }
     } else {
       switch (integer(0, 7)) {
