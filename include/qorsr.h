@@ -224,6 +224,61 @@ QORSR_API QorStatus qorsSumColumnSqr_64f_D2L(double* const* rows, int32_t width,
 
 /* ================================ Matching and decomposition ================================ */
 
+/** @defgroup dtw Dynamic time warping
+ *  The distance of two sequences of feature vectors, aligned in time. Height is the number of rows (time), width the number of
+ *  features; both sequences share the width and, in `_D2`, the stride.
+ *
+ *  The longer sequence runs along the columns i = 0 to N - 1 of a grid, the shorter one along its cells j = 0 to M - 1; with equal
+ *  lengths the second sequence counts as the shorter one. With d(i, j) the Euclidean distance (the root) of row i and row j,
+ *
+ *      D(0, j) = d(0, j)                                                   0 <= j <= delta
+ *      D(i, j) = min(D(i-1, j), D(i-1, j-1), D(i-1, j-2)) + d(i, j)
+ *
+ *  so each step advances the shorter sequence by 0, 1 or 2 rows. The result is the least D(N - 1, j) within the search region: a
+ *  start and an end within delta are free, and the sum is not divided by a path length.
+ *
+ *  - **Search region.** A parallelogram of slopes 2 and 1/2, widened by delta (rows). In column i:
+ *    upper = delta + 2 i if 3 i < 2 M - N, else M + delta + floor((i - N - 1) / 2), at most M - 1;
+ *    lower = M - 2 N - delta + 2 i + 1 if 3 i > 4 N - 2 M - 2, else floor(i / 2) - delta, at least 0. A delta of M or more acts as
+ * M - 1.
+ *  - **Beam.** Behind column 0, cells above (least of the column) + beam + 1.1920929e-7 are dropped from the top, then from the
+ * bottom, up to the first cell that is not above; one always stays. A negative beam, or a NaN, acts as 0.
+ *  - **Sentinel.** Where no path reaches the end the distance is 3.4028235e38, and the status #qorStatusOk. So it is for a negative
+ *    delta, for N much above 2 M with a small delta, and, required, for two sequences of one row each, whatever they hold. Where
+ * every cell of a column is infinite the distance is infinity. No path leads through a distance that is a NaN.
+ *  - **Arithmetic.** Float. Up to a width of 13 the sum of squares and the root are float; above, the squares are summed in double,
+ *    in four lanes over blocks of eight elements joined as (l0 + l2) + (l1 + l3), the rest one by one, and the root is a double
+ *    that is rounded to float.
+ *  - **Integer members** convert both sequences to float, exactly, and the beam from 32-bit integer to float; the distance is
+ *    converted to 32 bits with the scale factor: times 2^-sf in float, to nearest, ties to even, saturated. The sentinel is scaled
+ * too. `L2Low` computes the same as `L2`.
+ *
+ *  Statuses: a null sequence or distance (row pointers are not tested); a height or the width below 1, in `_D2` also a stride below
+ *  the width (#qorStatusBadSize, required); #qorStatusNoMemory. Integer members always allocate, float ones where
+ *  2 floor4(M + 8) + 2 ceil4(N) is above 512 (floor4, ceil4: down and up to a multiple of 4).
+ *
+ *  H. Sakoe, S. Chiba, "Dynamic programming algorithm optimization for spoken word recognition", IEEE Trans. ASSP 26 (1978); L.
+ * Rabiner, A. Rosenberg, S. Levinson, "Considerations in dynamic time warping algorithms for discrete word recognition", ibid.
+ * (free ends).
+ *  @{ */
+QORSR_API QorStatus qorsDTW_L2_32f_D2L(const float* const* rows1, int32_t height1, const float* const* rows2, int32_t height2,
+                                       int32_t width, float* distance, int32_t delta, float beam);
+QORSR_API QorStatus qorsDTW_L2_32f_D2(const float* source1, int32_t height1, const float* source2, int32_t height2, int32_t width,
+                                      int32_t stride, float* distance, int32_t delta, float beam);
+QORSR_API QorStatus qorsDTW_L2_8u32s_D2LSfs(const uint8_t* const* rows1, int32_t height1, const uint8_t* const* rows2,
+                                            int32_t height2, int32_t width, int32_t* distance, int32_t delta, int32_t beam,
+                                            int32_t scaleFactor);
+QORSR_API QorStatus qorsDTW_L2_8u32s_D2Sfs(const uint8_t* source1, int32_t height1, const uint8_t* source2, int32_t height2,
+                                           int32_t width, int32_t stride, int32_t* distance, int32_t delta, int32_t beam,
+                                           int32_t scaleFactor);
+QORSR_API QorStatus qorsDTW_L2Low_16s32s_D2LSfs(const int16_t* const* rows1, int32_t height1, const int16_t* const* rows2,
+                                                int32_t height2, int32_t width, int32_t* distance, int32_t delta, int32_t beam,
+                                                int32_t scaleFactor);
+QORSR_API QorStatus qorsDTW_L2Low_16s32s_D2Sfs(const int16_t* source1, int32_t height1, const int16_t* source2, int32_t height2,
+                                               int32_t width, int32_t stride, int32_t* distance, int32_t delta, int32_t beam,
+                                               int32_t scaleFactor);
+/** @} */
+
 #ifdef __cplusplus
 }
 #endif

@@ -123,6 +123,27 @@ inline Vector<int32_t, W> widenInt16(const int16_t* p) {
   }
 }
 
+// Float numbers in a register as doubles in one register, exact.
+template <class To, class From>
+inline To toDouble(From a) {
+#if defined(__SSE3__)
+  if constexpr (sizeof(From) == 8 && sizeof(To) == 16) {
+    return _mm_cvtps_pd(__builtin_shufflevector(a, From{}, 0, 1, 2, 3));
+  }
+#endif
+#if defined(__AVX2__)
+  if constexpr (sizeof(From) == 16 && sizeof(To) == 32) return _mm256_cvtps_pd(a);
+#endif
+#if defined(__AVX512F__)
+  if constexpr (sizeof(From) == 32 && sizeof(To) == 64) return _mm512_cvtps_pd(a);
+#endif
+  if constexpr (sizeof(From) == sizeof(float)) {
+    return static_cast<To>(a);
+  } else {
+    return __builtin_convertvector(a, To);
+  }
+}
+
 // W float or int32 numbers at p as doubles, exact.
 template <int W, class From>
 inline Vector<double, W> widenToDouble(const From* p) {
@@ -512,6 +533,23 @@ inline Lanes<T, N / 2> upperHalf(const Lanes<T, N>& a) {
   return v;
 }
 
+// Float lanes as doubles, exact.
+template <int N>
+inline Lanes<double, N> toDouble(const Lanes<float, N>& a) {
+  Lanes<double, N> v;
+  using To = typename Lanes<double, N>::Part;
+  if constexpr (Lanes<double, N>::kParts == 1) {
+    v.part[0] = native::toDouble<To>(a.part[0]);
+  } else {
+    const Lanes<double, N / 2> low = toDouble(lowerHalf(a)), high = toDouble(upperHalf(a));
+    for (int i = 0; i < low.kParts; ++i) {
+      v.part[i] = low.part[i];
+      v.part[low.kParts + i] = high.part[i];
+    }
+  }
+  return v;
+}
+
 // Sum of all lanes, lane i with lane i + N/2 at every step: for 8 lanes ((l0+l4)+(l2+l6)) + ((l1+l5)+(l3+l7)).
 template <class T, int N>
 inline T joinHalves(const Lanes<T, N>& a) {
@@ -643,6 +681,16 @@ inline Lanes<int64_t, N / 2> lowerUnsigned(const Lanes<int32_t, N>& a) {
 template <int N>
 inline Lanes<int64_t, N / 2> upperUnsigned(const Lanes<int32_t, N>& a) {
   return std::bit_cast<Lanes<int64_t, N / 2>>(interleaveUpper(a, Lanes<int32_t, N>(0)));
+}
+
+// The least of all lanes. Lanes that hold a NaN do not decide unless the last one does.
+template <class T, int N>
+inline T leastLane(const Lanes<T, N>& a) {
+  if constexpr (N == 1) {
+    return a.part[0];
+  } else {
+    return leastLane(min(lowerHalf(a), upperHalf(a)));
+  }
 }
 
 // ---- Tails: the first n of N lanes ----
