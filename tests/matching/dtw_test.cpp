@@ -349,10 +349,10 @@ TEST(Dtw, AllocatesWhereTheColumnsAndBoundsExceed512Elements) {
   const std::vector<float> x(1000);
   float result = 0;
   const auto call = [&](int32_t n1, int32_t n2) { return qorsDTW_L2_32f_D2(x.data(), n1, x.data(), n2, 1, 1, &result, 1000, 1); };
-  for (const std::pair<int, int> n : {std::pair{124, 124}, {10, 240}, {1, 248}, {3, 248}, {4, 244}}) {
+  for (const std::pair<int, int>& n : {std::pair{124, 124}, {10, 240}, {1, 248}, {3, 248}, {4, 244}}) {
     EXPECT_EQ(kit::expectEveryRefusalReported([&] { return call(n.first, n.second); }), 0) << n.first << " x " << n.second;
   }
-  for (const std::pair<int, int> n : {std::pair{125, 124}, {125, 125}, {10, 241}, {10, 1000}, {4, 248}, {1000, 1000}}) {
+  for (const std::pair<int, int>& n : {std::pair{125, 124}, {125, 125}, {10, 241}, {10, 1000}, {4, 248}, {1000, 1000}}) {
     EXPECT_EQ(kit::expectEveryRefusalReported([&] { return call(n.first, n.second); }), 1) << n.first << " x " << n.second;
   }
 }
