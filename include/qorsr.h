@@ -220,6 +220,198 @@ QORSR_API QorStatus qorsSumColumnSqr_64f_D2L(double* const* rows, int32_t width,
 
 /* ================================ Feature extraction ================================ */
 
+/** @defgroup dct_lifter Cosine transform and lifter
+ *  Liftered cepstral coefficients from the N log outputs x[0 .. N-1] of a filter bank, in one step. With M coefficients, M <= N:
+ *
+ *      dst[i - 1] = lifter[i] * sum over j = 0 .. N-1 of x[j] cos(pi i (j + 1/2) / N)      i = 1 .. M
+ *      dst[M]     = lifter[0] * sum over j of x[j]                                         states of the C0 and MulC0 forms
+ *
+ *  This is the type-II cosine transform without a normalising factor: scale by sqrt(2/N) for the usual orthonormal one. The
+ *  coefficient of order 0, where there is one, comes last. Matrix and weights are computed when the state is made; a transform
+ *  costs M + 1 products of length N.
+ *
+ *  **Weights.**
+ *  - plain and `C0`: lifter[i] = (1 + L/2 sin(pi i / L)) * scale, the raised-sine lifter of length L (22 is usual). Orders above L
+ *    follow the same sine. The sum is formed in double, rounded to float, then multiplied by scale in float. `C0`: order 0 has
+ *    the weight `weight0` as it stands, not scaled.
+ *  - `Mul`: lifter[i] = weights[i - 1]. `MulC0`: the same, and order 0 takes weights[M - 1]. required: that weight serves
+ *    order M and order 0.
+ *  - required: qorsDCTLifterInit_MulC0_16s() takes integer weights, qorsDCTLifterInitAlloc_MulC0_16s() float ones.
+ *
+ *  **Arithmetic.** Float throughout. The sum of an order from 1 to M runs in eight lanes: x[j] joins lane j mod 8, the last N mod 8
+ *  inputs join lane 0 one by one, and the lanes are joined as ((l0 + l4) + (l2 + l6)) + ((l1 + l5) + (l3 + l7)). The sum of order 0
+ *  runs serially. The weight is applied to the finished sum. The cosines are computed in double by the C library and stored as
+ *  float. `16s` and `32s16s`: inputs are converted to float; results are multiplied by 2^-scaleFactor, rounded to nearest, ties to
+ *  even, and saturated; a NaN gives 0.
+ *
+ *  **States.** In a block of the caller, of the size that `GetSize` tells, at any address (`Init`; never given to `Free`), or
+ *  allocated (`InitAlloc`; released by `Free`). A `32f` state is not changed by a transform and may serve several threads; a `16s`
+ *  state holds scratch and serves one call at a time. A block must not be moved: its areas are aligned to its address.
+ *
+ *  Size in bytes, with N8 = N rounded up to a multiple of 8: `32f` 4 (M N8 + N8 + 2M) + 124; `16s` 4 (N8 (M + 1) + M) + 8M + 164;
+ *  qorsDCTLifterGetSize_MulC0_16s() (4N + 36)(M + 1) + 8M + 132.
+ *
+ *  Statuses, in order:
+ *  - `GetSize`: null; N or M below 1, N below M, (`MulC0_16s` only) N above 8192, or a size above 2147483647 (#qorStatusBadSize).
+ *  - `Init`: null (block, weights); N, M or L below 1, N below M, or a size above 2147483647 (#qorStatusBadSize).
+ *  - `InitAlloc`: the same, but #qorStatusNoMemory for the size and for a failed allocation; `*state` is then as it was.
+ *  - Transforms, `Free`: null.
+ *
+ *  Source of the method: Davis and Mermelstein, "Comparison of Parametric Representations for Monosyllabic Word Recognition in
+ *  Continuously Spoken Sentences", IEEE Transactions on Acoustics, Speech, and Signal Processing 28 (1980); the lifter: Juang,
+ *  Rabiner and Wilpon, "On the Use of Bandpass Liftering in Speech Recognition", the same, 35 (1987). @{ */
+
+/** A prepared transform on float data. */
+typedef struct DCTLifterState_32f DCTLifterState_32f;
+/** A prepared transform on integer data, with scratch. */
+typedef struct DCTLifterState_16s DCTLifterState_16s;
+
+/** Bytes of a caller's block for N = dctLength inputs and M = cepstrumLength coefficients. */
+QORSR_API QorStatus qorsDCTLifterGetSize_32f(int32_t dctLength, int32_t cepstrumLength, int32_t* size);
+QORSR_API QorStatus qorsDCTLifterGetSize_C0_32f(int32_t dctLength, int32_t cepstrumLength, int32_t* size);
+QORSR_API QorStatus qorsDCTLifterGetSize_Mul_32f(int32_t dctLength, int32_t cepstrumLength, int32_t* size);
+QORSR_API QorStatus qorsDCTLifterGetSize_MulC0_32f(int32_t dctLength, int32_t cepstrumLength, int32_t* size);
+QORSR_API QorStatus qorsDCTLifterGetSize_16s(int32_t dctLength, int32_t cepstrumLength, int32_t* size);
+QORSR_API QorStatus qorsDCTLifterGetSize_C0_16s(int32_t dctLength, int32_t cepstrumLength, int32_t* size);
+QORSR_API QorStatus qorsDCTLifterGetSize_Mul_16s(int32_t dctLength, int32_t cepstrumLength, int32_t* size);
+QORSR_API QorStatus qorsDCTLifterGetSize_MulC0_16s(int32_t dctLength, int32_t cepstrumLength, int32_t* size);
+
+/** Makes a state in the caller's block. */
+QORSR_API QorStatus qorsDCTLifterInit_32f(DCTLifterState_32f* state, int32_t dctLength, int32_t cepstrumLength,
+                                          int32_t lifterLength, float scale);
+QORSR_API QorStatus qorsDCTLifterInit_16s(DCTLifterState_16s* state, int32_t dctLength, int32_t cepstrumLength,
+                                          int32_t lifterLength, float scale);
+QORSR_API QorStatus qorsDCTLifterInit_C0_32f(DCTLifterState_32f* state, int32_t dctLength, int32_t cepstrumLength,
+                                             int32_t lifterLength, float scale, float weight0);
+QORSR_API QorStatus qorsDCTLifterInit_C0_16s(DCTLifterState_16s* state, int32_t dctLength, int32_t cepstrumLength,
+                                             int32_t lifterLength, float scale, float weight0);
+QORSR_API QorStatus qorsDCTLifterInit_Mul_32f(DCTLifterState_32f* state, int32_t dctLength, const float* weights,
+                                              int32_t cepstrumLength);
+QORSR_API QorStatus qorsDCTLifterInit_Mul_16s(DCTLifterState_16s* state, int32_t dctLength, const float* weights,
+                                              int32_t cepstrumLength);
+QORSR_API QorStatus qorsDCTLifterInit_MulC0_32f(DCTLifterState_32f* state, int32_t dctLength, const float* weights,
+                                                int32_t cepstrumLength);
+QORSR_API QorStatus qorsDCTLifterInit_MulC0_16s(DCTLifterState_16s* state, int32_t dctLength, const int32_t* weights,
+                                                int32_t cepstrumLength);
+
+/** Makes a state in allocated memory and stores its address in *state. */
+QORSR_API QorStatus qorsDCTLifterInitAlloc_32f(DCTLifterState_32f** state, int32_t dctLength, int32_t cepstrumLength,
+                                               int32_t lifterLength, float scale);
+QORSR_API QorStatus qorsDCTLifterInitAlloc_16s(DCTLifterState_16s** state, int32_t dctLength, int32_t cepstrumLength,
+                                               int32_t lifterLength, float scale);
+QORSR_API QorStatus qorsDCTLifterInitAlloc_C0_32f(DCTLifterState_32f** state, int32_t dctLength, int32_t cepstrumLength,
+                                                  int32_t lifterLength, float scale, float weight0);
+QORSR_API QorStatus qorsDCTLifterInitAlloc_C0_16s(DCTLifterState_16s** state, int32_t dctLength, int32_t cepstrumLength,
+                                                  int32_t lifterLength, float scale, float weight0);
+QORSR_API QorStatus qorsDCTLifterInitAlloc_Mul_32f(DCTLifterState_32f** state, int32_t dctLength, const float* weights,
+                                                   int32_t cepstrumLength);
+QORSR_API QorStatus qorsDCTLifterInitAlloc_Mul_16s(DCTLifterState_16s** state, int32_t dctLength, const float* weights,
+                                                   int32_t cepstrumLength);
+QORSR_API QorStatus qorsDCTLifterInitAlloc_MulC0_32f(DCTLifterState_32f** state, int32_t dctLength, const float* weights,
+                                                     int32_t cepstrumLength);
+QORSR_API QorStatus qorsDCTLifterInitAlloc_MulC0_16s(DCTLifterState_16s** state, int32_t dctLength, const float* weights,
+                                                     int32_t cepstrumLength);
+
+/** Releases an allocated state. */
+QORSR_API QorStatus qorsDCTLifterFree_32f(DCTLifterState_32f* state);
+QORSR_API QorStatus qorsDCTLifterFree_16s(DCTLifterState_16s* state);
+
+/** source: N values; destination: M coefficients, or M + 1. */
+QORSR_API QorStatus qorsDCTLifter_32f(const float* source, float* destination, const DCTLifterState_32f* state);
+QORSR_API QorStatus qorsDCTLifter_16s_Sfs(const int16_t* source, int16_t* destination, DCTLifterState_16s* state,
+                                          int32_t scaleFactor);
+QORSR_API QorStatus qorsDCTLifter_32s16s_Sfs(const int32_t* source, int16_t* destination, DCTLifterState_16s* state,
+                                             int32_t scaleFactor);
+/** @} */
+
+/** @defgroup delta Delta and acceleration
+ *  Time derivatives of feature vectors: the first (delta, d) and the second (acceleration, a). A destination row holds, side by
+ *  side, the features x(t), width elements, then d(t), and in the `DeltaDelta` members a(t). Row t is time t; `step` elements lie
+ *  between destination rows.
+ *
+ *  **Streaming members** (`Delta`, `DeltaMul`, `DeltaDelta`, `DeltaDeltaMul`): an utterance arrives in blocks of `height` source
+ *  rows, dense, width elements each. A block's rows are appended to the destination, and the derivatives that have all frames of
+ *  their window are computed. `flags`: 1 (begin) marks the first block of an utterance, 2 (end) the last; other bits have no
+ * effect.
+ *  - With begin, the first source row becomes destination row 0. The block has at least B rows.
+ *  - Without it, the caller points the destination so that rows 0 to B - 1 are the last B rows of the block before, as that call
+ *    left them; the first source row becomes row B. B is the look-back:
+ *
+ *    | member | `Win1` | `Win2` | `Aurora` |
+ *    |---|---|---|---|
+ *    | `Delta`, `DeltaMul` | 2 | 4 | |
+ *    | `DeltaDelta`, `DeltaDeltaMul` | 3 | 6 | 8 |
+ *  - With end, the derivatives that waited for future frames are finished. An end without rows (height 0) is allowed.
+ *
+ *  Frames before the first and behind the last take the value of the first and the last frame; accelerations extend d in the same
+ *  way. Blocks of any sizes give the same bits as one. Columns of rows that still wait, and gaps, are not touched.
+ *
+ *  Windows, with q the multiplier (`Delta`, `DeltaDelta`: one for d, one for a):
+ *  - `Win1`: d(t) = (x(t+1) - x(t-1)) q.
+ *  - `Win2`: d(t) = (x(t+1) - x(t-1) + p + p) q with p = x(t+2) - x(t-2), in this order: ten times the slope of a regression over
+ *    five frames.
+ *  - a(t) is the same window over d.
+ *  - `Mul`: a table in place of multipliers, one entry for each element of a destination row: features are stored as
+ *    x(t)[i] * table[i], the window over the stored features is multiplied by table[width + i], that over the stored deltas by
+ *    table[2 width + i].
+ *  - `Aurora`: width 13. A source row has 14 elements: 12 coefficients, then c0 and the log energy, which become feature 12:
+ *    (c0 * 0.6) / 23 + logE * 0.4. Both windows span nine frames of features, added from the left:
+ *
+ *        d(t) = -x(t-4) - 0.75 x(t-3) - 0.5 x(t-2) - 0.25 x(t-1) + 0.25 x(t+1) + 0.5 x(t+2) + 0.75 x(t+3) + x(t+4)
+ *        a(t) = x(t-4) + 0.25 x(t-3) - 0.285714 x(t-2) - 0.607143 x(t-1) - 0.714286 x(t)
+ *               - 0.607143 x(t+1) - 0.285714 x(t+2) + 0.25 x(t+3) + x(t+4)
+ *
+ *    On a constant signal these are 0 up to rounding (the coefficients of a have six digits).
+ *
+ *  **Whole utterances** (`EvalDelta`): the buffer holds `height` rows; in each, `width` features begin at element `offset`, and the
+ *  deltas are written behind them. With W the window size and k from 1 to W:
+ *
+ *      rows 0 to W - 1                  d(r) = q * sum of k (x(r+k) - x(0))
+ *      rows W to height - W - 1         d(r) = q * sum of k (x(r+k) - x(r-k))
+ *      rows height - W to height - 1    d(r) = q * sum of k (x(height-1) - x(r-k))
+ *
+ *  required: the edge rows subtract, or take, the edge row in every term. 1 / (2 sum of k^2) for q gives the slope per frame.
+ *  `EvalDeltaMul` takes table[width + i] for q; features stay as they are, and the first width entries are not read. Float sums
+ *  take k in ascending order.
+ *
+ *  Statuses of the streaming members, in order: null (source, destination, table); width below 1 or height below 0; height 0
+ *  without end (#qorStatusBadSize); step below 2 width (`Delta`), 3 width (`DeltaDelta`) or 39 (`Aurora`) (#qorStatusBadStride);
+ *  begin with a height below B (#qorStatusBadSize).
+ *
+ *  Statuses of `EvalDelta`, in order: null (buffer, table); height, width or windowSize below 1, offset below 0, or height below
+ *  2 windowSize (#qorStatusBadSize); step below offset + 2 width (#qorStatusBadStride).
+ *
+ *  Source of the method: Furui, "Speaker-Independent Isolated Word Recognition Using Dynamic Features of Speech Spectrum", IEEE
+ *  Transactions on Acoustics, Speech, and Signal Processing 34 (1986); the Aurora windows: ETSI ES 202 050. @{ */
+
+QORSR_API QorStatus qorsDelta_Win1_32f_D2(const float* source, int32_t width, float* destination, int32_t step, int32_t height,
+                                          float multiplier, int32_t flags);
+QORSR_API QorStatus qorsDelta_Win2_32f_D2(const float* source, int32_t width, float* destination, int32_t step, int32_t height,
+                                          float multiplier, int32_t flags);
+QORSR_API QorStatus qorsDeltaMul_Win1_32f_D2(const float* source, const float* multipliers, int32_t width, float* destination,
+                                             int32_t step, int32_t height, int32_t flags);
+QORSR_API QorStatus qorsDeltaMul_Win2_32f_D2(const float* source, const float* multipliers, int32_t width, float* destination,
+                                             int32_t step, int32_t height, int32_t flags);
+QORSR_API QorStatus qorsDeltaDelta_Win1_32f_D2(const float* source, int32_t width, float* destination, int32_t step, int32_t height,
+                                               float deltaMultiplier, float accelerationMultiplier, int32_t flags);
+QORSR_API QorStatus qorsDeltaDelta_Win2_32f_D2(const float* source, int32_t width, float* destination, int32_t step, int32_t height,
+                                               float deltaMultiplier, float accelerationMultiplier, int32_t flags);
+QORSR_API QorStatus qorsDeltaDeltaMul_Win1_32f_D2(const float* source, const float* multipliers, int32_t width, float* destination,
+                                                  int32_t step, int32_t height, int32_t flags);
+QORSR_API QorStatus qorsDeltaDeltaMul_Win2_32f_D2(const float* source, const float* multipliers, int32_t width, float* destination,
+                                                  int32_t step, int32_t height, int32_t flags);
+
+QORSR_API QorStatus qorsDeltaDelta_Aurora_32f_D2(const float* source, float* destination, int32_t step, int32_t height,
+                                                 int32_t flags);
+QORSR_API QorStatus qorsDeltaDeltaMul_Aurora_32f_D2(const float* source, const float* multipliers, float* destination, int32_t step,
+                                                    int32_t height, int32_t flags);
+
+QORSR_API QorStatus qorsEvalDelta_32f_D2(float* buffer, int32_t height, int32_t step, int32_t width, int32_t offset,
+                                         int32_t windowSize, float multiplier);
+QORSR_API QorStatus qorsEvalDeltaMul_32f_D2(float* buffer, int32_t height, int32_t step, const float* multipliers, int32_t width,
+                                            int32_t offset, int32_t windowSize);
+/** @} */
+
 /* ================================ Model estimation ================================ */
 
 /* ================================ Matching and decomposition ================================ */

@@ -39,17 +39,17 @@ inline void coverFrom(int32_t column, int32_t width, const Body& body) {
 
 }  // namespace detail
 
-// Calls body(column, LaneCount<N>) for blocks that cover columns 0 to width - 1. The last block may overlap the one before it, so
-// the body must not read what it writes.
-template <class T, class Body>
+// Calls body(column, LaneCount<N>) for blocks that cover columns 0 to width - 1, of at most `Widest` lanes. The last block may
+// overlap the one before it, so the body must not read what it writes.
+template <class T, int Widest = kWidestBlock<T>, class Body>
 inline void coverColumns(int32_t width, const Body& body) {
-  detail::coverFrom<T, kWidestBlock<T>, true>(0, width, body);
+  detail::coverFrom<T, Widest, true>(0, width, body);
 }
 
 // The same for a body that works in place: no column is visited twice.
-template <class T, class Body>
+template <class T, int Widest = kWidestBlock<T>, class Body>
 inline void coverColumnsOnce(int32_t width, const Body& body) {
-  detail::coverFrom<T, kWidestBlock<T>, false>(0, width, body);
+  detail::coverFrom<T, Widest, false>(0, width, body);
 }
 
 // A column needs all rows, but a wide, tall matrix does not stay in the cache while each block of columns walks down it: it is

@@ -1,0 +1,260 @@
+// Cosine transform of log filter-bank outputs, and lifter, in one step.
+//
+//   dst[i - 1] = lifter[i] * sum over j of x[j] cos(pi i (j + 1/2) / N)     i = 1 .. M
+//   dst[M]     = lifter[0] * sum over j of x[j]                             with the coefficient of order 0
+//
+// Sums of orders 1 to M: x[j] of the blocks of eight inputs joins lane j mod 8, what remains joins lane 0; the lanes are joined as
+// ((l0 + l4) + (l2 + l6)) + ((l1 + l5) + (l3 + l7)). Order 0 is one serial sum (its cosines are exactly 1). The weight is applied
+// once, to the finished sum.
+//
+// The matrix stands transposed: the cosines of one input, all orders side by side. Vectors then run over orders, the eight lanes of
+// a sum are eight vectors, and neither a join nor a remainder crosses a vector.
+#pragma once
+
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <numbers>
+
+#include "frame/checks.h"
+#include "frame/column_blocks.h"
+#include "frame/convert.h"
+#include "frame/lanes.h"
+#include "frame/memory.h"
+
+// Areas are byte offsets from the record, so that it is laid out alike on every target.
+struct [[gnu::packed]] DCTLifterState_32f {
+  int32_t lifterLength;  // -1: the weights were given
+  int32_t dctLength;
+  int32_t cepstrumLength;
+  int32_t hasC0;
+  int32_t lifter;   // M + 1 weights, by order
+  int32_t cosines;  // N x M: input j, orders 1 to M
+};
+struct [[gnu::packed]] DCTLifterState_16s {
+  int32_t lifterLength;
+  int32_t dctLength;
+  int32_t cepstrumLength;
+  int32_t hasC0;
+  int32_t lifter;
+  int32_t scratch;  // M + 1 results before their conversion
+  int32_t cosines;
+};
+
+namespace qorsr {
+
+// ---- Weights: where they come from, and whether the coefficient of order 0 has one ----
+
+// lifter[i] = (1 + L/2 sin(pi i / L)) * scale: Juang, Rabiner and Wilpon, 1987. No limit for i above L.
+struct SineLifter {
+  static constexpr bool kHasC0 = false;
+  int32_t length;
+  float scale;
+
+  bool given() const { return true; }
+  bool valid() const { return length >= 1; }
+  int32_t lifterLength() const { return length; }
+  void fill(float* lifter, int32_t order) const {
+    const float half = static_cast<float>(length) * 0.5F;
+    for (int32_t i = 0; i <= order; ++i) {
+      const double sine = std::sin(std::numbers::pi * i / length);
+      lifter[i] = static_cast<float>(1.0 + static_cast<double>(half) * sine) * scale;
+    }
+  }
+};
+
+// The same, with a weight of order 0 that is not scaled.
+struct SineLifterC0 : SineLifter {
+  static constexpr bool kHasC0 = true;
+  float weight0;
+
+  void fill(float* lifter, int32_t order) const {
+    SineLifter::fill(lifter, order);
+    lifter[0] = weight0;
+  }
+};
+
+// Orders 1 to M from the caller.
+template <class T>
+struct GivenLifter {
+  static constexpr bool kHasC0 = false;
+  const T* weights;
+
+  bool given() const { return weights != nullptr; }
+  bool valid() const { return true; }
+  int32_t lifterLength() const { return -1; }
+  void fill(float* lifter, int32_t order) const {
+    lifter[0] = 0.0F;
+    for (int32_t i = 1; i <= order; ++i) lifter[i] = static_cast<float>(weights[i - 1]);
+  }
+};
+
+// The same. required: the last weight serves order M and order 0.
+template <class T>
+struct GivenLifterC0 : GivenLifter<T> {
+  static constexpr bool kHasC0 = true;
+
+  void fill(float* lifter, int32_t order) const {
+    GivenLifter<T>::fill(lifter, order);
+    lifter[0] = lifter[order];
+  }
+};
+template <class T>
+GivenLifterC0(GivenLifter<T>) -> GivenLifterC0<T>;
+
+// ---- Sizes and layout of a block ----
+
+// Bytes of a block; -1 if a 32-bit size cannot say them. Rows of the size rules hold N elements, rounded up to eight.
+inline int64_t limitedBytes(int64_t perRow, int64_t rows, int64_t rest) {
+  if (perRow > INT32_MAX / rows) return -1;
+  const int64_t bytes = perRow * rows + rest;
+  return bytes <= INT32_MAX ? bytes : -1;
+}
+inline int64_t paddedRowBytes(int32_t dctLength) { return (int64_t{dctLength} + 7) / 8 * 8 * 4; }
+
+// 16-bit states with given weights of all orders have a rule of their own.
+inline int64_t dctLifterBytesMulC016s(int32_t dctLength, int32_t order) {
+  return limitedBytes(int64_t{dctLength} * 4 + 36, int64_t{order} + 1, int64_t{order} * 8 + 132);
+}
+template <class State>
+int64_t dctLifterBytes(int32_t dctLength, int32_t order);
+template <>
+inline int64_t dctLifterBytes<DCTLifterState_32f>(int32_t dctLength, int32_t order) {
+  return limitedBytes(paddedRowBytes(dctLength), int64_t{order} + 1, int64_t{order} * 8 + 124);
+}
+template <>
+inline int64_t dctLifterBytes<DCTLifterState_16s>(int32_t dctLength, int32_t order) {
+  return limitedBytes(paddedRowBytes(dctLength), int64_t{order} + 1, int64_t{order} * 12 + 164);
+}
+
+template <class T, class State>
+T* areaOf(State* state, int32_t offset) {
+  return reinterpret_cast<T*>(reinterpret_cast<uintptr_t>(state) + static_cast<uintptr_t>(offset));
+}
+
+// Takes `count` floats on the next 32-byte boundary behind `offset` bytes of the block, which moves behind them.
+inline int32_t takeFloats(const void* block, int64_t& offset, int64_t count) {
+  const auto base = reinterpret_cast<uintptr_t>(block);
+  const uintptr_t area = (base + static_cast<uintptr_t>(offset) + (kAreaAlignment - 1)) / kAreaAlignment * kAreaAlignment;
+  offset = static_cast<int64_t>(area - base) + count * 4;
+  return static_cast<int32_t>(area - base);
+}
+
+// Lays out record and areas; all fit the reported size at any address, odd ones too.
+template <class State>
+void place(State* state, int32_t dctLength, int32_t order) {
+  int64_t offset = sizeof(State);
+  state->lifter = takeFloats(state, offset, int64_t{order} + 1);
+  if constexpr (requires { state->scratch; }) state->scratch = takeFloats(state, offset, int64_t{order} + 1);
+  state->cosines = takeFloats(state, offset, int64_t{dctLength} * order);
+}
+
+template <class State, class Weights>
+void makeDctLifter(State* state, int32_t dctLength, int32_t order, const Weights& weights) {
+  place(state, dctLength, order);
+  state->lifterLength = weights.lifterLength();
+  state->dctLength = dctLength;
+  state->cepstrumLength = order;
+  state->hasC0 = Weights::kHasC0 ? 1 : 0;
+  weights.fill(areaOf<float>(state, state->lifter), order);
+  float* cosine = areaOf<float>(state, state->cosines);
+  for (int32_t j = 0; j < dctLength; ++j) {
+    const float middle = static_cast<float>(int64_t{j} + 1) - 0.5F;
+    for (int32_t i = 1; i <= order; ++i) {
+      *cosine++ = static_cast<float>(std::cos(std::numbers::pi * i * static_cast<double>(middle) / dctLength));
+    }
+  }
+}
+
+// ---- Transform ----
+
+// Sums of W orders. `cosines` begins at the first of them.
+template <int W, class From>
+inline Lanes<float, W> cosineSums(const From* x, std::ptrdiff_t length, const float* cosines, std::ptrdiff_t pitch) {
+  using L = Lanes<float, W>;
+  L lane[8];
+  for (L& l : lane) l = L(0.0F);
+  std::ptrdiff_t j = 0;
+  for (; j <= length - 8; j += 8) {
+    float block[8];
+    loadAs<float, 8>(x + j).store(block);
+    for (int k = 0; k < 8; ++k, cosines += pitch) lane[k] += L(block[k]) * L::load(cosines);
+  }
+  for (; j < length; ++j, cosines += pitch) lane[0] += L(static_cast<float>(x[j])) * L::load(cosines);
+  return ((lane[0] + lane[4]) + (lane[2] + lane[6])) + ((lane[1] + lane[5]) + (lane[3] + lane[7]));
+}
+
+// One native register of orders at a time: its eight lanes then stay in registers.
+template <class State, class From>
+void dctLifter(const From* source, float* result, const State* state) {
+  const int32_t length = state->dctLength, order = state->cepstrumLength;
+  const float* lifter = areaOf<const float>(state, state->lifter);
+  const float* cosines = areaOf<const float>(state, state->cosines);
+  coverColumns<float, kNativeBytes / 4>(order, [&](int32_t c, auto w) {
+    (Lanes<float, w>::load(lifter + 1 + c) * cosineSums<w>(source, length, cosines + c, order)).store(result + c);
+  });
+  if (state->hasC0 != 0) {
+    float sum = 0.0F;
+    for (int32_t j = 0; j < length; ++j) sum += static_cast<float>(source[j]);
+    result[order] = lifter[0] * sum;
+  }
+}
+
+// ---- Family bodies ----
+
+inline QorStatus dctLifterGetSize(int32_t dctLength, int32_t order, int32_t* size, int64_t (*bytes)(int32_t, int32_t),
+                                  int32_t longest = INT32_MAX) {
+  if (QorStatus bad = Checks()
+                          .null(size)
+                          .size(dctLength, order)
+                          .require(dctLength >= order && dctLength <= longest, qorStatusBadSize)
+                          .require([&] { return bytes(dctLength, order) > 0; }, qorStatusBadSize))
+    return bad;
+  *size = static_cast<int32_t>(bytes(dctLength, order));
+  return qorStatusOk;
+}
+
+template <class Pointer, class Weights>
+QorStatus checkDctLifter(Pointer* state, int32_t dctLength, int32_t order, const Weights& weights) {
+  return Checks()
+      .null(state)
+      .require(weights.given(), qorStatusNullPointer)
+      .size(dctLength, order)
+      .require(weights.valid() && dctLength >= order, qorStatusBadSize);
+}
+
+template <class State, class Weights>
+QorStatus dctLifterInit(State* state, int32_t dctLength, int32_t order, const Weights& weights,
+                        int64_t (*bytes)(int32_t, int32_t) = dctLifterBytes<State>) {
+  if (QorStatus bad = checkDctLifter(state, dctLength, order, weights)) return bad;
+  if (bytes(dctLength, order) < 0) return qorStatusBadSize;
+  makeDctLifter(state, dctLength, order, weights);
+  return qorStatusOk;
+}
+
+template <class State, class Weights>
+QorStatus dctLifterInitAlloc(State** state, int32_t dctLength, int32_t order, const Weights& weights) {
+  if (QorStatus bad = checkDctLifter(state, dctLength, order, weights)) return bad;
+  auto* made = reinterpret_cast<State*>(qorAlloc_8u(dctLifterBytes<State>(dctLength, order)));
+  if (made == nullptr) return qorStatusNoMemory;
+  makeDctLifter(made, dctLength, order, weights);
+  *state = made;
+  return qorStatusOk;
+}
+
+template <class State>
+QorStatus dctLifterFree(State* state) {
+  if (state == nullptr) return qorStatusNullPointer;
+  qorRelease(state);
+  return qorStatusOk;
+}
+
+template <class From>
+QorStatus dctLifterScaled(const From* source, int16_t* destination, DCTLifterState_16s* state, int32_t scaleFactor) {
+  if (QorStatus bad = Checks().null(state, source, destination)) return bad;
+  float* results = areaOf<float>(state, state->scratch);
+  dctLifter(source, results, state);
+  return qorConvert_32f16s_Sfs(results, destination, state->cepstrumLength + state->hasC0, kNearestEven, scaleFactor);
+}
+
+}  // namespace qorsr

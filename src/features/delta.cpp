@@ -1,0 +1,71 @@
+// Exports: deltas and accelerations.
+#include "features/delta_aurora.h"
+#include "features/delta_block.h"
+#include "features/delta_windows.h"
+#include "qorsr.h"
+
+using namespace qorsr;
+
+// ---- Windows of one and two frames, float ----
+
+QorStatus qorsDelta_Win1_32f_D2(const float* source, int32_t width, float* destination, int32_t step, int32_t height,
+                                float multiplier, int32_t flags) {
+  return windowDelta<Win1, 1>(source, width, destination, step, height, flags, RealArithmetic(),
+                              UniformFactors<float>{multiplier, 0});
+}
+QorStatus qorsDelta_Win2_32f_D2(const float* source, int32_t width, float* destination, int32_t step, int32_t height,
+                                float multiplier, int32_t flags) {
+  return windowDelta<Win2, 1>(source, width, destination, step, height, flags, RealArithmetic(),
+                              UniformFactors<float>{multiplier, 0});
+}
+QorStatus qorsDeltaMul_Win1_32f_D2(const float* source, const float* multipliers, int32_t width, float* destination, int32_t step,
+                                   int32_t height, int32_t flags) {
+  return windowDelta<Win1, 1>(source, width, destination, step, height, flags, RealArithmetic(),
+                              TableFactors<float>{multipliers, width});
+}
+QorStatus qorsDeltaMul_Win2_32f_D2(const float* source, const float* multipliers, int32_t width, float* destination, int32_t step,
+                                   int32_t height, int32_t flags) {
+  return windowDelta<Win2, 1>(source, width, destination, step, height, flags, RealArithmetic(),
+                              TableFactors<float>{multipliers, width});
+}
+QorStatus qorsDeltaDelta_Win1_32f_D2(const float* source, int32_t width, float* destination, int32_t step, int32_t height,
+                                     float deltaMultiplier, float accelerationMultiplier, int32_t flags) {
+  return windowDelta<Win1, 2>(source, width, destination, step, height, flags, RealArithmetic(),
+                              UniformFactors<float>{deltaMultiplier, accelerationMultiplier});
+}
+QorStatus qorsDeltaDelta_Win2_32f_D2(const float* source, int32_t width, float* destination, int32_t step, int32_t height,
+                                     float deltaMultiplier, float accelerationMultiplier, int32_t flags) {
+  return windowDelta<Win2, 2>(source, width, destination, step, height, flags, RealArithmetic(),
+                              UniformFactors<float>{deltaMultiplier, accelerationMultiplier});
+}
+QorStatus qorsDeltaDeltaMul_Win1_32f_D2(const float* source, const float* multipliers, int32_t width, float* destination,
+                                        int32_t step, int32_t height, int32_t flags) {
+  return windowDelta<Win1, 2>(source, width, destination, step, height, flags, RealArithmetic(),
+                              TableFactors<float>{multipliers, width});
+}
+QorStatus qorsDeltaDeltaMul_Win2_32f_D2(const float* source, const float* multipliers, int32_t width, float* destination,
+                                        int32_t step, int32_t height, int32_t flags) {
+  return windowDelta<Win2, 2>(source, width, destination, step, height, flags, RealArithmetic(),
+                              TableFactors<float>{multipliers, width});
+}
+
+// ---- Aurora windows ----
+
+QorStatus qorsDeltaDelta_Aurora_32f_D2(const float* source, float* destination, int32_t step, int32_t height, int32_t flags) {
+  return auroraDeltaDelta(source, destination, step, height, flags, AuroraReal<NoFactors<float>>());
+}
+QorStatus qorsDeltaDeltaMul_Aurora_32f_D2(const float* source, const float* multipliers, float* destination, int32_t step,
+                                          int32_t height, int32_t flags) {
+  return auroraDeltaDelta(source, destination, step, height, flags, AuroraReal<TableFactors<float>>{{multipliers, kAuroraWidth}});
+}
+
+// ---- Whole utterances, windows of any size ----
+
+QorStatus qorsEvalDelta_32f_D2(float* buffer, int32_t height, int32_t step, int32_t width, int32_t offset, int32_t windowSize,
+                               float multiplier) {
+  return evalDelta(buffer, height, step, width, offset, windowSize, RealArithmetic(), UniformFactors<float>{multiplier, 0});
+}
+QorStatus qorsEvalDeltaMul_32f_D2(float* buffer, int32_t height, int32_t step, const float* multipliers, int32_t width,
+                                  int32_t offset, int32_t windowSize) {
+  return evalDelta(buffer, height, step, width, offset, windowSize, RealArithmetic(), TableFactors<float>{multipliers, width});
+}
