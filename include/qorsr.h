@@ -218,6 +218,66 @@ QORSR_API QorStatus qorsSumColumnSqr_64f_D2L(double* const* rows, int32_t width,
 
 /* ================================ Acoustic scoring ================================ */
 
+/** @defgroup model_preparation Model preparation
+ *  What a model goes through before it is scored with: the constant of each Gaussian, block-diagonal inverse covariances, and the
+ *  scale of a decoder's language model.
+ *
+ *  **Normalisation** (`UpdateGConst`). For n inverse variances v: result = n log(2 pi) - sum of log v[i]; for n variances
+ *  (`DirectVar`): n log(2 pi) + sum of log v[i]; log(2 pi) = 1.8378770664093. It is the logarithm of (2 pi)^n |Sigma|, so half of
+ * it, subtracted from a log weight, is the constant term of a diagonal Gaussian's log density. The sum of logarithms takes one
+ * logarithm for 512 elements: exponents are added, mantissas multiplied. In float both terms are rounded to float, then subtracted
+ * (added). The first element that has no logarithm decides: a zero of either sign gives plus infinity and #qorStatusLogZero, a
+ * negative element a quiet NaN (0xFFC00000 in float, 0xFFF8000000000000 in double) and #qorStatusLogNegative, a NaN a NaN and
+ * #qorStatusOk.
+ *
+ *  **Constants of Gaussians** (`OutProbPreCalc`). result[i] = weights[i] - gconsts[i] / 2; `_I` members overwrite the gconsts. In
+ *  `32s`, which wraps, required: elements in groups of four from the first on, and with all pointers 16-byte aligned a pair behind
+ *  them, halve rounding down (3 gives 1); what is left halves as (gconst + 1) >> 1 (3 gives 2).
+ *
+ *  **Block-diagonal inverse covariances** (`BlockDMatrix`). `rows` holds one pointer for each of the T = sum of blockSizes rows, in
+ *  order of the blocks; a row has the width of its block. The record copies all of it, in one allocation; once made it is only
+ * read, by any number of scorers at a time. Block count and T are kept in 16 bits; larger ones are not refused. `Free` releases it;
+ * the three `Free` functions are one.
+ *
+ *  **Language model scores** (`ScaleLM`). result[i] = max(source[i], floor) * scale + offset, in that order. In float a source that
+ *  is not above the floor, a NaN too, gives the floor. In `16s32s` the product is exact and the offset is added in 32 bits with
+ * wrap.
+ *
+ *  Statuses, in order: null; length (block count, then any block size) below 1; #qorStatusNoMemory (`InitAlloc`, which then leaves
+ *  the caller's pointer as it was); then the warnings above.
+ *
+ *  Source of the method: multivariate normal density with diagonal or block-diagonal covariance, as in Rabiner and Juang,
+ *  "Fundamentals of Speech Recognition" (1993). @{ */
+
+/** Block-diagonal inverse covariance, 16-bit elements. */
+typedef struct BlockDMatrix_16s BlockDMatrix_16s;
+/** Block-diagonal inverse covariance, float elements. */
+typedef struct BlockDMatrix_32f BlockDMatrix_32f;
+/** Block-diagonal inverse covariance, double elements. */
+typedef struct BlockDMatrix_64f BlockDMatrix_64f;
+
+QORSR_API QorStatus qorsOutProbPreCalc_32f(const float* weights, const float* gconsts, float* result, int32_t length);
+QORSR_API QorStatus qorsOutProbPreCalc_32s(const int32_t* weights, const int32_t* gconsts, int32_t* result, int32_t length);
+QORSR_API QorStatus qorsOutProbPreCalc_64f(const double* weights, const double* gconsts, double* result, int32_t length);
+QORSR_API QorStatus qorsOutProbPreCalc_32f_I(const float* weights, float* gconsts, int32_t length);
+QORSR_API QorStatus qorsOutProbPreCalc_32s_I(const int32_t* weights, int32_t* gconsts, int32_t length);
+QORSR_API QorStatus qorsOutProbPreCalc_64f_I(const double* weights, double* gconsts, int32_t length);
+
+QORSR_API QorStatus qorsBlockDMatrixInitAlloc_16s(BlockDMatrix_16s** record, const int16_t* const* rows, const int32_t* blockSizes,
+                                                  int32_t blockCount);
+QORSR_API QorStatus qorsBlockDMatrixInitAlloc_32f(BlockDMatrix_32f** record, const float* const* rows, const int32_t* blockSizes,
+                                                  int32_t blockCount);
+QORSR_API QorStatus qorsBlockDMatrixInitAlloc_64f(BlockDMatrix_64f** record, const double* const* rows, const int32_t* blockSizes,
+                                                  int32_t blockCount);
+QORSR_API QorStatus qorsBlockDMatrixFree_16s(BlockDMatrix_16s* record);
+QORSR_API QorStatus qorsBlockDMatrixFree_32f(BlockDMatrix_32f* record);
+QORSR_API QorStatus qorsBlockDMatrixFree_64f(BlockDMatrix_64f* record);
+
+QORSR_API QorStatus qorsScaleLM_32f(const float* source, float* result, int32_t length, float floor, float scale, float offset);
+QORSR_API QorStatus qorsScaleLM_16s32s(const int16_t* source, int32_t* result, int32_t length, int16_t floor, int16_t scale,
+                                       int32_t offset);
+/** @} */
+
 /* ================================ Feature extraction ================================ */
 
 /** @defgroup dct_lifter Cosine transform and lifter
