@@ -216,6 +216,46 @@ QORSR_API QorStatus qorsSumColumnSqr_64f_D2L(double* const* rows, int32_t width,
                                              int32_t firstRow, double scale);
 /** @} */
 
+/** @defgroup row_edits Edits of rows and columns
+ *  Matrices of height rows and width columns, changed in place or gathered. Nothing is allocated.
+ *
+ *  **Normalisation** (`NormalizeColumn`). x[r][c] = (x[r][c] - means[c]) * scales[c], in place. `16s`: the exact 32-bit product is
+ *  shifted, without rounding, by the scale factor: above 0 right by sf modulo 32, with copies of the sign; below 0 left by -sf
+ * modulo 32, where bits beyond 32 are lost (required); then saturated to 16 bits.
+ *
+ *  **Subtraction** (`SubRow`). x[r][c] = x[r][c] - row[c] for every row, in place; `16s` saturates.
+ *
+ *  **Sums of rows.** `AddAllRowSum`: sum[c] += x[r][c], row after row; the sum is not cleared. `AddNRows`: destination[c] = start +
+ *  sum over i of source[(indices1[i] + indices2[i]) * stride + offset + c], in the order of i.
+ *
+ *  **Scaled row** (`AddMulRow`). destination[i] += source[i] * factor.
+ *
+ *  Statuses: null pointers; height or width below 1, or a length; stride below width (`_D2`). `AddNRows`: null pointers; number of
+ *  indices, height or width below 1 or offset below 0 (#qorStatusBadSize); stride below offset + width; a sum of indices outside 0
+ *  to height - 1 (#qorStatusBadSize), before anything is written.
+ *  @{ */
+QORSR_API QorStatus qorsNormalizeColumn_32f_D2(float* matrix, int32_t stride, int32_t height, const float* means,
+                                               const float* scales, int32_t width);
+QORSR_API QorStatus qorsNormalizeColumn_32f_D2L(float* const* rows, int32_t height, const float* means, const float* scales,
+                                                int32_t width);
+QORSR_API QorStatus qorsNormalizeColumn_16s_D2Sfs(int16_t* matrix, int32_t stride, int32_t height, const int16_t* means,
+                                                  const int16_t* scales, int32_t width, int32_t scaleFactor);
+QORSR_API QorStatus qorsNormalizeColumn_16s_D2LSfs(int16_t* const* rows, int32_t height, const int16_t* means,
+                                                   const int16_t* scales, int32_t width, int32_t scaleFactor);
+
+QORSR_API QorStatus qorsSubRow_16s_D2(const int16_t* row, int32_t width, int16_t* matrix, int32_t stride, int32_t height);
+QORSR_API QorStatus qorsSubRow_16s_D2L(const int16_t* row, int32_t width, int16_t* const* rows, int32_t height);
+QORSR_API QorStatus qorsSubRow_32f_D2(const float* row, int32_t width, float* matrix, int32_t stride, int32_t height);
+QORSR_API QorStatus qorsSubRow_32f_D2L(const float* row, int32_t width, float* const* rows, int32_t height);
+
+QORSR_API QorStatus qorsAddAllRowSum_32f_D2(const float* source, int32_t stride, int32_t height, float* sum, int32_t width);
+QORSR_API QorStatus qorsAddAllRowSum_32f_D2L(const float* const* rows, int32_t height, float* sum, int32_t width);
+QORSR_API QorStatus qorsAddNRows_32f_D2(const float* source, int32_t height, int32_t offset, int32_t stride,
+                                        const int32_t* indices1, const uint16_t* indices2, int32_t indexCount, float* destination,
+                                        int32_t width, float start);
+QORSR_API QorStatus qorsAddMulRow_64f(const double* source, double* destination, int32_t length, double factor);
+/** @} */
+
 /* ================================ Acoustic scoring ================================ */
 
 /** @defgroup model_preparation Model preparation

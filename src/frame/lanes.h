@@ -123,27 +123,6 @@ inline Vector<int32_t, W> widenInt16(const int16_t* p) {
   }
 }
 
-// Float numbers in a register as doubles in one register, exact.
-template <class To, class From>
-inline To toDouble(From a) {
-#if defined(__SSE3__)
-  if constexpr (sizeof(From) == 8 && sizeof(To) == 16) {
-    return _mm_cvtps_pd(__builtin_shufflevector(a, From{}, 0, 1, 2, 3));
-  }
-#endif
-#if defined(__AVX2__)
-  if constexpr (sizeof(From) == 16 && sizeof(To) == 32) return _mm256_cvtps_pd(a);
-#endif
-#if defined(__AVX512F__)
-  if constexpr (sizeof(From) == 32 && sizeof(To) == 64) return _mm512_cvtps_pd(a);
-#endif
-  if constexpr (sizeof(From) == sizeof(float)) {
-    return static_cast<To>(a);
-  } else {
-    return __builtin_convertvector(a, To);
-  }
-}
-
 // W float or int32 numbers at p as doubles, exact.
 template <int W, class From>
 inline Vector<double, W> widenToDouble(const From* p) {
@@ -533,23 +512,6 @@ inline Lanes<T, N / 2> upperHalf(const Lanes<T, N>& a) {
   return v;
 }
 
-// Float lanes as doubles, exact.
-template <int N>
-inline Lanes<double, N> toDouble(const Lanes<float, N>& a) {
-  Lanes<double, N> v;
-  using To = typename Lanes<double, N>::Part;
-  if constexpr (Lanes<double, N>::kParts == 1) {
-    v.part[0] = native::toDouble<To>(a.part[0]);
-  } else {
-    const Lanes<double, N / 2> low = toDouble(lowerHalf(a)), high = toDouble(upperHalf(a));
-    for (int i = 0; i < low.kParts; ++i) {
-      v.part[i] = low.part[i];
-      v.part[low.kParts + i] = high.part[i];
-    }
-  }
-  return v;
-}
-
 // Sum of all lanes, lane i with lane i + N/2 at every step: for 8 lanes ((l0+l4)+(l2+l6)) + ((l1+l5)+(l3+l7)).
 template <class T, int N>
 inline T joinHalves(const Lanes<T, N>& a) {
@@ -604,6 +566,91 @@ inline Lanes<float, 4> joinNeighbours4(const Lanes<float, 4>& a, const Lanes<flo
                                        const Lanes<float, 4>& d) {
   const Turned t = turn4(a, b, c, d);
   return (t.lane[0] + t.lane[1]) + (t.lane[2] + t.lane[3]);
+}
+
+// ---- Whole numbers: shifts and saturation ----
+
+// Every lane shifted by one count below the width: right with copies of the sign, left modulo two to the width.
+template <class T, int N>
+inline Lanes<T, N> shiftRight(const Lanes<T, N>& a, int count) {
+  return Lanes<T, N>::each(a, [=](auto x) { return static_cast<decltype(x)>(x >> count); });
+}
+template <class T, int N>
+inline Lanes<T, N> shiftLeft(const Lanes<T, N>& a, int count) {
+  using U = native::Vector<std::make_unsigned_t<T>, Lanes<T, N>::kPart>;
+  return Lanes<T, N>::each(a, [=](auto x) { return std::bit_cast<decltype(x)>(static_cast<U>(std::bit_cast<U>(x) << count)); });
+}
+
+namespace native {
+
+// a - b, limited to -32768 to 32767.
+template <class V>
+inline V subtractSaturated(V a, V b) {
+#if defined(__AVX512BW__)
+  if constexpr (sizeof(V) == 64) return V(_mm512_subs_epi16(__m512i(a), __m512i(b)));
+#endif
+#if defined(__AVX2__)
+  if constexpr (sizeof(V) == 32) return V(_mm256_subs_epi16(__m256i(a), __m256i(b)));
+#endif
+#if defined(__SSE3__)
+  if constexpr (sizeof(V) == 16) return V(_mm_subs_epi16(__m128i(a), __m128i(b)));
+#endif
+  if constexpr (sizeof(V) == sizeof(int16_t)) {
+    const int32_t d = static_cast<int32_t>(a) - b;
+    return static_cast<int16_t>(d < -32768 ? -32768 : d > 32767 ? 32767 : d);
+  } else {
+    V v;
+    for (std::size_t i = 0; i < sizeof(V) / sizeof(int16_t); ++i) v[i] = subtractSaturated<int16_t>(a[i], b[i]);
+    return v;
+  }
+}
+
+// Two vectors of int32 limited to 16 bits, in one.
+template <int W>
+inline Vector<int16_t, 2 * W> narrowSaturated(Vector<int32_t, W> a, Vector<int32_t, W> b) {
+  using V [[maybe_unused]] = Vector<int16_t, 2 * W>;
+#if defined(__AVX512BW__)
+  if constexpr (W == 16) {
+    return V(_mm512_permutexvar_epi64(_mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7), _mm512_packs_epi32(__m512i(a), __m512i(b))));
+  }
+#endif
+#if defined(__AVX2__)
+  if constexpr (W == 8) return V(_mm256_permute4x64_epi64(_mm256_packs_epi32(__m256i(a), __m256i(b)), 0xD8));
+#endif
+#if defined(__SSE3__)
+  if constexpr (W == 4) return V(_mm_packs_epi32(__m128i(a), __m128i(b)));
+#endif
+  V v;
+  for (int i = 0; i < W; ++i) {
+    v[i] = static_cast<int16_t>(a[i] < -32768 ? -32768 : a[i] > 32767 ? 32767 : a[i]);
+    v[W + i] = static_cast<int16_t>(b[i] < -32768 ? -32768 : b[i] > 32767 ? 32767 : b[i]);
+  }
+  return v;
+}
+
+}  // namespace native
+
+template <int N>
+inline Lanes<int16_t, N> subtractSaturated(const Lanes<int16_t, N>& a, const Lanes<int16_t, N>& b) {
+  return Lanes<int16_t, N>::each(a, b, [](auto x, auto y) { return native::subtractSaturated(x, y); });
+}
+
+// Lanes limited to -32768 to 32767.
+template <int N>
+inline Lanes<int16_t, N> narrowSaturated(const Lanes<int32_t, N>& a) {
+  using L = Lanes<int16_t, N>;
+  L v;
+  for (int i = 0; i < L::kParts; ++i) {
+    if constexpr (N == 1) {
+      v.part[i] = static_cast<int16_t>(a.part[i] < -32768 ? -32768 : a.part[i] > 32767 ? 32767 : a.part[i]);
+    } else if constexpr (L::kPart == Lanes<int32_t, N>::kPart) {
+      const auto limited = native::max(native::min(a.part[i], Lanes<int32_t, N>(32767).part[0]), Lanes<int32_t, N>(-32768).part[0]);
+      v.part[i] = __builtin_convertvector(limited, typename L::Part);
+    } else {
+      v.part[i] = native::narrowSaturated<L::kPart / 2>(a.part[2 * i], a.part[2 * i + 1]);
+    }
+  }
+  return v;
 }
 
 // ---- Whole numbers in one native register ----

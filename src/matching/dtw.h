@@ -105,20 +105,19 @@ class WideDistances {
         const auto y0 = Lanes<float, 4>::load(row_ + c), y1 = Lanes<float, 4>::load(row_ + c + 4);
         for (int k = 0; k < kCells; ++k) {
           const auto d0 = Lanes<float, 4>::load(rows[k] + c) - y0, d1 = Lanes<float, 4>::load(rows[k] + c + 4) - y1;
-          lanes[k] += toDouble(d0 * d0);
-          lanes[k] += toDouble(d1 * d1);
+          lanes[k] += widen(d0 * d0);
+          lanes[k] += widen(d1 * d1);
         }
       }
-      float roots[kCells];
+      double sums[kCells];
       for (int k = 0; k < kCells; ++k) {
-        double sum = joinHalves(lanes[k]);
+        sums[k] = joinHalves(lanes[k]);
         for (int32_t e = c; e < shorter_.width_; ++e) {
           const float d = rows[k][e] - row_[e];
-          sum += static_cast<double>(d * d);
+          sums[k] += static_cast<double>(d * d);
         }
-        roots[k] = static_cast<float>(__builtin_sqrt(sum));
       }
-      return Cells::load(roots);
+      return narrow(sqrt(Lanes<double, kCells>::load(sums)));
     }
 
    private:
