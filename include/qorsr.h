@@ -320,6 +320,197 @@ QORSR_API QorStatus qorsScaleLM_16s32s(const int16_t* source, int32_t* result, i
 
 /* ================================ Feature extraction ================================ */
 
+/** @defgroup filter_bank Filter banks
+ *  Overlapping triangular filters over the bins of a spectrum: one output a filter.
+ *
+ *  A bank has n = filterCount filters and n + 2 centres c[0] to c[n+1], bin numbers. Filter k, from 1 to n, rises from c[k-1] to
+ * c[k] and falls to c[k+1]:
+ *
+ *      y[k-1] = sum for j = c[k-1] .. c[k] of rising_k[j - c[k-1]] x[j]  +  sum for j = c[k]+1 .. c[k+1] of falling_k[j - c[k] - 1]
+ * x[j]
+ *
+ *  `length`, the transform's length as requested, is taken up to a power of two L, at least 2 (500 gives 512); its base-2 logarithm
+ * is written to `order`. Bins run from 0 to L/2. Other bins do not exist: sections are cut there, and an empty section adds
+ * nothing.
+ *
+ *  **Banks.** qorsEmptyFBankInitAlloc_32f() makes a bank without centres, with zero weights; qorsMelFBankInitAlloc_32f() and its
+ *  relatives (@ref mel_bank) make complete ones. A bank from `InitAlloc` ends with qorsFBankFree_32f(); a bank that was built in
+ * the caller's block by `Init` ends with that block, must not be moved or copied, and is never passed to `Free`.
+ *
+ *  **Weights.** Floats in `FBankState_32f`; 32-bit integers with 14 fraction bits (1.0 is 16384) in `FBankState_16s`; with 30
+ * fraction bits in `FBankState_32s`.
+ *
+ *  **Transform front.** A bank made with bit value 4 in its flags takes a frame of L samples in place of a spectrum, and its
+ * filters run over the magnitudes sqrt(re^2 + im^2) of bins 0 to L/2 of the frame's unnormalised discrete Fourier transform. Such
+ * an evaluation writes work memory inside the bank, so the bank serves one thread at a time; all other evaluations and `Get`
+ * functions only read it.
+ *
+ *  Source of the method: Davis and Mermelstein, "Comparison of parametric representations for monosyllabic word recognition in
+ *  continuously spoken sentences", IEEE Transactions on Acoustics, Speech, and Signal Processing 28 (1980). @{ */
+
+/** A bank with float weights. */
+typedef struct FBankState_32f FBankState_32f;
+/** A bank with weights of 14 fraction bits, for 16-bit spectra or frames. */
+typedef struct FBankState_16s FBankState_16s;
+/** A bank with weights of 30 fraction bits, for 32-bit spectra; made by qorsMelFBankInit_32s(). */
+typedef struct FBankState_32s FBankState_32s;
+
+/** An empty bank, to be given centres and then weights. It always evaluates spectra: bit value 4 of `flags` only makes the memory
+ * of a transform, and other bits are ignored. Statuses: length or filterCount below 1 (#qorStatusBadSize); null; #qorStatusNoMemory
+ * (the order is written). */
+QORSR_API QorStatus qorsEmptyFBankInitAlloc_32f(FBankState_32f** state, int32_t* order, int32_t length, int32_t filterCount,
+                                                int32_t flags);
+QORSR_API QorStatus qorsEmptyFBankInitAlloc_16s(FBankState_16s** state, int32_t* order, int32_t length, int32_t filterCount,
+                                                int32_t flags);
+
+/** Releases a bank from `InitAlloc`. Status: null. */
+QORSR_API QorStatus qorsFBankFree_32f(FBankState_32f* state);
+QORSR_API QorStatus qorsFBankFree_16s(FBankState_16s* state);
+
+/** centers = the filterCount + 2 centres. The two names are one function.
+ *  Statuses: null; #qorStatusFBankNotReady without centres, or where a constructor made centres that qorsFBankSetCenters_32f()
+ * would refuse. */
+QORSR_API QorStatus qorsFBankGetCenters_32f(const FBankState_32f* state, int32_t* centers);
+QORSR_API QorStatus qorsFBankGetCenters_16s(const FBankState_16s* state, int32_t* centers);
+
+/** Sets the filterCount + 2 centres and makes the bank ready. Weights stay as they are, by their place in the section. The two
+ * names are one function. Statuses: null; #qorStatusFBankNotReady, with the bank unchanged, when centers[0] is negative, when for
+ * some i from 1 to filterCount - 1 centers[i] is below centers[i-1] or above centers[i+1], or when the last one exceeds L/2. Equal
+ * neighbours are accepted; required: the last two entries are not compared with each other. */
+QORSR_API QorStatus qorsFBankSetCenters_32f(FBankState_32f* state, const int32_t* centers);
+QORSR_API QorStatus qorsFBankSetCenters_16s(FBankState_16s* state, const int32_t* centers);
+
+/** weights = those of filter number `filter` (from 1), bin by bin from c[filter-1] to c[filter+1]: the rising section, then the
+ * falling one. Integer weights are multiplied by 2^-14. required: filterCount + 1 is accepted too; that row has no falling section.
+ *  Statuses: null; #qorStatusFBankNotReady; filter outside 1 to filterCount + 1 (#qorStatusBadSize). */
+QORSR_API QorStatus qorsFBankGetCoeffs_32f(const FBankState_32f* state, int32_t filter, float* weights);
+QORSR_API QorStatus qorsFBankGetCoeffs_16s(const FBankState_16s* state, int32_t filter, float* weights);
+
+/** Sets the weights of a filter, in the order of qorsFBankGetCoeffs_32f(). Integer weights: value * 16384 in float, truncated;
+ * below -2^31 limited to it; required: what reaches 2^31 (or is NaN) is stored as -2^31. Statuses: null; #qorStatusFBankNotReady;
+ * filter outside 1 to filterCount (#qorStatusBadSize). */
+QORSR_API QorStatus qorsFBankSetCoeffs_32f(FBankState_32f* state, int32_t filter, const float* weights);
+QORSR_API QorStatus qorsFBankSetCoeffs_16s(FBankState_16s* state, int32_t filter, const float* weights);
+
+/** result[k-1] = y[k-1] as above, k = 1 to filterCount; source: L/2 + 1 bins, or a frame of L samples with a transform front.
+ *
+ *  In float, with eight lanes a filter: a section's bins go to lanes 0 to 7 in blocks of eight, and the bins that remain to lane 0;
+ * the first bin of a rising section (filter 1 apart) goes to lane 0 ahead of the blocks. The sum is ((l0 + l4) + (l2 + l6)) + ((l1
+ * + l5) + (l3 + l7)). Statuses: null; #qorStatusFBankNotReady. */
+QORSR_API QorStatus qorsEvalFBank_32f(const float* source, float* result, const FBankState_32f* state);
+
+/** As qorsEvalFBank_32f(), exactly: the sum of the products in 64 bits is shifted right (arithmetically, without rounding) by
+ *  scaleFactor + 14, or left when that is negative, and saturated. Any scale factor is accepted.
+ *
+ *  With a transform front, the transform runs in float; its values are rounded to integers with three fraction bits, the magnitudes
+ * of those again to integers with three more (to nearest, at most 2^31 - 1), the shift grows by these 6, and required: of each
+ * product of magnitude and weight the low 32 bits are added, as a signed number. Statuses: null; #qorStatusFBankNotReady. */
+QORSR_API QorStatus qorsEvalFBank_16s_Sfs(const int16_t* source, int16_t* result, const FBankState_16s* state, int32_t scaleFactor);
+QORSR_API QorStatus qorsEvalFBank_16s32s_Sfs(const int16_t* source, int32_t* result, const FBankState_16s* state,
+                                             int32_t scaleFactor);
+
+/** As qorsEvalFBank_32f(), in integers: each product loses its 8 low bits (arithmetic shift), the 64-bit sum v becomes v *
+ * 2^-scaleFactor (right: arithmetic shift; left: limited above to 2^63 - 1), and then (v >> 22) plus bit 21 of v. The result is
+ * limited to 2^31 - 1; required: below, its low 32 bits are stored as they are. Statuses: null; scaleFactor outside -31 to 31
+ * (#qorStatusBadArgument). */
+QORSR_API QorStatus qorsEvalFBank_32s_Sfs(const int32_t* source, int32_t* result, const FBankState_32s* state, int32_t scaleFactor);
+/** @} */
+
+/** @defgroup mel_bank Mel filter banks
+ *  Construction of filter banks (@ref filter_bank) on the mel scale, or on a linear scale that a mel scale continues.
+ *
+ *      mel(f) = melMul ln(1 + f / melDiv)        f = melDiv (exp(m / melMul) - 1)
+ *
+ *  The caller chooses the constants; 1127.01048 and 700 are usual. n is filterCount, L the power of two that holds `length`,
+ *  frequencies are in hertz.
+ *
+ *  **Mel banks.** m[i] = mel(low) + i (mel(high) - mel(low)) / (n + 1), i = 0 to n + 1; the centre is bin (L / sampleFrequency)
+ * melDiv (exp(m[i] / melMul) - 1). m[i] and the position are rounded to float.
+ *
+ *  **Mixed banks.** The first T = linearFilterCount filters are spaced linearly, f[i] = low + i (join - low) / T for i = 0 to T;
+ * from the join on, centres i = T to n + 1 are equally far apart in mel up to the high frequency. With T = n all is linear, f[i] =
+ * low + i (join - low) / (n + 1), and the high frequency is tested but not used.
+ *
+ *  **Flags.** 1 or 2, and 4 in addition (banks of floats or 16 bits):
+ *  - 1, mel-shaped: centres are truncated to bins; a weight is the distance in mel of the bin's frequency from the filter's edge,
+ * over the width of the section in mel. The first weight of a mel bank's rising section is 0.
+ *  - 2, index-shaped: centres are rounded to nearest, ties to even; rising weights are (j - c[k-1] + 1) / (c[k] - c[k-1] + 1),
+ * falling ones (c[k+1] + 1 - j) / (c[k+1] - c[k] + 1): 1 at the centre, one step above zero at the ends.
+ *  - 4: transform front.
+ *
+ *  With flag 1, mixed banks have mel-shaped filters up to T and index-shaped ones beyond. required: the falling side of filter T
+ * compares mel values with bin numbers, (c[T+1] - mel(j)) / (c[T+1] - c[T]). Negative weights become 0.
+ *
+ *  Weights are not normalised by area. All is computed in double, with the C library's log and exp; Q14 weights are truncated.
+ *
+ *  Statuses of `qorsMelFBankInit` and `qorsMelFBankInitAlloc`, in order: null state or order; length or filterCount below 1, sample
+ * or low frequency not above 0 (#qorStatusBadSize); high below low, half the sample frequency below high
+ * (#qorStatusBadFBankFrequency); flags (#qorStatusBadFBankFlag); #qorStatusNoMemory, with the order written (`Init`:
+ * #qorStatusBadSize for a block beyond 2^31 - 1 bytes). A NaN passes every test.
+ *
+ *  Source of the method: Stevens, Volkmann and Newman, "A scale for the measurement of the psychological magnitude pitch", Journal
+ * of the Acoustical Society of America 8 (1937); Davis and Mermelstein (1980) for the bank. @{ */
+
+/** size = bytes of the caller's block for `Init` with the same length, filterCount and flags. The block may begin at any address
+ * that the element type allows. Statuses: null; length or filterCount below 1 (#qorStatusBadSize); flags (#qorStatusBadFBankFlag);
+ * a block beyond 2^31 - 1 bytes
+ *  (#qorStatusBadSize). */
+QORSR_API QorStatus qorsMelFBankGetSize_32f(int32_t length, int32_t filterCount, int32_t flags, int32_t* size);
+QORSR_API QorStatus qorsMelFBankGetSize_16s(int32_t length, int32_t filterCount, int32_t flags, int32_t* size);
+
+/** A mel bank in the caller's block. */
+QORSR_API QorStatus qorsMelFBankInit_32f(FBankState_32f* state, int32_t* order, int32_t length, float sampleFrequency,
+                                         float lowFrequency, float highFrequency, int32_t filterCount, float melMul, float melDiv,
+                                         int32_t flags);
+QORSR_API QorStatus qorsMelFBankInit_16s(FBankState_16s* state, int32_t* order, int32_t length, float sampleFrequency,
+                                         float lowFrequency, float highFrequency, int32_t filterCount, float melMul, float melDiv,
+                                         int32_t flags);
+
+/** A mel bank in memory of its own. */
+QORSR_API QorStatus qorsMelFBankInitAlloc_32f(FBankState_32f** state, int32_t* order, int32_t length, float sampleFrequency,
+                                              float lowFrequency, float highFrequency, int32_t filterCount, float melMul,
+                                              float melDiv, int32_t flags);
+QORSR_API QorStatus qorsMelFBankInitAlloc_16s(FBankState_16s** state, int32_t* order, int32_t length, float sampleFrequency,
+                                              float lowFrequency, float highFrequency, int32_t filterCount, float melMul,
+                                              float melDiv, int32_t flags);
+
+/** A mixed bank in memory of its own.
+ *  Statuses: length or filterCount below 1, sample or low frequency not above 0, linearFilterCount outside 1 to filterCount
+ *  (#qorStatusBadSize); join below low, high below join, half the sample frequency below high (#qorStatusBadFBankFrequency); flags
+ *  (#qorStatusBadFBankFlag); null; #qorStatusNoMemory, with the order written. A NaN passes every test. */
+QORSR_API QorStatus qorsMelLinFBankInitAlloc_32f(FBankState_32f** state, int32_t* order, int32_t length, float sampleFrequency,
+                                                 float lowFrequency, float highFrequency, int32_t filterCount, float joinFrequency,
+                                                 int32_t linearFilterCount, float melMul, float melDiv, int32_t flags);
+QORSR_API QorStatus qorsMelLinFBankInitAlloc_16s(FBankState_16s** state, int32_t* order, int32_t length, float sampleFrequency,
+                                                 float lowFrequency, float highFrequency, int32_t filterCount, float joinFrequency,
+                                                 int32_t linearFilterCount, float melMul, float melDiv, int32_t flags);
+
+/** size = bytes of the caller's block for qorsMelFBankInit_32s().
+ *  Statuses: null; filterCount below 1, length outside 32 to 8192 (#qorStatusBadSize); flags not 2 (#qorStatusBadFBankFlag);
+ * filterCount above L/2 (#qorStatusBadSize). */
+QORSR_API QorStatus qorsMelFBankGetSize_32s(int32_t length, int32_t filterCount, int32_t flags, int32_t* size);
+
+/** An index-shaped mel bank in the caller's block, in fixed point: no floating-point arithmetic takes place. Frequencies are whole
+ *  hertz, melMul and melDiv have 15 fraction bits, flags is 2. Mel values have 22 fraction bits; logarithms and exponentials are
+ * taken by shifts and multiplications (Muller, "Elementary Functions"), and centres are rounded half up.
+ *
+ *  Statuses: null; filterCount or highFrequency below 1, length outside 32 to 8192 (#qorStatusBadSize); flags not 2
+ *  (#qorStatusBadFBankFlag); sampleFrequency outside 1 to 48000, lowFrequency below 0 (#qorStatusBadSize); highFrequency not above
+ *  lowFrequency or above 24000 (#qorStatusBadFBankFrequency); melDiv outside 0x80001 to 0xFFFFFFF, melMul outside 0x80001 to
+ * 0x3FFFFFFF
+ *  (#qorStatusBadArgument); filterCount above L/2 + 1 (#qorStatusBadSize; one more than the size function accepts). */
+QORSR_API QorStatus qorsMelFBankInit_32s(FBankState_32s* state, int32_t* order, int32_t length, int32_t sampleFrequency,
+                                         int32_t lowFrequency, int32_t highFrequency, int32_t filterCount, int32_t melMul,
+                                         int32_t melDiv, int32_t flags);
+
+/** result[i] = melMul ln(1 + source[i] (1 / melDiv)): hertz to mel, in double, rounded to float.
+ *  Statuses: null; length below 1, melMul or melDiv not above 0 (#qorStatusBadSize; a NaN passes). */
+QORSR_API QorStatus qorsLinearToMel_32f(const float* source, float* result, int32_t length, float melMul, float melDiv);
+
+/** result[i] = melDiv (exp(source[i] (1 / melMul)) - 1): mel to hertz. Statuses: as qorsLinearToMel_32f(). */
+QORSR_API QorStatus qorsMelToLinear_32f(const float* source, float* result, int32_t length, float melMul, float melDiv);
+/** @} */
+
 /** @defgroup dct_lifter Cosine transform and lifter
  *  Liftered cepstral coefficients from the N log outputs x[0 .. N-1] of a filter bank, in one step. With M coefficients, M <= N:
  *
