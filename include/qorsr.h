@@ -665,6 +665,17 @@ QORSR_API QorStatus qorsDCTLifter_32s16s_Sfs(const int32_t* source, int16_t* des
  *  `EvalDeltaMul` takes table[width + i] for q; features stay as they are, and the first width entries are not read. Float sums
  *  take k in ascending order.
  *
+ *  **16 bits.** A positive scale factor is an arithmetic right shift of a 32-bit value, without rounding; a negative one is a left
+ *  shift, which loses high bits; what results is limited to -32768 .. 32767.
+ *  - `Win1`, `Win2`: differences and window sums wrap to 16 bits; their exact product with the multiplier is shifted and limited.
+ *    Features are copied, or in `Mul` members multiplied, shifted and limited in the same way.
+ *  - `DeltaDelta_Aurora`: features are shifted and limited (feature 12: truncated first); four times the delta, an exact integer,
+ * is shifted by scaleFactor + 2 and limited; the acceleration's float sum is truncated, shifted and limited.
+ *  - `DeltaDeltaMul_Aurora`: features, deltas (the exact sum shifted right by 2) and accelerations (truncated) are limited to 16
+ *    bits; their exact product with the table's entry is shifted and limited.
+ *  - `EvalDelta`: differences wrap to 16 bits; the sum of their products with k, and its product with the multiplier, wrap to 32
+ *    bits; the latter is shifted and limited.
+ *
  *  Statuses of the streaming members, in order: null (source, destination, table); width below 1 or height below 0; height 0
  *  without end (#qorStatusBadSize); step below 2 width (`Delta`), 3 width (`DeltaDelta`) or 39 (`Aurora`) (#qorStatusBadStride);
  *  begin with a height below B (#qorStatusBadSize).
@@ -692,15 +703,46 @@ QORSR_API QorStatus qorsDeltaDeltaMul_Win1_32f_D2(const float* source, const flo
 QORSR_API QorStatus qorsDeltaDeltaMul_Win2_32f_D2(const float* source, const float* multipliers, int32_t width, float* destination,
                                                   int32_t step, int32_t height, int32_t flags);
 
+QORSR_API QorStatus qorsDelta_Win1_16s_D2Sfs(const int16_t* source, int32_t width, int16_t* destination, int32_t step,
+                                             int32_t height, int16_t multiplier, int32_t flags, int32_t scaleFactor);
+QORSR_API QorStatus qorsDelta_Win2_16s_D2Sfs(const int16_t* source, int32_t width, int16_t* destination, int32_t step,
+                                             int32_t height, int16_t multiplier, int32_t flags, int32_t scaleFactor);
+QORSR_API QorStatus qorsDeltaMul_Win1_16s_D2Sfs(const int16_t* source, const int16_t* multipliers, int32_t width,
+                                                int16_t* destination, int32_t step, int32_t height, int32_t flags,
+                                                int32_t scaleFactor);
+QORSR_API QorStatus qorsDeltaMul_Win2_16s_D2Sfs(const int16_t* source, const int16_t* multipliers, int32_t width,
+                                                int16_t* destination, int32_t step, int32_t height, int32_t flags,
+                                                int32_t scaleFactor);
+QORSR_API QorStatus qorsDeltaDelta_Win1_16s_D2Sfs(const int16_t* source, int32_t width, int16_t* destination, int32_t step,
+                                                  int32_t height, int16_t deltaMultiplier, int16_t accelerationMultiplier,
+                                                  int32_t flags, int32_t scaleFactor);
+QORSR_API QorStatus qorsDeltaDelta_Win2_16s_D2Sfs(const int16_t* source, int32_t width, int16_t* destination, int32_t step,
+                                                  int32_t height, int16_t deltaMultiplier, int16_t accelerationMultiplier,
+                                                  int32_t flags, int32_t scaleFactor);
+QORSR_API QorStatus qorsDeltaDeltaMul_Win1_16s_D2Sfs(const int16_t* source, const int16_t* multipliers, int32_t width,
+                                                     int16_t* destination, int32_t step, int32_t height, int32_t flags,
+                                                     int32_t scaleFactor);
+QORSR_API QorStatus qorsDeltaDeltaMul_Win2_16s_D2Sfs(const int16_t* source, const int16_t* multipliers, int32_t width,
+                                                     int16_t* destination, int32_t step, int32_t height, int32_t flags,
+                                                     int32_t scaleFactor);
+
 QORSR_API QorStatus qorsDeltaDelta_Aurora_32f_D2(const float* source, float* destination, int32_t step, int32_t height,
                                                  int32_t flags);
 QORSR_API QorStatus qorsDeltaDeltaMul_Aurora_32f_D2(const float* source, const float* multipliers, float* destination, int32_t step,
                                                     int32_t height, int32_t flags);
+QORSR_API QorStatus qorsDeltaDelta_Aurora_16s_D2Sfs(const int16_t* source, int16_t* destination, int32_t step, int32_t height,
+                                                    int32_t flags, int32_t scaleFactor);
+QORSR_API QorStatus qorsDeltaDeltaMul_Aurora_16s_D2Sfs(const int16_t* source, const int16_t* multipliers, int16_t* destination,
+                                                       int32_t step, int32_t height, int32_t flags, int32_t scaleFactor);
 
 QORSR_API QorStatus qorsEvalDelta_32f_D2(float* buffer, int32_t height, int32_t step, int32_t width, int32_t offset,
                                          int32_t windowSize, float multiplier);
 QORSR_API QorStatus qorsEvalDeltaMul_32f_D2(float* buffer, int32_t height, int32_t step, const float* multipliers, int32_t width,
                                             int32_t offset, int32_t windowSize);
+QORSR_API QorStatus qorsEvalDelta_16s_D2Sfs(int16_t* buffer, int32_t height, int32_t step, int32_t width, int32_t offset,
+                                            int32_t windowSize, int16_t multiplier, int32_t scaleFactor);
+QORSR_API QorStatus qorsEvalDeltaMul_16s_D2Sfs(int16_t* buffer, int32_t height, int32_t step, const int16_t* multipliers,
+                                               int32_t width, int32_t offset, int32_t windowSize, int32_t scaleFactor);
 /** @} */
 
 /* ================================ Model estimation ================================ */

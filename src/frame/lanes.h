@@ -381,6 +381,19 @@ struct Lanes {
   friend Lanes sqrt(const Lanes& a) {
     return each(a, [](Part x) { return Part(native::sqrt(x)); });
   }
+  // Arithmetic for signed lanes; `count` from 0 to the width - 1.
+  friend Lanes operator>>(const Lanes& a, int count) {
+    return each(a, [=](Part x) { return Part(x >> static_cast<T>(count)); });
+  }
+  // By a scale factor: shiftByScale() of bits.h, lane by lane.
+  friend Lanes shiftByScale(const Lanes& a, int64_t scaleFactor) {
+    constexpr int kLast = 8 * static_cast<int>(sizeof(T)) - 1;
+    using U = native::Vector<std::make_unsigned_t<T>, kPart>;
+    if (scaleFactor >= 0) return a >> static_cast<int>(scaleFactor < kLast ? scaleFactor : kLast);
+    if (scaleFactor < -kLast) return Lanes(T(0));
+    const auto count = static_cast<std::make_unsigned_t<T>>(-scaleFactor);
+    return each(a, [=](Part x) { return Part(U(std::bit_cast<U>(x) << count)); });
+  }
 
   // x < y ? a : b, lane by lane: a NaN in x or y gives b.
   friend Lanes selectLess(const Lanes& x, const Lanes& y, const Lanes& a, const Lanes& b) {
@@ -458,6 +471,21 @@ inline Lanes<float, N> narrow(const Lanes<double, N>& a) {
       v.part[i] = __builtin_convertvector(a.part[i], typename L::Part);
     } else {
       v.part[i] = native::narrowPair<L::kPart / 2>(a.part[2 * i], a.part[2 * i + 1]);
+    }
+  }
+  return v;
+}
+
+// Floats to integers, toward zero; a NaN or a value out of range gives the most negative one.
+template <int N>
+inline Lanes<int32_t, N> truncated(const Lanes<float, N>& a) {
+  Lanes<int32_t, N> v;
+  for (int i = 0; i < v.kParts; ++i) {
+    if constexpr (v.kPart > 1) {
+      v.part[i] = native::truncated(a.part[i]);
+    } else {
+      const float x = a.part[i];
+      v.part[i] = x >= -2147483648.0F && x < 2147483648.0F ? static_cast<int32_t>(x) : INT32_MIN;
     }
   }
   return v;
@@ -716,6 +744,49 @@ inline Lanes<int32_t, N / 2> pairDots(const Lanes<int16_t, N>& a, const Lanes<in
   for (int i = 0; i < N / 2; ++i) {
     const auto product = [&](int k) { return static_cast<uint32_t>(static_cast<int32_t>(a.part[0][k]) * b.part[0][k]); };
     v.part[0][i] = static_cast<int32_t>(product(2 * i) + product(2 * i + 1));
+  }
+  return v;
+}
+
+// int16 lanes widened: the lower half of them, and the upper half.
+template <int N>
+inline Lanes<int32_t, N / 2> lowerWidened(const Lanes<int16_t, N>& a) {
+  return std::bit_cast<Lanes<int32_t, N / 2>>(interleaveLower(Lanes<int16_t, N>(0), a)) >> 16;
+}
+template <int N>
+inline Lanes<int32_t, N / 2> upperWidened(const Lanes<int16_t, N>& a) {
+  return std::bit_cast<Lanes<int32_t, N / 2>>(interleaveUpper(Lanes<int16_t, N>(0), a)) >> 16;
+}
+
+// Two halves in one, each lane limited to 16 bits.
+template <int N>
+inline Lanes<int16_t, 2 * N> saturated(const Lanes<int32_t, N>& lower, const Lanes<int32_t, N>& upper) {
+  Lanes<int16_t, 2 * N> v;
+  static_assert(v.kParts == 1);
+  using Part [[maybe_unused]] = typename Lanes<int16_t, 2 * N>::Part;
+#if defined(__AVX512BW__)
+  if constexpr (N == 16) {
+    const __m512i pairs = _mm512_packs_epi32(__m512i(lower.part[0]), __m512i(upper.part[0]));  // in order within 128 bits
+    v.part[0] = Part(_mm512_permutexvar_epi64(_mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7), pairs));
+    return v;
+  }
+#endif
+#if defined(__AVX2__)
+  if constexpr (N == 8) {
+    const __m256i pairs = _mm256_packs_epi32(__m256i(lower.part[0]), __m256i(upper.part[0]));
+    v.part[0] = Part(_mm256_permute4x64_epi64(pairs, 0xD8));
+    return v;
+  }
+#endif
+#if defined(__SSE3__)
+  if constexpr (N == 4) {
+    v.part[0] = Part(_mm_packs_epi32(__m128i(lower.part[0]), __m128i(upper.part[0])));
+    return v;
+  }
+#endif
+  for (int i = 0; i < 2 * N; ++i) {
+    const int32_t x = i < N ? lower.part[0][i] : upper.part[0][i - N];
+    v.part[0][i] = static_cast<int16_t>(x < INT16_MIN ? INT16_MIN : x > INT16_MAX ? INT16_MAX : x);
   }
   return v;
 }
