@@ -258,6 +258,64 @@ QORSR_API QorStatus qorsAddMulRow_64f(const double* source, double* destination,
 
 /* ================================ Acoustic scoring ================================ */
 
+/** @defgroup log_arithmetic Log-domain arithmetic
+ *  Addition, subtraction and sum of probabilities that are held as natural logarithms.
+ *
+ *  **Addition** (`LogAdd`). result[i] = log(exp(source[i]) + exp(result[i])) = hi + log(1 + exp(d)), hi the larger term, d = -|a -
+ * b|. No exponential and no logarithm is called: log(1 + exp(d)) is a polynomial on each of three ranges of d. Below a threshold
+ * the smaller term is dropped; then, and only then, a hi below the floor is raised to it.
+ *
+ *  |        | ranges of d end at | degree | smaller term dropped below  | floor: a hi below                  |
+ *  |--------|--------------------|--------|-----------------------------|------------------------------------|
+ *  | float  | 0, -2.55, -6.8     | 10     | -15.3196 (it adds 2.3e-7)   | -4500000 gives -4500000            |
+ *  | double | 0, -3.5, -9        | 21     | -23.0259 (it adds 1.0e-10)  | -9000000000 gives -10000000000     |
+ *
+ *  The hint chooses the form: in float 0 and 2 evaluate the polynomial in double and round once (the accurate form), 1 evaluates it
+ *  in float (the fast form); in double 0, 1 and 2 are alike. Required: any other hint does nothing and gives #qorStatusOk.
+ *
+ *  Largest error, measured against log1p(exp(d)) in extended precision at 4000001 points of d from 0 to the threshold, hi = 0:
+ *  float polynomials 4.6e-9 in themselves, 3.2e-8 with the one rounding to float (half a unit in the last place); the fast form
+ *  1.6e-7; double 5.3e-15 (in `LogSum`, which evaluates even and odd powers apart, 3.8e-14). To these comes the rounding of hi + P.
+ *
+ *  **Subtraction** (`LogSub`). result[i] = log(exp(a) - exp(b)) = a + log(1 - exp(b - a)), a = source[i], b = result[i], with the C
+ *  library's exp and log in double. Every b must be below its a: where b - a is not negative, equal terms and NaN too, the call
+ * gives #qorStatusBadRange and writes nothing. With b - a below the drop threshold the result is a, raised to the floor; where 1 -
+ * exp(d) is at most 1.0057e-37 (double: 2.45e-308), it is the floor.
+ *
+ *  **Sum** (`LogSum`). *result = log of the sum of exp(source[i]), by the fast form in float. Four lanes (two in double) take every
+ *  fourth (second) element when there are at least 8 (5) of them, lane i is added to lane i + 2 (i + 1) and so on, and what remains
+ *  is added one by one from the left. One element is copied. The hint is accepted and not read.
+ *
+ *  **Fixed point** (`Sfs`): real value = integer * 2^-scaleFactor. `LogAdd` goes through float and truncates toward zero, with
+ *  saturation; with an unknown hint the result still takes that road and may lose the bits that a float has no room for (required).
+ *  `LogSum` of 2 to 6 elements runs in double and rounds to float after each step, a longer one in float in chunks of 128, what was
+ *  summed so far standing in front of the next chunk; the result is truncated, with saturation. `LogSub` forms d in float, scaled,
+ *  from differences of the integers (which wrap in 32 bits where they are tested), but adds log(1 - exp(d)) to the integer a as it
+ *  stands, unscaled (required); the sum is limited to 32 bits and truncated, and a 16-bit result is the low half of that.
+ *
+ *  A NaN term gives a NaN, and so do two equal infinities; in fixed point, where one can arise from an extreme scale factor, 0.
+ *
+ *  Statuses, in order: length below 1; null; #qorStatusBadRange (`LogSub`).
+ *
+ *  Source of the method: the log-sum rule of hidden Markov models, as in Rabiner, "A Tutorial on Hidden Markov Models and Selected
+ *  Applications in Speech Recognition", Proceedings of the IEEE 77 (1989). @{ */
+
+QORSR_API QorStatus qorsLogAdd_32f(const float* source, float* result, int32_t length, int32_t hint);
+QORSR_API QorStatus qorsLogAdd_64f(const double* source, double* result, int32_t length, int32_t hint);
+QORSR_API QorStatus qorsLogAdd_16s_Sfs(const int16_t* source, int16_t* result, int32_t length, int32_t scaleFactor, int32_t hint);
+QORSR_API QorStatus qorsLogAdd_32s_Sfs(const int32_t* source, int32_t* result, int32_t length, int32_t scaleFactor, int32_t hint);
+
+QORSR_API QorStatus qorsLogSub_32f(const float* source, float* result, int32_t length);
+QORSR_API QorStatus qorsLogSub_64f(const double* source, double* result, int32_t length);
+QORSR_API QorStatus qorsLogSub_16s_Sfs(const int16_t* source, int16_t* result, int32_t length, int32_t scaleFactor);
+QORSR_API QorStatus qorsLogSub_32s_Sfs(const int32_t* source, int32_t* result, int32_t length, int32_t scaleFactor);
+
+QORSR_API QorStatus qorsLogSum_32f(const float* source, float* result, int32_t length, int32_t hint);
+QORSR_API QorStatus qorsLogSum_64f(const double* source, double* result, int32_t length, int32_t hint);
+QORSR_API QorStatus qorsLogSum_16s_Sfs(const int16_t* source, int16_t* result, int32_t length, int32_t scaleFactor, int32_t hint);
+QORSR_API QorStatus qorsLogSum_32s_Sfs(const int32_t* source, int32_t* result, int32_t length, int32_t scaleFactor, int32_t hint);
+/** @} */
+
 /** @defgroup model_preparation Model preparation
  *  What a model goes through before it is scored with: the constant of each Gaussian, block-diagonal inverse covariances, and the
  *  scale of a decoder's language model.
@@ -316,6 +374,53 @@ QORSR_API QorStatus qorsBlockDMatrixFree_64f(BlockDMatrix_64f* record);
 QORSR_API QorStatus qorsScaleLM_32f(const float* source, float* result, int32_t length, float floor, float scale, float offset);
 QORSR_API QorStatus qorsScaleLM_16s32s(const int16_t* source, int32_t* result, int32_t length, int16_t floor, int16_t scale,
                                        int32_t offset);
+/** @} */
+
+/** @defgroup gaussian_selection Gaussian selection
+ *  Bit tables that say which Gaussians of a large model are worth scoring for a frame; the `Select` scorers take them as their
+ * mask.
+ *
+ *  A table has one bit a Gaussian: position p of a row is the bit 128 >> (p % 8) of byte p / 8, so the most significant bit of a
+ * byte is the lowest position. Rows are row pointers, `stride` bytes long. `shift` is a bit offset: position 0 of a list is bit
+ * `shift` of a row, so that several calls fill fields of one wide row.
+ *
+ *  **Short lists** (`FillShortlist`) toggle bits; start from a table of zeros. Required: an index that stands twice in a group
+ * clears its bit again.
+ *  - `Row`: the indices are `height` groups of `count`; an index i of group r toggles bit shift + i of row r, 0 <= i < width.
+ *  - `RowVar`: the same, group r having counts[r] indices.
+ *  - `Column`: the indices are `width` groups of `count`; an index i of group c toggles bit shift + c of row i, 0 <= i < height.
+ *  - `ColumnVar`: the same, group c having counts[c] indices.
+ *
+ *  **Sign tables** (`BuildSignTable`) condense a table. The result is contiguous, (resultBits + 7) / 8 bytes a row, and zeroed
+ * first.
+ *  - qorsBuildSignTable_8u1u(): bit b of result row r is the OR of the bits shift + b of the source rows that the `count` indices
+ * of group r name.
+ *  - qorsBuildSignTable_Var_8u1u(), required: result row r looks at the first counts[r] indices of the whole list (not at a group
+ * of its own); if any of them names a source row with a bit set among shift to shift + resultBits - 1, the top bit of the first
+ * byte of result row r is set, and no other bit ever is.
+ *
+ *  Statuses, in order: null; any size, count or stride below 1, or shift below 0 (#qorStatusBadSize); in `RowVar` and `ColumnVar`
+ * an entry of counts below 1 (#qorStatusBadSize); a stride that does not hold shift + width (shift + resultBits) bits
+ *  (#qorStatusBadStride); in `BuildSignTable_Var` an entry of counts below 1; an index out of range (#qorStatusBadArgument), for
+ * which all indices are tested before anything is written.
+ *
+ *  Source of the method: Gaussian selection by short lists, Bocchieri, "Vector quantization for the efficient computation of
+ * continuous density likelihoods", ICASSP 1993. @{ */
+
+QORSR_API QorStatus qorsFillShortlist_Row_1u(const int32_t* indices, int32_t width, int32_t count, uint8_t* const* table,
+                                             int32_t height, int32_t stride, int32_t shift);
+QORSR_API QorStatus qorsFillShortlist_RowVar_1u(const int32_t* indices, const int32_t* counts, int32_t width, uint8_t* const* table,
+                                                int32_t height, int32_t stride, int32_t shift);
+QORSR_API QorStatus qorsFillShortlist_Column_1u(const int32_t* indices, int32_t count, uint8_t* const* table, int32_t height,
+                                                int32_t stride, int32_t shift, int32_t width);
+QORSR_API QorStatus qorsFillShortlist_ColumnVar_1u(const int32_t* indices, const int32_t* counts, uint8_t* const* table,
+                                                   int32_t height, int32_t stride, int32_t shift, int32_t width);
+QORSR_API QorStatus qorsBuildSignTable_8u1u(const int32_t* indices, int32_t count, const uint8_t* const* source,
+                                            int32_t sourceHeight, int32_t sourceStride, int32_t shift, uint8_t* result,
+                                            int32_t resultRows, int32_t resultBits);
+QORSR_API QorStatus qorsBuildSignTable_Var_8u1u(const int32_t* indices, const int32_t* counts, const uint8_t* const* source,
+                                                int32_t sourceHeight, int32_t sourceStride, int32_t shift, uint8_t* result,
+                                                int32_t resultRows, int32_t resultBits);
 /** @} */
 
 /* ================================ Feature extraction ================================ */
