@@ -114,6 +114,23 @@ TEST(LogAdd, TheFloorAppliesOnlyWhereTheSmallerTermIsDropped) {
   EXPECT_NEAR(d[1], -9100000000.0 + std::log(2.0), 2e-6);
 }
 
+TEST(LogAdd, ADifferenceAtTheThresholdStillCounts) {
+  const auto least = static_cast<float>(model::FloatRanges::drop);
+  const double leastDouble = model::DoubleRanges::drop;
+  const float zeros[2] = {0.0F, 0.0F};
+  const double wideZeros[2] = {0.0, 0.0};
+  for (const int32_t hint : {0, 1}) {
+    float b[2] = {least, std::nextafter(least, -100.0F)};
+    ASSERT_EQ(qorsLogAdd_32f(zeros, b, 2, hint), qorStatusOk);
+    EXPECT_GT(b[0], 1e-7F);
+    EXPECT_BITS(b[1], 0.0F);
+  }
+  double b[2] = {leastDouble, std::nextafter(leastDouble, -100.0)};
+  ASSERT_EQ(qorsLogAdd_64f(wideZeros, b, 2, 0), qorStatusOk);
+  EXPECT_GT(b[0], 9e-11);
+  EXPECT_BITS(b[1], 0.0);
+}
+
 TEST(LogAdd, EqualTermsGiveLogTwoMore) {
   const float a[1] = {-3.0F};
   for (const int32_t hint : {0, 1}) {
