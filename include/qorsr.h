@@ -852,6 +852,187 @@ QORSR_API QorStatus qorsEvalDeltaMul_16s_D2Sfs(int16_t* buffer, int32_t height, 
 
 /* ================================ Model estimation ================================ */
 
+/** @defgroup re_estimation Model re-estimation
+ *  New Gaussian parameters and mixture weights from accumulated statistics: the maximisation step of Baum-Welch training, and the
+ *  accumulation of moments that feeds it. Vectors have `length` elements; all arithmetic runs in the element type, each operation
+ *  rounded on its own.
+ *
+ *  **Means** (`UpdateMean`). destination[i] += source[i] / occupancy: with source the sum of occ (x - mean), the old mean becomes
+ *  the new one. float multiplies by the reciprocal, formed once; double divides. The destination is not cleared. It may overlap the
+ *  source: elements are then updated one by one, upwards.
+ *
+ *  **Variances** (`UpdateVar`). m = first[i] / firstOccupancy, v = second[i] / secondOccupancy - m^2, and destination[i] is v where
+ *  floors[i] < v, else floors[i]: a value equal to its floor, and a NaN, take the floor. float multiplies by reciprocals, double
+ *  divides. #qorStatusAllFloored when every element took its floor; all are written.
+ *
+ *  **Weights** (`UpdateWeight`). w = counts[i] * (1 / total), and destination[i] is w where floor < w, else the floor. sum: the sum
+ *  of the weights as stored, by which the caller normalises (nothing is normalised here). It runs in four lanes of float, element
+ *  4k + j in lane j, joined as (l0 + l2) + (l1 + l3), or in two lanes of double; up to three (one) last elements go to lane 0.
+ *  #qorStatusAllFloored when every weight is at the floor; all are written, the sum too.
+ *
+ *  **New variances** (`NewVar`). (squares[i] - means[i]^2 * a) * b, from sums with a and b the reciprocals of counts; no floor, no
+ *  clamp: a negative result is stored.
+ *  - `32f`: means[i]^2 is rounded to float, all else runs in double and is rounded once. The destination may overlap the sources:
+ *    elements are then computed one by one, upwards. `32f_I`, required: all in float, so the last bits of the two differ.
+ *  - `32s`: data are rounded to float, the formula runs in float, and the result is scaled by 2^-sf. required: with means and
+ *    squares on 16-byte boundaries it is rounded to nearest even, saturated, and a NaN gives 0; otherwise it is truncated, and a
+ *    NaN or a value out of range gives -2147483648.
+ *
+ *  **Moments** (`MeanVarAcc`). d = source[i] - mean[i], e = d * weight; accumulatedMean[i] += e, accumulatedVariance[i] += d * e.
+ *
+ *  **Covariances** (`AccCovarianceMatrix`). For each row in order, with d = row - mean: S[i][j] += d[i] * d[j] for j up to i, in
+ *  double (16-bit differences are exact, float ones are rounded to float). Then the lower triangle, diagonal included, is
+ *  multiplied by `factor`, and copied to the upper one. What stood in the lower triangle before is part of the sum and multiplied
+ *  too; what stood above is overwritten. Factor 1 keeps running sums over several calls. source: height rows of width elements;
+ *  result: width rows of width elements.
+ *
+ *  Statuses, in order:
+ *  - `UpdateMean`, `UpdateVar`, `UpdateWeight`: null; length below 1; any occupancy (total) negative, #qorStatusBadStatistic; any
+ *    occupancy of magnitude up to the smallest normal number, #qorStatusZeroOccupancy, a warning with nothing written. A NaN
+ * passes.
+ *  - `NewVar`, `MeanVarAcc`: null; length below 1.
+ *  - `AccCovarianceMatrix`: null; height or width below 1; a stride below width (`_D2`); #qorStatusNoMemory, for widths above 512.
+ *
+ *  Source of the method: L. R. Rabiner, "A Tutorial on Hidden Markov Models and Selected Applications in Speech Recognition",
+ *  Proc. IEEE 77 (1989); S. Young et al., The HTK Book, on variance floors and parameter updates. @{ */
+
+QORSR_API QorStatus qorsUpdateMean_32f(const float* source, float* destination, int32_t length, float occupancy);
+QORSR_API QorStatus qorsUpdateMean_64f(const double* source, double* destination, int32_t length, double occupancy);
+
+QORSR_API QorStatus qorsUpdateVar_32f(const float* first, const float* second, const float* floors, float* destination,
+                                      int32_t length, float firstOccupancy, float secondOccupancy);
+QORSR_API QorStatus qorsUpdateVar_64f(const double* first, const double* second, const double* floors, double* destination,
+                                      int32_t length, double firstOccupancy, double secondOccupancy);
+
+QORSR_API QorStatus qorsUpdateWeight_32f(const float* counts, float* destination, int32_t length, float* sum, float total,
+                                         float floor);
+QORSR_API QorStatus qorsUpdateWeight_64f(const double* counts, double* destination, int32_t length, double* sum, double total,
+                                         double floor);
+
+QORSR_API QorStatus qorsNewVar_32f(const float* means, const float* squares, float* destination, int32_t length, float a, float b);
+QORSR_API QorStatus qorsNewVar_32f_I(const float* means, float* squares, int32_t length, float a, float b);
+QORSR_API QorStatus qorsNewVar_32s_Sfs(const int32_t* means, const int32_t* squares, int32_t* destination, int32_t length, float a,
+                                       float b, int32_t scaleFactor);
+QORSR_API QorStatus qorsNewVar_32s_ISfs(const int32_t* means, int32_t* squares, int32_t length, float a, float b,
+                                        int32_t scaleFactor);
+
+QORSR_API QorStatus qorsMeanVarAcc_32f(const float* source, const float* mean, float* accumulatedMean, float* accumulatedVariance,
+                                       int32_t length, float weight);
+QORSR_API QorStatus qorsMeanVarAcc_64f(const double* source, const double* mean, double* accumulatedMean,
+                                       double* accumulatedVariance, int32_t length, double weight);
+
+QORSR_API QorStatus qorsAccCovarianceMatrix_16s64f_D2(const int16_t* source, int32_t sourceStride, int32_t height,
+                                                      const int16_t* mean, double* result, int32_t width, int32_t resultStride,
+                                                      double factor);
+QORSR_API QorStatus qorsAccCovarianceMatrix_16s64f_D2L(const int16_t* const* rows, int32_t height, const int16_t* mean,
+                                                       double* const* result, int32_t width, double factor);
+QORSR_API QorStatus qorsAccCovarianceMatrix_32f64f_D2(const float* source, int32_t sourceStride, int32_t height, const float* mean,
+                                                      double* result, int32_t width, int32_t resultStride, double factor);
+QORSR_API QorStatus qorsAccCovarianceMatrix_32f64f_D2L(const float* const* rows, int32_t height, const float* mean,
+                                                       double* const* result, int32_t width, double factor);
+/** @} */
+
+/** @defgroup gaussian_operations Gaussian distance, merging and splitting
+ *  Operations on pairs of diagonal Gaussians: mean vectors mx, my and variance vectors vx, vy (variances themselves, not inverted)
+ *  of n = `length` elements, with weights wx, wy, which are occupancies. det of a Gaussian is n log(2 pi) - sum of log v, with
+ *  log(2 pi) = 1.8378770664093.
+ *
+ *  **Pooling.** With W = wx + wy: m = (wx mx + wy my) / W and v = ((mx^2 + vx) wx + (my^2 + vy) wy) / W - m^2, in double (W is
+ *  added in the element type). Weights that sum to zero give infinities or NaN.
+ *
+ *  **Distance** (`GaussianDist`). The loss in log-likelihood (times two) when the pooled Gaussian takes the place of the pair:
+ *  result = wx det1 + wy det2 - W (n log(2 pi) - sum of log v). In `32f` the first two products and their sum are formed in float,
+ *  and the result is rounded to float.
+ *
+ *  **Merge** (`GaussianMerge`). mean and variance receive m and v, det receives n log(2 pi) - sum of log v.
+ *
+ *  **Split** (`GaussianSplit`). e = sqrt(variance) * factor; the first Gaussian's mean becomes mean + e, in place, the second's is
+ *  mean - e with a copy of the variance. required: `32f` computes e in float where all four vectors are on 16-byte boundaries,
+ *  otherwise in double, rounded to float. A negative variance gives a NaN.
+ *
+ *  **Bhattacharyya distance** (`BhatDist`). With s = vx + vy and d = mx - my: 1/4 sum of d^2 / s + 1/4 sum of log(s^2 / (vx vy)) -
+ *  1/4 n log 4, log 4 and log 2 taken as 1.386294 and 0.693147 (required). `SLog` members are given the sums of the logarithms of
+ *  both variance vectors, logs1 and logs2. `32f` sums d^2 / s in float, and forms s^2 / (vx vy) as 2 + u + 1 / u with u = (1 / vx)
+ *  vy; `32f64f` computes in double, with one logarithm for the product of four elements, and the term (logs1 + logs2) / 4 in float.
+ *
+ *  Warnings. A pooled variance of zero gives plus infinity in the result (in det) with #qorStatusLogZero, a negative one a NaN
+ *  with #qorStatusLogNegative; the first such element decides. qorsGaussianMerge_32f stops there, required: elements up to it are
+ *  written, later ones are not; qorsGaussianMerge_64f writes all elements. `BhatDist`, required: the same for elements of any of
+ *  the four vectors, the means too; elements are taken in groups of four, then one by one, and within the first group with such
+ *  an element a negative one decides before a zero. A NaN gives a NaN with #qorStatusOk, unless an element with a warning comes
+ *  before it (in `GaussianDist` below 13, in double 11, elements, and in qorsGaussianMerge_32f: wherever such an element stands).
+ *
+ *  Statuses, in order: `GaussianDist`, `GaussianMerge`, qorsGaussianSplit_32f: length below 1, then null; qorsGaussianSplit_64f,
+ *  `BhatDist`: null, then length. Nothing is allocated.
+ *
+ *  Source of the method: A. Bhattacharyya, "On a Measure of Divergence between Two Statistical Populations", Bull. Calcutta Math.
+ *  Soc. 35 (1943); S. Young and P. Woodland, "State Clustering in HMM-based Continuous Speech Recognition", Computer Speech and
+ *  Language 8 (1994), on likelihood loss; The HTK Book on splitting mixtures. @{ */
+
+QORSR_API QorStatus qorsGaussianDist_32f(const float* mean1, const float* variance1, const float* mean2, const float* variance2,
+                                         int32_t length, float* result, float weight1, float det1, float weight2, float det2);
+QORSR_API QorStatus qorsGaussianDist_64f(const double* mean1, const double* variance1, const double* mean2, const double* variance2,
+                                         int32_t length, double* result, double weight1, double det1, double weight2, double det2);
+
+QORSR_API QorStatus qorsGaussianMerge_32f(const float* mean1, const float* variance1, const float* mean2, const float* variance2,
+                                          float* mean, float* variance, int32_t length, float* det, float weight1, float weight2);
+QORSR_API QorStatus qorsGaussianMerge_64f(const double* mean1, const double* variance1, const double* mean2,
+                                          const double* variance2, double* mean, double* variance, int32_t length, double* det,
+                                          double weight1, double weight2);
+
+QORSR_API QorStatus qorsGaussianSplit_32f(float* mean, const float* variance, float* mean2, float* variance2, int32_t length,
+                                          float factor);
+QORSR_API QorStatus qorsGaussianSplit_64f(double* mean, const double* variance, double* mean2, double* variance2, int32_t length,
+                                          double factor);
+
+QORSR_API QorStatus qorsBhatDist_32f(const float* mean1, const float* variance1, const float* mean2, const float* variance2,
+                                     int32_t length, float* result);
+QORSR_API QorStatus qorsBhatDist_32f64f(const float* mean1, const float* variance1, const float* mean2, const float* variance2,
+                                        int32_t length, double* result);
+QORSR_API QorStatus qorsBhatDistSLog_32f(const float* mean1, const float* variance1, const float* mean2, const float* variance2,
+                                         int32_t length, float* result, float logs1, float logs2);
+QORSR_API QorStatus qorsBhatDistSLog_32f64f(const float* mean1, const float* variance1, const float* mean2, const float* variance2,
+                                            int32_t length, double* result, float logs1, float logs2);
+/** @} */
+
+/** @defgroup state_clustering Decision-tree state clustering
+ *  The log-likelihood of the pooled data of model states under one diagonal Gaussian, from sums alone: what a decision tree that
+ *  clusters states compares before and after each question.
+ *
+ *  **Statistics** (`DcsClustLAccumulate`). From the Gaussian and the occupancy of a state: sum[i] = mean[i] * occupancy, and
+ *  squares[i] = (1 / variance[i] + mean[i]^2) * occupancy, the variance given inverted; with `DirectVar` (mean[i]^2 + variance[i])
+ *  * occupancy. Despite the name the destinations are overwritten: pooling states is adding their sums, squares and occupancies,
+ *  which the caller does. required: with an inverted variance, a length of at least 8 and all four vectors on 16-byte boundaries,
+ *  squares[i] is (occupancy * mean) * mean plus, in float, (2 - v r) r * occupancy with r = 1 / v (by fours, and a last pair), in
+ *  double v2 q with q = occupancy / (v0 v2), one division for elements 0 and 2 (1 and 3; a last pair), so that a product of two
+ *  variances that overflows or underflows shows; a single last element: occupancy / v.
+ *
+ *  **Likelihood** (`DcsClustLCompute`). With N = occupancy, D = length and variances (N squares - sum^2) / N^2, in double:
+ *  result = -N/2 (D (1 + log 2 pi) + sum of log variances) = N/2 (D ((log N - 1 - log 2 pi) + log N) - sum of log d),
+ *  d = squares[i] * N - sum[i]^2.
+ *
+ *  Statuses, in order: null; length below 1; `DcsClustLCompute`: a negative occupancy, #qorStatusBadStatistic. Then warnings, with
+ *  the result written: an occupancy of exactly zero, -1.0e10 and #qorStatusZeroOccupancy; the first d that is zero, minus infinity
+ *  and #qorStatusLogZero, or negative, a NaN and #qorStatusLogNegative.
+ *
+ *  Source of the method: S. Young, J. Odell and P. Woodland, "Tree-based State Tying for High Accuracy Acoustic Modelling", ARPA
+ *  Human Language Technology Workshop (1994). @{ */
+
+QORSR_API QorStatus qorsDcsClustLAccumulate_32f(const float* mean, const float* variance, float* sum, float* squares,
+                                                int32_t length, float occupancy);
+QORSR_API QorStatus qorsDcsClustLAccumulate_64f(const double* mean, const double* variance, double* sum, double* squares,
+                                                int32_t length, double occupancy);
+QORSR_API QorStatus qorsDcsClustLAccumulate_DirectVar_32f(const float* mean, const float* variance, float* sum, float* squares,
+                                                          int32_t length, float occupancy);
+QORSR_API QorStatus qorsDcsClustLAccumulate_DirectVar_64f(const double* mean, const double* variance, double* sum, double* squares,
+                                                          int32_t length, double occupancy);
+
+QORSR_API QorStatus qorsDcsClustLCompute_32f64f(const float* sum, const float* squares, int32_t length, double* result,
+                                                float occupancy);
+QORSR_API QorStatus qorsDcsClustLCompute_64f(const double* sum, const double* squares, int32_t length, double* result,
+                                             double occupancy);
+/** @} */
+
 /* ================================ Matching and decomposition ================================ */
 
 /** @defgroup dtw Dynamic time warping

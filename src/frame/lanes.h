@@ -182,6 +182,30 @@ inline bool allLess(V x, V y) {
   }
 }
 
+// Whether any lane of a comparison's result holds.
+template <class V>
+inline bool anyHolds(V mask) {
+#if defined(__SSE3__)
+  if constexpr (sizeof(V) == 16) return _mm_movemask_epi8(std::bit_cast<__m128i>(mask)) != 0;
+#endif
+#if defined(__AVX2__)
+  if constexpr (sizeof(V) == 32) return _mm256_movemask_epi8(std::bit_cast<__m256i>(mask)) != 0;
+#endif
+#if defined(__AVX512F__)
+  if constexpr (sizeof(V) == 64) {
+    const auto all = std::bit_cast<__m512i>(mask);
+    return _mm512_test_epi64_mask(all, all) != 0;
+  }
+#endif
+  if constexpr (std::is_integral_v<V>) {
+    return mask != 0;
+  } else {
+    bool any = false;
+    for (std::size_t i = 0; i < sizeof(V) / sizeof(mask[0]); ++i) any |= mask[i] != 0;
+    return any;
+  }
+}
+
 // Lanes 0 to W - 1 of v (or, Upper, lanes W to 2W - 1) as doubles, exact.
 template <int W, bool Upper, class V>
 inline Vector<double, W> widenHalf(V v) {
@@ -400,6 +424,11 @@ struct Lanes {
     Lanes v;
     for (int i = 0; i < kParts; ++i) v.part[i] = x.part[i] < y.part[i] ? a.part[i] : b.part[i];
     return v;
+  }
+  friend bool anyLess(const Lanes& x, const Lanes& y) {
+    auto any = x.part[0] < y.part[0];
+    for (int i = 1; i < kParts; ++i) any |= x.part[i] < y.part[i];
+    return native::anyHolds(any);
   }
   friend bool allLess(const Lanes& x, const Lanes& y) {
     bool all = true;
