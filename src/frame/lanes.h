@@ -108,6 +108,14 @@ inline V max(V a, V b) {
 inline float sqrt(float a) { return __builtin_sqrtf(a); }
 inline double sqrt(double a) { return __builtin_sqrt(a); }
 
+inline int32_t truncated(float a) { return a >= -2147483648.0F && a < 2147483648.0F ? static_cast<int32_t>(a) : INT32_MIN; }
+template <class V>
+inline auto truncated(V a) {
+  Vector<int32_t, sizeof(V) / sizeof(float)> v;
+  for (std::size_t i = 0; i < sizeof(V) / sizeof(float); ++i) v[i] = truncated(a[i]);
+  return v;
+}
+
 // int16 to 32-bit lanes: SSE3 has no widening load, so the low halves are interleaved and shifted down.
 template <int W>
 inline Vector<int32_t, W> widenInt16(const int16_t* p) {
@@ -509,14 +517,7 @@ inline Lanes<float, N> narrow(const Lanes<double, N>& a) {
 template <int N>
 inline Lanes<int32_t, N> truncated(const Lanes<float, N>& a) {
   Lanes<int32_t, N> v;
-  for (int i = 0; i < v.kParts; ++i) {
-    if constexpr (v.kPart > 1) {
-      v.part[i] = native::truncated(a.part[i]);
-    } else {
-      const float x = a.part[i];
-      v.part[i] = x >= -2147483648.0F && x < 2147483648.0F ? static_cast<int32_t>(x) : INT32_MIN;
-    }
-  }
+  for (int i = 0; i < v.kParts; ++i) v.part[i] = native::truncated(a.part[i]);
   return v;
 }
 
