@@ -1,7 +1,7 @@
 // Accumulation of covariance matrices: bits against the plain model, what stood before, faults, scratch.
 #include <gtest/gtest.h>
 
-#include <cmath>
+#include <limits>
 
 #include "kit/compare.h"
 #include "kit/core.h"
@@ -86,7 +86,7 @@ TEST(AccCovarianceMatrix, FloatDifferencesAreRoundedToFloat) {
 
 TEST(AccCovarianceMatrix, WhatStoodBelowIsScaledTooAndWhatStoodAboveIsLost) {
   const float row[2] = {2.0F, 3.0F}, mean[2] = {};
-  double s[4] = {100.0, NAN, 200.0, 300.0};
+  double s[4] = {100.0, std::numeric_limits<double>::quiet_NaN(), 200.0, 300.0};
   for (int call = 0; call < 2; ++call) {
     ASSERT_EQ(qorsAccCovarianceMatrix_32f64f_D2(row, 2, 1, mean, s, 2, 2, 0.5), qorStatusOk);
   }
