@@ -9,7 +9,7 @@
 //   Joins add in the order that their names say. Nothing is contracted, nothing reassociated.
 //   A Tail reads and writes its first n elements only; lanes beyond hold the fill value.
 //
-// This is the one file that knows the instruction level.
+// This file and short_lanes.h (verbs of 16-bit lanes) are the only ones that know the instruction level.
 #pragma once
 
 #include <bit>
@@ -108,14 +108,6 @@ inline V max(V a, V b) {
 inline float sqrt(float a) { return __builtin_sqrtf(a); }
 inline double sqrt(double a) { return __builtin_sqrt(a); }
 
-inline int32_t truncated(float a) { return a >= -2147483648.0F && a < 2147483648.0F ? static_cast<int32_t>(a) : INT32_MIN; }
-template <class V>
-inline auto truncated(V a) {
-  Vector<int32_t, sizeof(V) / sizeof(float)> v;
-  for (std::size_t i = 0; i < sizeof(V) / sizeof(float); ++i) v[i] = truncated(a[i]);
-  return v;
-}
-
 // int16 to 32-bit lanes: SSE3 has no widening load, so the low halves are interleaved and shifted down.
 template <int W>
 inline Vector<int32_t, W> widenInt16(const int16_t* p) {
@@ -187,30 +179,6 @@ inline bool allLess(V x, V y) {
     bool all = true;
     for (std::size_t i = 0; i < sizeof(V) / sizeof(x[0]); ++i) all &= x[i] < y[i];
     return all;
-  }
-}
-
-// Whether any lane of a comparison's result holds.
-template <class V>
-inline bool anyHolds(V mask) {
-#if defined(__SSE3__)
-  if constexpr (sizeof(V) == 16) return _mm_movemask_epi8(std::bit_cast<__m128i>(mask)) != 0;
-#endif
-#if defined(__AVX2__)
-  if constexpr (sizeof(V) == 32) return _mm256_movemask_epi8(std::bit_cast<__m256i>(mask)) != 0;
-#endif
-#if defined(__AVX512F__)
-  if constexpr (sizeof(V) == 64) {
-    const auto all = std::bit_cast<__m512i>(mask);
-    return _mm512_test_epi64_mask(all, all) != 0;
-  }
-#endif
-  if constexpr (std::is_integral_v<V>) {
-    return mask != 0;
-  } else {
-    bool any = false;
-    for (std::size_t i = 0; i < sizeof(V) / sizeof(mask[0]); ++i) any |= mask[i] != 0;
-    return any;
   }
 }
 
@@ -323,6 +291,40 @@ class ThreeWay {
   I index_, high_;
 };
 
+// The first n < W of W numbers at p, zeros behind them.
+template <int W>
+inline Vector<int16_t, W> firstShorts(const int16_t* p, int n) {
+#if defined(__AVX512BW__) && defined(__AVX512VL__)
+  const uint32_t mask = (1u << n) - 1u;
+  if constexpr (W == 8) return Vector<int16_t, 8>(_mm_maskz_loadu_epi16(static_cast<__mmask8>(mask), p));
+  if constexpr (W == 16) return Vector<int16_t, 16>(_mm256_maskz_loadu_epi16(static_cast<__mmask16>(mask), p));
+  if constexpr (W == 32) return Vector<int16_t, 32>(_mm512_maskz_loadu_epi16(mask, p));
+#elif defined(__SSE3__)
+  if constexpr (W == 8) {  // overlapping loads of a half, shifted: no loop over elements
+    uint64_t lower = 0, upper = 0;
+    if (n >= 4) {
+      std::memcpy(&lower, p, 8);
+      if (n > 4) std::memcpy(&upper, p + n - 4, 8), upper >>= 16 * (8 - n);
+    } else if (n >= 2) {
+      uint32_t first, last;
+      std::memcpy(&first, p, 4);
+      std::memcpy(&last, p + n - 2, 4);
+      lower = first | uint64_t{last} >> (16 * (4 - n)) << 32;
+    } else if (n == 1) {
+      lower = static_cast<uint16_t>(*p);
+    }
+    return Vector<int16_t, 8>(Vector<uint64_t, 2>{lower, upper});
+  } else if constexpr (W == 16) {
+    const auto lower = n >= 8 ? load<Vector<int16_t, 8>>(p) : firstShorts<8>(p, n);
+    const auto upper = n > 8 ? firstShorts<8>(p + 8, n - 8) : Vector<int16_t, 8>{};
+    return __builtin_shufflevector(lower, upper, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
+  }
+#endif
+  Vector<int16_t, W> v{};
+  for (int i = 0; i < n; ++i) v[i] = p[i];
+  return v;
+}
+
 }  // namespace native
 
 template <class T, int N>
@@ -413,30 +415,12 @@ struct Lanes {
   friend Lanes sqrt(const Lanes& a) {
     return each(a, [](Part x) { return Part(native::sqrt(x)); });
   }
-  // Arithmetic for signed lanes; `count` from 0 to the width - 1.
-  friend Lanes operator>>(const Lanes& a, int count) {
-    return each(a, [=](Part x) { return Part(x >> static_cast<T>(count)); });
-  }
-  // By a scale factor: shiftByScale() of bits.h, lane by lane.
-  friend Lanes shiftByScale(const Lanes& a, int64_t scaleFactor) {
-    constexpr int kLast = 8 * static_cast<int>(sizeof(T)) - 1;
-    using U = native::Vector<std::make_unsigned_t<T>, kPart>;
-    if (scaleFactor >= 0) return a >> static_cast<int>(scaleFactor < kLast ? scaleFactor : kLast);
-    if (scaleFactor < -kLast) return Lanes(T(0));
-    const auto count = static_cast<std::make_unsigned_t<T>>(-scaleFactor);
-    return each(a, [=](Part x) { return Part(U(std::bit_cast<U>(x) << count)); });
-  }
 
   // x < y ? a : b, lane by lane: a NaN in x or y gives b.
   friend Lanes selectLess(const Lanes& x, const Lanes& y, const Lanes& a, const Lanes& b) {
     Lanes v;
     for (int i = 0; i < kParts; ++i) v.part[i] = x.part[i] < y.part[i] ? a.part[i] : b.part[i];
     return v;
-  }
-  friend bool anyLess(const Lanes& x, const Lanes& y) {
-    auto any = x.part[0] < y.part[0];
-    for (int i = 1; i < kParts; ++i) any |= x.part[i] < y.part[i];
-    return native::anyHolds(any);
   }
   friend bool allLess(const Lanes& x, const Lanes& y) {
     bool all = true;
@@ -513,14 +497,6 @@ inline Lanes<float, N> narrow(const Lanes<double, N>& a) {
   return v;
 }
 
-// Floats to integers, toward zero; a NaN or a value out of range gives the most negative one.
-template <int N>
-inline Lanes<int32_t, N> truncated(const Lanes<float, N>& a) {
-  Lanes<int32_t, N> v;
-  for (int i = 0; i < v.kParts; ++i) v.part[i] = native::truncated(a.part[i]);
-  return v;
-}
-
 // ---- Three ways ----
 
 // Picks one of three numbers in each lane: the first where x > high, else the second where x > low, else the third (a NaN in x
@@ -580,6 +556,16 @@ inline T joinHalves(const Lanes<T, N>& a) {
   }
 }
 
+// The lanes joined by halves until M are left.
+template <int M, class T, int N>
+inline Lanes<T, M> joinedTo(const Lanes<T, N>& a) {
+  if constexpr (N == M) {
+    return a;
+  } else {
+    return joinedTo<M>(lowerHalf(a) + upperHalf(a));
+  }
+}
+
 // Sum of four lanes, neighbours first: (l0+l1) + (l2+l3).
 template <class T>
 inline T joinNeighbours(const Lanes<T, 4>& a) {
@@ -607,15 +593,21 @@ inline Turned turn4(const Lanes<float, 4>& a, const Lanes<float, 4>& b, const La
 }
 
 // The halves-join of four lane sets at once: lane i of the result is joinHalves of set i.
-template <int N>
-inline Lanes<float, 4> joinHalves4(const Lanes<float, N>& a, const Lanes<float, N>& b, const Lanes<float, N>& c,
-                                   const Lanes<float, N>& d) {
-  if constexpr (N == 4) {
-    const Turned t = turn4(a, b, c, d);
-    return (t.lane[0] + t.lane[2]) + (t.lane[1] + t.lane[3]);
-  } else {
+template <class T, int N>
+inline Lanes<T, 4> joinHalves4(const Lanes<T, N>& a, const Lanes<T, N>& b, const Lanes<T, N>& c, const Lanes<T, N>& d) {
+  if constexpr (N > 4) {
     return joinHalves4(lowerHalf(a) + upperHalf(a), lowerHalf(b) + upperHalf(b), lowerHalf(c) + upperHalf(c),
                        lowerHalf(d) + upperHalf(d));
+  } else if constexpr (sizeof(T) == 8) {
+    return Lanes<T, 4>::of(joinHalves(a), joinHalves(b), joinHalves(c), joinHalves(d));
+  } else {
+    const auto first = [](auto x, auto y) { return __builtin_shufflevector(x, y, 0, 4, 1, 5); };   // x0 y0 x1 y1
+    const auto second = [](auto x, auto y) { return __builtin_shufflevector(x, y, 2, 6, 3, 7); };  // x2 y2 x3 y3
+    const auto ab = first(a.part[0], b.part[0]) + second(a.part[0], b.part[0]);
+    const auto cd = first(c.part[0], d.part[0]) + second(c.part[0], d.part[0]);
+    Lanes<T, 4> v;
+    v.part[0] = __builtin_shufflevector(ab, cd, 0, 1, 4, 5) + __builtin_shufflevector(ab, cd, 2, 3, 6, 7);
+    return v;
   }
 }
 
@@ -778,49 +770,6 @@ inline Lanes<int32_t, N / 2> pairDots(const Lanes<int16_t, N>& a, const Lanes<in
   return v;
 }
 
-// int16 lanes widened: the lower half of them, and the upper half.
-template <int N>
-inline Lanes<int32_t, N / 2> lowerWidened(const Lanes<int16_t, N>& a) {
-  return std::bit_cast<Lanes<int32_t, N / 2>>(interleaveLower(Lanes<int16_t, N>(0), a)) >> 16;
-}
-template <int N>
-inline Lanes<int32_t, N / 2> upperWidened(const Lanes<int16_t, N>& a) {
-  return std::bit_cast<Lanes<int32_t, N / 2>>(interleaveUpper(Lanes<int16_t, N>(0), a)) >> 16;
-}
-
-// Two halves in one, each lane limited to 16 bits.
-template <int N>
-inline Lanes<int16_t, 2 * N> saturated(const Lanes<int32_t, N>& lower, const Lanes<int32_t, N>& upper) {
-  Lanes<int16_t, 2 * N> v;
-  static_assert(v.kParts == 1);
-  using Part [[maybe_unused]] = typename Lanes<int16_t, 2 * N>::Part;
-#if defined(__AVX512BW__)
-  if constexpr (N == 16) {
-    const __m512i pairs = _mm512_packs_epi32(__m512i(lower.part[0]), __m512i(upper.part[0]));  // in order within 128 bits
-    v.part[0] = Part(_mm512_permutexvar_epi64(_mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7), pairs));
-    return v;
-  }
-#endif
-#if defined(__AVX2__)
-  if constexpr (N == 8) {
-    const __m256i pairs = _mm256_packs_epi32(__m256i(lower.part[0]), __m256i(upper.part[0]));
-    v.part[0] = Part(_mm256_permute4x64_epi64(pairs, 0xD8));
-    return v;
-  }
-#endif
-#if defined(__SSE3__)
-  if constexpr (N == 4) {
-    v.part[0] = Part(_mm_packs_epi32(__m128i(lower.part[0]), __m128i(upper.part[0])));
-    return v;
-  }
-#endif
-  for (int i = 0; i < 2 * N; ++i) {
-    const int32_t x = i < N ? lower.part[0][i] : upper.part[0][i - N];
-    v.part[0][i] = static_cast<int16_t>(x < INT16_MIN ? INT16_MIN : x > INT16_MAX ? INT16_MAX : x);
-  }
-  return v;
-}
-
 // Lanes taken as unsigned and widened: the lower half of them, and the upper half.
 template <int N>
 inline Lanes<int64_t, N / 2> lowerUnsigned(const Lanes<int32_t, N>& a) {
@@ -859,6 +808,13 @@ class Tail {
     return v;
   }
 
+  // Calls f(part) for each native register that holds one of the n elements: `part.kIndex` says which of Lanes::part it is, and
+  // `part.load(p)` loads what belongs in it, zeros (or `fill`) behind the end. Registers beyond the end cost nothing.
+  template <class F>
+  [[gnu::always_inline]] void forParts(F f) const {
+    forPartsFrom<0>(f);
+  }
+
   void store(const Lanes<T, N>& v, T* p) const {
     T all[N];
     v.store(all);
@@ -869,8 +825,35 @@ class Tail {
   using Part = typename Lanes<T, N>::Part;
   static constexpr int kPart = Lanes<T, N>::kPart;
 
+  template <int Index>
+  struct PartOfTail {
+    static constexpr int kIndex = Index;
+    int n;
+
+    Part load(const T* p, T fill = T(0)) const { return loadPart(p + Index * kPart, n - Index * kPart, fill); }
+    // Numbers of another type, widened.
+    template <class From>
+    Part load(const From* p, T fill = T(0)) const {
+      T all[kPart];
+      for (int i = 0; i < kPart; ++i) all[i] = Index * kPart + i < n ? static_cast<T>(p[Index * kPart + i]) : fill;
+      return native::load<Part>(all);
+    }
+  };
+
+  template <int Index, class F>
+  [[gnu::always_inline]] void forPartsFrom(F& f) const {
+    if constexpr (Index < Lanes<T, N>::kParts) {
+      if (n_ <= Index * kPart) return;
+      f(PartOfTail<Index>{n_});
+      forPartsFrom<Index + 1>(f);
+    }
+  }
+
   static Part loadPart(const T* p, int n, T fill) {
     if (n >= kPart) return native::load<Part>(p);
+    if constexpr (std::is_same_v<T, int16_t> && kPart >= 8) {
+      if (fill == 0) return native::firstShorts<kPart>(p, n < 0 ? 0 : n);
+    }
 #if defined(__AVX512VL__)
     if constexpr (std::is_same_v<T, float> && kPart == 16) {
       return _mm512_mask_loadu_ps(fill - Part{}, static_cast<__mmask16>((1u << (n > 0 ? n : 0)) - 1u), p);

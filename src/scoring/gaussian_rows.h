@@ -1,0 +1,93 @@
+// What a Gaussian scorer reads: feature vectors, means and variances, each a matrix or one row that serves every score.
+//
+// A scorer forms one quadratic sum for each r: over x[r], m[r] and v[r]. Block scorers have rows of x and one Gaussian, mixture
+// scorers one x and rows of Gaussians, single-frame scorers one of each.
+#pragma once
+
+#include <cstddef>
+#include <type_traits>
+
+#include "frame/checks.h"
+#include "frame/rows.h"
+
+namespace qorsr {
+
+// One row for every r.
+template <class T>
+struct SharedRow {
+  const T* row;
+
+  const T* operator[](std::ptrdiff_t) const { return row; }
+};
+template <class T>
+SharedRow(const T*) -> SharedRow<T>;
+
+// The variance of an identity covariance: nothing to read.
+struct UnitRow {
+  friend UnitRow operator+(UnitRow, std::ptrdiff_t) { return {}; }
+};
+struct UnitRows {
+  UnitRow operator[](std::ptrdiff_t) const { return {}; }
+};
+
+// A row of variances that are divided by, not multiplied with.
+template <class T>
+struct DivisorRow {
+  const T* row;
+
+  friend DivisorRow operator+(DivisorRow a, std::ptrdiff_t offset) { return {a.row + offset}; }
+};
+template <class T>
+struct DivisorRows {
+  const T* row;
+
+  DivisorRow<T> operator[](std::ptrdiff_t) const { return {row}; }
+};
+template <class T>
+DivisorRows(const T*) -> DivisorRows<T>;
+
+template <class T>
+bool isNull(const SharedRow<T>& rows) {
+  return rows.row == nullptr;
+}
+inline bool isNull(const UnitRows&) { return false; }
+template <class T>
+bool isNull(const DivisorRows<T>& rows) {
+  return rows.row == nullptr;
+}
+
+// Means and variances, or inverse variances, of one Gaussian or many.
+template <class Means, class Variances>
+struct Gaussians {
+  Means mean;
+  Variances variance;
+};
+template <class Means, class Variances>
+Gaussians(Means, Variances) -> Gaussians<Means, Variances>;
+
+// One Gaussian for every r.
+template <class T, class V>
+auto diagonal(const T* mean, const V* variance) {
+  return Gaussians{SharedRow{mean}, SharedRow{variance}};
+}
+template <class T>
+auto identity(const T* mean) {
+  return Gaussians{SharedRow{mean}, UnitRows{}};
+}
+
+// The rows behind the first `count`.
+template <class T>
+StridedRows<T> skipRows(const StridedRows<T>& rows, std::ptrdiff_t count) {
+  return {rows[count], rows.stride};
+}
+template <class T>
+ListedRows<T> skipRows(const ListedRows<T>& rows, std::ptrdiff_t count) {
+  return {rows.list + count};
+}
+template <class T>
+SharedRow<T> skipRows(const SharedRow<T>& rows, std::ptrdiff_t) {
+  return rows;
+}
+inline UnitRows skipRows(const UnitRows& rows, std::ptrdiff_t) { return rows; }
+
+}  // namespace qorsr

@@ -1,0 +1,84 @@
+// One feature vector against one Gaussian: log likelihood, or the bare distance.
+//
+// Three forms have a body of their own: variances that are divided by, block-diagonal inverse covariances (block_diagonal.h), and
+// the 16-bit distance with an integer result.
+#pragma once
+
+#include <cstdint>
+
+#include "frame/bits.h"
+#include "frame/convert.h"
+#include "frame/memory.h"
+#include "scoring/block_diagonal.h"
+#include "scoring/scores.h"
+
+namespace qorsr {
+
+template <class Score, class T, class Variances, class Val, class Result>
+QorStatus scoreOne(Score score, const T* x, Gaussians<SharedRow<T>, Variances> gaussian, int32_t length, Result* result, Val val) {
+  if (QorStatus bad = Checks().null(x, gaussian.mean, gaussian.variance, result).size(length)) return bad;
+  withArithmetic(score, [&](const auto& decided) {
+    *result = decided(quadraticSum(decided.sums(), SharedRow{x}, gaussian.mean, gaussian.variance, length), val);
+  });
+  return qorStatusOk;
+}
+
+// ---- Variances, not their inverses ----
+
+template <class T>
+bool anyZero(const T* values, int32_t length) {
+  bool zero = false;
+  for (int32_t i = 0; i < length; ++i) zero |= values[i] == T(0);
+  return zero;
+}
+
+// The reciprocals of the variances are formed first, in float. `finish(sum)` stores the result. A zero variance is a warning.
+template <class T, class Result, class Finish>
+QorStatus scoreByReciprocals(const T* x, const T* mean, const T* variance, int32_t length, Result* result, const Finish& finish) {
+  if (QorStatus bad = Checks().null(x, mean, variance, result).size(length)) return bad;
+  const Scratch<float> reciprocals(length);
+  if (!reciprocals) return qorStatusNoMemory;
+  for (int32_t i = 0; i < length; ++i) reciprocals[i] = 1.0F / static_cast<float>(variance[i]);
+  const float* inverse = reciprocals.get();
+  *result = finish(quadraticSum(RealSums<float>(), SharedRow{x}, SharedRow{mean}, SharedRow{inverse}, length));
+  return anyZero(variance, length) ? qorStatusDivideByZero : qorStatusOk;
+}
+
+// True divisions, in double. `refuse`: required of float data, a zero variance leaves the result alone.
+template <class T>
+QorStatus scoreByDivision(const T* x, const T* mean, const T* variance, int32_t length, double* result, double val, bool refuse) {
+  if (QorStatus bad = Checks().null(x, mean, variance, result).size(length)) return bad;
+  if (refuse && anyZero(variance, length)) return qorStatusDivideByZero;
+  *result =
+      PlainScore<double>()(quadraticSum(RealSums<double>(), SharedRow{x}, SharedRow{mean}, DivisorRows{variance}, length), val);
+  return qorStatusOk;
+}
+
+// val - (the sum, scaled and rounded to 32 bits), limited.
+inline int32_t subtractConverted(float sum, int32_t val, int32_t scaleFactor) {
+  int32_t scaled;
+  qorConvert_32f32s_Sfs(&sum, &scaled, 1, kNearestEven, scaleFactor == INT32_MAX ? scaleFactor : scaleFactor + 1);
+  return saturate<int32_t>(int64_t{val} - scaled);
+}
+
+// ---- 16-bit distance as an integer ----
+
+// required: two roads. With all vectors aligned the float sum, limited and rounded, and no scale factor at all; else the exact sum,
+// shifted by the scale factor and saturated.
+inline QorStatus distanceScaled(const int16_t* x, const int16_t* mean, const int16_t* variance, int32_t length, int32_t* result,
+                                int32_t scaleFactor) {
+  if (QorStatus bad = Checks().null(x, mean, variance, result).size(length)) return bad;
+  if (isAligned16(x) && isAligned16(mean) && isAligned16(variance)) {
+    *result = limitAndRoundAsCaller(quadraticSum(ShortSums(), SharedRow{x}, SharedRow{mean}, SharedRow{variance}, length));
+    return qorStatusOk;
+  }
+  int64_t sum = 0;
+  for (int32_t i = 0; i < length; ++i) {
+    const int64_t d = x[i] - mean[i];
+    sum = wrapAdd(sum, d * d * variance[i]);
+  }
+  *result = saturate<int32_t>(shiftByScale(sum, scaleFactor));
+  return qorStatusOk;
+}
+
+}  // namespace qorsr
