@@ -258,6 +258,64 @@ QORSR_API QorStatus qorsAddMulRow_64f(const double* source, double* destination,
 
 /* ================================ Acoustic scoring ================================ */
 
+/** @defgroup log_arithmetic Log-domain arithmetic
+ *  Addition, subtraction and sum of probabilities that are held as natural logarithms.
+ *
+ *  **Addition** (`LogAdd`). result[i] = log(exp(source[i]) + exp(result[i])) = hi + log(1 + exp(d)), hi the larger term, d = -|a -
+ * b|. No exponential and no logarithm is called: log(1 + exp(d)) is a polynomial on each of three ranges of d. Below a threshold
+ * the smaller term is dropped; then, and only then, a hi below the floor is raised to it.
+ *
+ *  |        | ranges of d end at | degree | smaller term dropped below  | floor: a hi below                  |
+ *  |--------|--------------------|--------|-----------------------------|------------------------------------|
+ *  | float  | 0, -2.55, -6.8     | 10     | -15.3196 (it adds 2.3e-7)   | -4500000 gives -4500000            |
+ *  | double | 0, -3.5, -9        | 21     | -23.0259 (it adds 1.0e-10)  | -9000000000 gives -10000000000     |
+ *
+ *  The hint chooses the form: in float 0 and 2 evaluate the polynomial in double and round once (the accurate form), 1 evaluates it
+ *  in float (the fast form); in double 0, 1 and 2 are alike. Required: any other hint does nothing and gives #qorStatusOk.
+ *
+ *  Largest error, measured against log1p(exp(d)) in extended precision at 4000001 points of d from 0 to the threshold, hi = 0:
+ *  float polynomials 4.6e-9 in themselves, 3.2e-8 with the one rounding to float (half a unit in the last place); the fast form
+ *  1.6e-7; double 5.3e-15 (in `LogSum`, which evaluates even and odd powers apart, 3.8e-14). To these comes the rounding of hi + P.
+ *
+ *  **Subtraction** (`LogSub`). result[i] = log(exp(a) - exp(b)) = a + log(1 - exp(b - a)), a = source[i], b = result[i], with the C
+ *  library's exp and log in double. Every b must be below its a: where b - a is not negative, equal terms and NaN too, the call
+ * gives #qorStatusBadRange and writes nothing. With b - a below the drop threshold the result is a, raised to the floor; where 1 -
+ * exp(d) is at most 1.0057e-37 (double: 2.45e-308), it is the floor.
+ *
+ *  **Sum** (`LogSum`). *result = log of the sum of exp(source[i]), by the fast form in float. Four lanes (two in double) take every
+ *  fourth (second) element when there are at least 8 (5) of them, lane i is added to lane i + 2 (i + 1) and so on, and what remains
+ *  is added one by one from the left. One element is copied. The hint is accepted and not read.
+ *
+ *  **Fixed point** (`Sfs`): real value = integer * 2^-scaleFactor. `LogAdd` goes through float and truncates toward zero, with
+ *  saturation; with an unknown hint the result still takes that road and may lose the bits that a float has no room for (required).
+ *  `LogSum` of 2 to 6 elements runs in double and rounds to float after each step, a longer one in float in chunks of 128, what was
+ *  summed so far standing in front of the next chunk; the result is truncated, with saturation. `LogSub` forms d in float, scaled,
+ *  from differences of the integers (which wrap in 32 bits where they are tested), but adds log(1 - exp(d)) to the integer a as it
+ *  stands, unscaled (required); the sum is limited to 32 bits and truncated, and a 16-bit result is the low half of that.
+ *
+ *  A NaN term gives a NaN, and so do two equal infinities; in fixed point, where one can arise from an extreme scale factor, 0.
+ *
+ *  Statuses, in order: length below 1; null; #qorStatusBadRange (`LogSub`).
+ *
+ *  Source of the method: the log-sum rule of hidden Markov models, as in Rabiner, "A Tutorial on Hidden Markov Models and Selected
+ *  Applications in Speech Recognition", Proceedings of the IEEE 77 (1989). @{ */
+
+QORSR_API QorStatus qorsLogAdd_32f(const float* source, float* result, int32_t length, int32_t hint);
+QORSR_API QorStatus qorsLogAdd_64f(const double* source, double* result, int32_t length, int32_t hint);
+QORSR_API QorStatus qorsLogAdd_16s_Sfs(const int16_t* source, int16_t* result, int32_t length, int32_t scaleFactor, int32_t hint);
+QORSR_API QorStatus qorsLogAdd_32s_Sfs(const int32_t* source, int32_t* result, int32_t length, int32_t scaleFactor, int32_t hint);
+
+QORSR_API QorStatus qorsLogSub_32f(const float* source, float* result, int32_t length);
+QORSR_API QorStatus qorsLogSub_64f(const double* source, double* result, int32_t length);
+QORSR_API QorStatus qorsLogSub_16s_Sfs(const int16_t* source, int16_t* result, int32_t length, int32_t scaleFactor);
+QORSR_API QorStatus qorsLogSub_32s_Sfs(const int32_t* source, int32_t* result, int32_t length, int32_t scaleFactor);
+
+QORSR_API QorStatus qorsLogSum_32f(const float* source, float* result, int32_t length, int32_t hint);
+QORSR_API QorStatus qorsLogSum_64f(const double* source, double* result, int32_t length, int32_t hint);
+QORSR_API QorStatus qorsLogSum_16s_Sfs(const int16_t* source, int16_t* result, int32_t length, int32_t scaleFactor, int32_t hint);
+QORSR_API QorStatus qorsLogSum_32s_Sfs(const int32_t* source, int32_t* result, int32_t length, int32_t scaleFactor, int32_t hint);
+/** @} */
+
 /** @defgroup model_preparation Model preparation
  *  What a model goes through before it is scored with: the constant of each Gaussian, block-diagonal inverse covariances, and the
  *  scale of a decoder's language model.
@@ -316,6 +374,53 @@ QORSR_API QorStatus qorsBlockDMatrixFree_64f(BlockDMatrix_64f* record);
 QORSR_API QorStatus qorsScaleLM_32f(const float* source, float* result, int32_t length, float floor, float scale, float offset);
 QORSR_API QorStatus qorsScaleLM_16s32s(const int16_t* source, int32_t* result, int32_t length, int16_t floor, int16_t scale,
                                        int32_t offset);
+/** @} */
+
+/** @defgroup gaussian_selection Gaussian selection
+ *  Bit tables that say which Gaussians of a large model are worth scoring for a frame; the `Select` scorers take them as their
+ * mask.
+ *
+ *  A table has one bit a Gaussian: position p of a row is the bit 128 >> (p % 8) of byte p / 8, so the most significant bit of a
+ * byte is the lowest position. Rows are row pointers, `stride` bytes long. `shift` is a bit offset: position 0 of a list is bit
+ * `shift` of a row, so that several calls fill fields of one wide row.
+ *
+ *  **Short lists** (`FillShortlist`) toggle bits; start from a table of zeros. Required: an index that stands twice in a group
+ * clears its bit again.
+ *  - `Row`: the indices are `height` groups of `count`; an index i of group r toggles bit shift + i of row r, 0 <= i < width.
+ *  - `RowVar`: the same, group r having counts[r] indices.
+ *  - `Column`: the indices are `width` groups of `count`; an index i of group c toggles bit shift + c of row i, 0 <= i < height.
+ *  - `ColumnVar`: the same, group c having counts[c] indices.
+ *
+ *  **Sign tables** (`BuildSignTable`) condense a table. The result is contiguous, (resultBits + 7) / 8 bytes a row, and zeroed
+ * first.
+ *  - qorsBuildSignTable_8u1u(): bit b of result row r is the OR of the bits shift + b of the source rows that the `count` indices
+ * of group r name.
+ *  - qorsBuildSignTable_Var_8u1u(), required: result row r looks at the first counts[r] indices of the whole list (not at a group
+ * of its own); if any of them names a source row with a bit set among shift to shift + resultBits - 1, the top bit of the first
+ * byte of result row r is set, and no other bit ever is.
+ *
+ *  Statuses, in order: null; any size, count or stride below 1, or shift below 0 (#qorStatusBadSize); in `RowVar` and `ColumnVar`
+ * an entry of counts below 1 (#qorStatusBadSize); a stride that does not hold shift + width (shift + resultBits) bits
+ *  (#qorStatusBadStride); in `BuildSignTable_Var` an entry of counts below 1; an index out of range (#qorStatusBadArgument), for
+ * which all indices are tested before anything is written.
+ *
+ *  Source of the method: Gaussian selection by short lists, Bocchieri, "Vector quantization for the efficient computation of
+ * continuous density likelihoods", ICASSP 1993. @{ */
+
+QORSR_API QorStatus qorsFillShortlist_Row_1u(const int32_t* indices, int32_t width, int32_t count, uint8_t* const* table,
+                                             int32_t height, int32_t stride, int32_t shift);
+QORSR_API QorStatus qorsFillShortlist_RowVar_1u(const int32_t* indices, const int32_t* counts, int32_t width, uint8_t* const* table,
+                                                int32_t height, int32_t stride, int32_t shift);
+QORSR_API QorStatus qorsFillShortlist_Column_1u(const int32_t* indices, int32_t count, uint8_t* const* table, int32_t height,
+                                                int32_t stride, int32_t shift, int32_t width);
+QORSR_API QorStatus qorsFillShortlist_ColumnVar_1u(const int32_t* indices, const int32_t* counts, uint8_t* const* table,
+                                                   int32_t height, int32_t stride, int32_t shift, int32_t width);
+QORSR_API QorStatus qorsBuildSignTable_8u1u(const int32_t* indices, int32_t count, const uint8_t* const* source,
+                                            int32_t sourceHeight, int32_t sourceStride, int32_t shift, uint8_t* result,
+                                            int32_t resultRows, int32_t resultBits);
+QORSR_API QorStatus qorsBuildSignTable_Var_8u1u(const int32_t* indices, const int32_t* counts, const uint8_t* const* source,
+                                                int32_t sourceHeight, int32_t sourceStride, int32_t shift, uint8_t* result,
+                                                int32_t resultRows, int32_t resultBits);
 /** @} */
 
 /** @defgroup gaussian_single Gaussian scores: one frame
@@ -1170,6 +1275,17 @@ QORSR_API QorStatus qorsDCTLifter_32s16s_Sfs(const int32_t* source, int16_t* des
  *  `EvalDeltaMul` takes table[width + i] for q; features stay as they are, and the first width entries are not read. Float sums
  *  take k in ascending order.
  *
+ *  **16 bits.** A positive scale factor is an arithmetic right shift of a 32-bit value, without rounding; a negative one is a left
+ *  shift, which loses high bits; what results is limited to -32768 .. 32767.
+ *  - `Win1`, `Win2`: differences and window sums wrap to 16 bits; their exact product with the multiplier is shifted and limited.
+ *    Features are copied, or in `Mul` members multiplied, shifted and limited in the same way.
+ *  - `DeltaDelta_Aurora`: features are shifted and limited (feature 12: truncated first); four times the delta, an exact integer,
+ * is shifted by scaleFactor + 2 and limited; the acceleration's float sum is truncated, shifted and limited.
+ *  - `DeltaDeltaMul_Aurora`: features, deltas (the exact sum shifted right by 2) and accelerations (truncated) are limited to 16
+ *    bits; their exact product with the table's entry is shifted and limited.
+ *  - `EvalDelta`: differences wrap to 16 bits; the sum of their products with k, and its product with the multiplier, wrap to 32
+ *    bits; the latter is shifted and limited.
+ *
  *  Statuses of the streaming members, in order: null (source, destination, table); width below 1 or height below 0; height 0
  *  without end (#qorStatusBadSize); step below 2 width (`Delta`), 3 width (`DeltaDelta`) or 39 (`Aurora`) (#qorStatusBadStride);
  *  begin with a height below B (#qorStatusBadSize).
@@ -1197,18 +1313,230 @@ QORSR_API QorStatus qorsDeltaDeltaMul_Win1_32f_D2(const float* source, const flo
 QORSR_API QorStatus qorsDeltaDeltaMul_Win2_32f_D2(const float* source, const float* multipliers, int32_t width, float* destination,
                                                   int32_t step, int32_t height, int32_t flags);
 
+QORSR_API QorStatus qorsDelta_Win1_16s_D2Sfs(const int16_t* source, int32_t width, int16_t* destination, int32_t step,
+                                             int32_t height, int16_t multiplier, int32_t flags, int32_t scaleFactor);
+QORSR_API QorStatus qorsDelta_Win2_16s_D2Sfs(const int16_t* source, int32_t width, int16_t* destination, int32_t step,
+                                             int32_t height, int16_t multiplier, int32_t flags, int32_t scaleFactor);
+QORSR_API QorStatus qorsDeltaMul_Win1_16s_D2Sfs(const int16_t* source, const int16_t* multipliers, int32_t width,
+                                                int16_t* destination, int32_t step, int32_t height, int32_t flags,
+                                                int32_t scaleFactor);
+QORSR_API QorStatus qorsDeltaMul_Win2_16s_D2Sfs(const int16_t* source, const int16_t* multipliers, int32_t width,
+                                                int16_t* destination, int32_t step, int32_t height, int32_t flags,
+                                                int32_t scaleFactor);
+QORSR_API QorStatus qorsDeltaDelta_Win1_16s_D2Sfs(const int16_t* source, int32_t width, int16_t* destination, int32_t step,
+                                                  int32_t height, int16_t deltaMultiplier, int16_t accelerationMultiplier,
+                                                  int32_t flags, int32_t scaleFactor);
+QORSR_API QorStatus qorsDeltaDelta_Win2_16s_D2Sfs(const int16_t* source, int32_t width, int16_t* destination, int32_t step,
+                                                  int32_t height, int16_t deltaMultiplier, int16_t accelerationMultiplier,
+                                                  int32_t flags, int32_t scaleFactor);
+QORSR_API QorStatus qorsDeltaDeltaMul_Win1_16s_D2Sfs(const int16_t* source, const int16_t* multipliers, int32_t width,
+                                                     int16_t* destination, int32_t step, int32_t height, int32_t flags,
+                                                     int32_t scaleFactor);
+QORSR_API QorStatus qorsDeltaDeltaMul_Win2_16s_D2Sfs(const int16_t* source, const int16_t* multipliers, int32_t width,
+                                                     int16_t* destination, int32_t step, int32_t height, int32_t flags,
+                                                     int32_t scaleFactor);
+
 QORSR_API QorStatus qorsDeltaDelta_Aurora_32f_D2(const float* source, float* destination, int32_t step, int32_t height,
                                                  int32_t flags);
 QORSR_API QorStatus qorsDeltaDeltaMul_Aurora_32f_D2(const float* source, const float* multipliers, float* destination, int32_t step,
                                                     int32_t height, int32_t flags);
+QORSR_API QorStatus qorsDeltaDelta_Aurora_16s_D2Sfs(const int16_t* source, int16_t* destination, int32_t step, int32_t height,
+                                                    int32_t flags, int32_t scaleFactor);
+QORSR_API QorStatus qorsDeltaDeltaMul_Aurora_16s_D2Sfs(const int16_t* source, const int16_t* multipliers, int16_t* destination,
+                                                       int32_t step, int32_t height, int32_t flags, int32_t scaleFactor);
 
 QORSR_API QorStatus qorsEvalDelta_32f_D2(float* buffer, int32_t height, int32_t step, int32_t width, int32_t offset,
                                          int32_t windowSize, float multiplier);
 QORSR_API QorStatus qorsEvalDeltaMul_32f_D2(float* buffer, int32_t height, int32_t step, const float* multipliers, int32_t width,
                                             int32_t offset, int32_t windowSize);
+QORSR_API QorStatus qorsEvalDelta_16s_D2Sfs(int16_t* buffer, int32_t height, int32_t step, int32_t width, int32_t offset,
+                                            int32_t windowSize, int16_t multiplier, int32_t scaleFactor);
+QORSR_API QorStatus qorsEvalDeltaMul_16s_D2Sfs(int16_t* buffer, int32_t height, int32_t step, const int16_t* multipliers,
+                                               int32_t width, int32_t offset, int32_t windowSize, int32_t scaleFactor);
 /** @} */
 
 /* ================================ Model estimation ================================ */
+
+/** @defgroup re_estimation Model re-estimation
+ *  New Gaussian parameters and mixture weights from accumulated statistics: the maximisation step of Baum-Welch training, and the
+ *  accumulation of moments that feeds it. Vectors have `length` elements; all arithmetic runs in the element type, each operation
+ *  rounded on its own.
+ *
+ *  **Means** (`UpdateMean`). destination[i] += source[i] / occupancy: with source the sum of occ (x - mean), the old mean becomes
+ *  the new one. float multiplies by the reciprocal, formed once; double divides. The destination is not cleared. It may overlap the
+ *  source: elements are then updated one by one, upwards.
+ *
+ *  **Variances** (`UpdateVar`). m = first[i] / firstOccupancy, v = second[i] / secondOccupancy - m^2, and destination[i] is v where
+ *  floors[i] < v, else floors[i]: a value equal to its floor, and a NaN, take the floor. float multiplies by reciprocals, double
+ *  divides. #qorStatusAllFloored when every element took its floor; all are written.
+ *
+ *  **Weights** (`UpdateWeight`). w = counts[i] * (1 / total), and destination[i] is w where floor < w, else the floor. sum: the sum
+ *  of the weights as stored, by which the caller normalises (nothing is normalised here). It runs in four lanes of float, element
+ *  4k + j in lane j, joined as (l0 + l2) + (l1 + l3), or in two lanes of double; up to three (one) last elements go to lane 0.
+ *  #qorStatusAllFloored when every weight is at the floor; all are written, the sum too.
+ *
+ *  **New variances** (`NewVar`). (squares[i] - means[i]^2 * a) * b, from sums with a and b the reciprocals of counts; no floor, no
+ *  clamp: a negative result is stored.
+ *  - `32f`: means[i]^2 is rounded to float, all else runs in double and is rounded once. The destination may overlap the sources:
+ *    elements are then computed one by one, upwards. `32f_I`, required: all in float, so the last bits of the two differ.
+ *  - `32s`: data are rounded to float, the formula runs in float, and the result is scaled by 2^-sf. required: with means and
+ *    squares on 16-byte boundaries it is rounded to nearest even, saturated, and a NaN gives 0; otherwise it is truncated, and a
+ *    NaN or a value out of range gives -2147483648.
+ *
+ *  **Moments** (`MeanVarAcc`). d = source[i] - mean[i], e = d * weight; accumulatedMean[i] += e, accumulatedVariance[i] += d * e.
+ *
+ *  **Covariances** (`AccCovarianceMatrix`). For each row in order, with d = row - mean: S[i][j] += d[i] * d[j] for j up to i, in
+ *  double (16-bit differences are exact, float ones are rounded to float). Then the lower triangle, diagonal included, is
+ *  multiplied by `factor`, and copied to the upper one. What stood in the lower triangle before is part of the sum and multiplied
+ *  too; what stood above is overwritten. Factor 1 keeps running sums over several calls. source: height rows of width elements;
+ *  result: width rows of width elements.
+ *
+ *  Statuses, in order:
+ *  - `UpdateMean`, `UpdateVar`, `UpdateWeight`: null; length below 1; any occupancy (total) negative, #qorStatusBadStatistic; any
+ *    occupancy of magnitude up to the smallest normal number, #qorStatusZeroOccupancy, a warning with nothing written. A NaN
+ * passes.
+ *  - `NewVar`, `MeanVarAcc`: null; length below 1.
+ *  - `AccCovarianceMatrix`: null; height or width below 1; a stride below width (`_D2`); #qorStatusNoMemory, for widths above 512.
+ *
+ *  Source of the method: L. R. Rabiner, "A Tutorial on Hidden Markov Models and Selected Applications in Speech Recognition",
+ *  Proc. IEEE 77 (1989); S. Young et al., The HTK Book, on variance floors and parameter updates. @{ */
+
+QORSR_API QorStatus qorsUpdateMean_32f(const float* source, float* destination, int32_t length, float occupancy);
+QORSR_API QorStatus qorsUpdateMean_64f(const double* source, double* destination, int32_t length, double occupancy);
+
+QORSR_API QorStatus qorsUpdateVar_32f(const float* first, const float* second, const float* floors, float* destination,
+                                      int32_t length, float firstOccupancy, float secondOccupancy);
+QORSR_API QorStatus qorsUpdateVar_64f(const double* first, const double* second, const double* floors, double* destination,
+                                      int32_t length, double firstOccupancy, double secondOccupancy);
+
+QORSR_API QorStatus qorsUpdateWeight_32f(const float* counts, float* destination, int32_t length, float* sum, float total,
+                                         float floor);
+QORSR_API QorStatus qorsUpdateWeight_64f(const double* counts, double* destination, int32_t length, double* sum, double total,
+                                         double floor);
+
+QORSR_API QorStatus qorsNewVar_32f(const float* means, const float* squares, float* destination, int32_t length, float a, float b);
+QORSR_API QorStatus qorsNewVar_32f_I(const float* means, float* squares, int32_t length, float a, float b);
+QORSR_API QorStatus qorsNewVar_32s_Sfs(const int32_t* means, const int32_t* squares, int32_t* destination, int32_t length, float a,
+                                       float b, int32_t scaleFactor);
+QORSR_API QorStatus qorsNewVar_32s_ISfs(const int32_t* means, int32_t* squares, int32_t length, float a, float b,
+                                        int32_t scaleFactor);
+
+QORSR_API QorStatus qorsMeanVarAcc_32f(const float* source, const float* mean, float* accumulatedMean, float* accumulatedVariance,
+                                       int32_t length, float weight);
+QORSR_API QorStatus qorsMeanVarAcc_64f(const double* source, const double* mean, double* accumulatedMean,
+                                       double* accumulatedVariance, int32_t length, double weight);
+
+QORSR_API QorStatus qorsAccCovarianceMatrix_16s64f_D2(const int16_t* source, int32_t sourceStride, int32_t height,
+                                                      const int16_t* mean, double* result, int32_t width, int32_t resultStride,
+                                                      double factor);
+QORSR_API QorStatus qorsAccCovarianceMatrix_16s64f_D2L(const int16_t* const* rows, int32_t height, const int16_t* mean,
+                                                       double* const* result, int32_t width, double factor);
+QORSR_API QorStatus qorsAccCovarianceMatrix_32f64f_D2(const float* source, int32_t sourceStride, int32_t height, const float* mean,
+                                                      double* result, int32_t width, int32_t resultStride, double factor);
+QORSR_API QorStatus qorsAccCovarianceMatrix_32f64f_D2L(const float* const* rows, int32_t height, const float* mean,
+                                                       double* const* result, int32_t width, double factor);
+/** @} */
+
+/** @defgroup gaussian_operations Gaussian distance, merging and splitting
+ *  Operations on pairs of diagonal Gaussians: mean vectors mx, my and variance vectors vx, vy (variances themselves, not inverted)
+ *  of n = `length` elements, with weights wx, wy, which are occupancies. det of a Gaussian is n log(2 pi) - sum of log v, with
+ *  log(2 pi) = 1.8378770664093.
+ *
+ *  **Pooling.** With W = wx + wy: m = (wx mx + wy my) / W and v = ((mx^2 + vx) wx + (my^2 + vy) wy) / W - m^2, in double (W is
+ *  added in the element type). Weights that sum to zero give infinities or NaN.
+ *
+ *  **Distance** (`GaussianDist`). The loss in log-likelihood (times two) when the pooled Gaussian takes the place of the pair:
+ *  result = wx det1 + wy det2 - W (n log(2 pi) - sum of log v). In `32f` the first two products and their sum are formed in float,
+ *  and the result is rounded to float.
+ *
+ *  **Merge** (`GaussianMerge`). mean and variance receive m and v, det receives n log(2 pi) - sum of log v.
+ *
+ *  **Split** (`GaussianSplit`). e = sqrt(variance) * factor; the first Gaussian's mean becomes mean + e, in place, the second's is
+ *  mean - e with a copy of the variance. required: `32f` computes e in float where all four vectors are on 16-byte boundaries,
+ *  otherwise in double, rounded to float. A negative variance gives a NaN.
+ *
+ *  **Bhattacharyya distance** (`BhatDist`). With s = vx + vy and d = mx - my: 1/4 sum of d^2 / s + 1/4 sum of log(s^2 / (vx vy)) -
+ *  1/4 n log 4, log 4 and log 2 taken as 1.386294 and 0.693147 (required). `SLog` members are given the sums of the logarithms of
+ *  both variance vectors, logs1 and logs2. `32f` sums d^2 / s in float, and forms s^2 / (vx vy) as 2 + u + 1 / u with u = (1 / vx)
+ *  vy; `32f64f` computes in double, with one logarithm for the product of four elements, and the term (logs1 + logs2) / 4 in float.
+ *
+ *  Warnings. A pooled variance of zero gives plus infinity in the result (in det) with #qorStatusLogZero, a negative one a NaN
+ *  with #qorStatusLogNegative; the first such element decides. qorsGaussianMerge_32f stops there, required: elements up to it are
+ *  written, later ones are not; qorsGaussianMerge_64f writes all elements. `BhatDist`, required: the same for elements of any of
+ *  the four vectors, the means too; elements are taken in groups of four, then one by one, and within the first group with such
+ *  an element a negative one decides before a zero. A NaN gives a NaN with #qorStatusOk, unless an element with a warning comes
+ *  before it (in `GaussianDist` below 13, in double 11, elements, and in qorsGaussianMerge_32f: wherever such an element stands).
+ *
+ *  Statuses, in order: `GaussianDist`, `GaussianMerge`, qorsGaussianSplit_32f: length below 1, then null; qorsGaussianSplit_64f,
+ *  `BhatDist`: null, then length. Nothing is allocated.
+ *
+ *  Source of the method: A. Bhattacharyya, "On a Measure of Divergence between Two Statistical Populations", Bull. Calcutta Math.
+ *  Soc. 35 (1943); S. Young and P. Woodland, "State Clustering in HMM-based Continuous Speech Recognition", Computer Speech and
+ *  Language 8 (1994), on likelihood loss; The HTK Book on splitting mixtures. @{ */
+
+QORSR_API QorStatus qorsGaussianDist_32f(const float* mean1, const float* variance1, const float* mean2, const float* variance2,
+                                         int32_t length, float* result, float weight1, float det1, float weight2, float det2);
+QORSR_API QorStatus qorsGaussianDist_64f(const double* mean1, const double* variance1, const double* mean2, const double* variance2,
+                                         int32_t length, double* result, double weight1, double det1, double weight2, double det2);
+
+QORSR_API QorStatus qorsGaussianMerge_32f(const float* mean1, const float* variance1, const float* mean2, const float* variance2,
+                                          float* mean, float* variance, int32_t length, float* det, float weight1, float weight2);
+QORSR_API QorStatus qorsGaussianMerge_64f(const double* mean1, const double* variance1, const double* mean2,
+                                          const double* variance2, double* mean, double* variance, int32_t length, double* det,
+                                          double weight1, double weight2);
+
+QORSR_API QorStatus qorsGaussianSplit_32f(float* mean, const float* variance, float* mean2, float* variance2, int32_t length,
+                                          float factor);
+QORSR_API QorStatus qorsGaussianSplit_64f(double* mean, const double* variance, double* mean2, double* variance2, int32_t length,
+                                          double factor);
+
+QORSR_API QorStatus qorsBhatDist_32f(const float* mean1, const float* variance1, const float* mean2, const float* variance2,
+                                     int32_t length, float* result);
+QORSR_API QorStatus qorsBhatDist_32f64f(const float* mean1, const float* variance1, const float* mean2, const float* variance2,
+                                        int32_t length, double* result);
+QORSR_API QorStatus qorsBhatDistSLog_32f(const float* mean1, const float* variance1, const float* mean2, const float* variance2,
+                                         int32_t length, float* result, float logs1, float logs2);
+QORSR_API QorStatus qorsBhatDistSLog_32f64f(const float* mean1, const float* variance1, const float* mean2, const float* variance2,
+                                            int32_t length, double* result, float logs1, float logs2);
+/** @} */
+
+/** @defgroup state_clustering Decision-tree state clustering
+ *  The log-likelihood of the pooled data of model states under one diagonal Gaussian, from sums alone: what a decision tree that
+ *  clusters states compares before and after each question.
+ *
+ *  **Statistics** (`DcsClustLAccumulate`). From the Gaussian and the occupancy of a state: sum[i] = mean[i] * occupancy, and
+ *  squares[i] = (1 / variance[i] + mean[i]^2) * occupancy, the variance given inverted; with `DirectVar` (mean[i]^2 + variance[i])
+ *  * occupancy. Despite the name the destinations are overwritten: pooling states is adding their sums, squares and occupancies,
+ *  which the caller does. required: with an inverted variance, a length of at least 8 and all four vectors on 16-byte boundaries,
+ *  squares[i] is (occupancy * mean) * mean plus, in float, (2 - v r) r * occupancy with r = 1 / v (by fours, and a last pair), in
+ *  double v2 q with q = occupancy / (v0 v2), one division for elements 0 and 2 (1 and 3; a last pair), so that a product of two
+ *  variances that overflows or underflows shows; a single last element: occupancy / v.
+ *
+ *  **Likelihood** (`DcsClustLCompute`). With N = occupancy, D = length and variances (N squares - sum^2) / N^2, in double:
+ *  result = -N/2 (D (1 + log 2 pi) + sum of log variances) = N/2 (D ((log N - 1 - log 2 pi) + log N) - sum of log d),
+ *  d = squares[i] * N - sum[i]^2.
+ *
+ *  Statuses, in order: null; length below 1; `DcsClustLCompute`: a negative occupancy, #qorStatusBadStatistic. Then warnings, with
+ *  the result written: an occupancy of exactly zero, -1.0e10 and #qorStatusZeroOccupancy; the first d that is zero, minus infinity
+ *  and #qorStatusLogZero, or negative, a NaN and #qorStatusLogNegative.
+ *
+ *  Source of the method: S. Young, J. Odell and P. Woodland, "Tree-based State Tying for High Accuracy Acoustic Modelling", ARPA
+ *  Human Language Technology Workshop (1994). @{ */
+
+QORSR_API QorStatus qorsDcsClustLAccumulate_32f(const float* mean, const float* variance, float* sum, float* squares,
+                                                int32_t length, float occupancy);
+QORSR_API QorStatus qorsDcsClustLAccumulate_64f(const double* mean, const double* variance, double* sum, double* squares,
+                                                int32_t length, double occupancy);
+QORSR_API QorStatus qorsDcsClustLAccumulate_DirectVar_32f(const float* mean, const float* variance, float* sum, float* squares,
+                                                          int32_t length, float occupancy);
+QORSR_API QorStatus qorsDcsClustLAccumulate_DirectVar_64f(const double* mean, const double* variance, double* sum, double* squares,
+                                                          int32_t length, double occupancy);
+
+QORSR_API QorStatus qorsDcsClustLCompute_32f64f(const float* sum, const float* squares, int32_t length, double* result,
+                                                float occupancy);
+QORSR_API QorStatus qorsDcsClustLCompute_64f(const double* sum, const double* squares, int32_t length, double* result,
+                                             double occupancy);
+/** @} */
 
 /* ================================ Matching and decomposition ================================ */
 

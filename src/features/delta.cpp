@@ -49,6 +49,51 @@ QorStatus qorsDeltaDeltaMul_Win2_32f_D2(const float* source, const float* multip
                               TableFactors<float>{multipliers, width});
 }
 
+// ---- Windows of one and two frames, 16 bits ----
+
+QorStatus qorsDelta_Win1_16s_D2Sfs(const int16_t* source, int32_t width, int16_t* destination, int32_t step, int32_t height,
+                                   int16_t multiplier, int32_t flags, int32_t scaleFactor) {
+  return windowDelta<Win1, 1>(source, width, destination, step, height, flags, FixedArithmetic{scaleFactor},
+                              UniformFactors<int16_t>{multiplier, 0});
+}
+QorStatus qorsDelta_Win2_16s_D2Sfs(const int16_t* source, int32_t width, int16_t* destination, int32_t step, int32_t height,
+                                   int16_t multiplier, int32_t flags, int32_t scaleFactor) {
+  return windowDelta<Win2, 1>(source, width, destination, step, height, flags, FixedArithmetic{scaleFactor},
+                              UniformFactors<int16_t>{multiplier, 0});
+}
+QorStatus qorsDeltaMul_Win1_16s_D2Sfs(const int16_t* source, const int16_t* multipliers, int32_t width, int16_t* destination,
+                                      int32_t step, int32_t height, int32_t flags, int32_t scaleFactor) {
+  return windowDelta<Win1, 1>(source, width, destination, step, height, flags, FixedArithmetic{scaleFactor},
+                              TableFactors<int16_t>{multipliers, width});
+}
+QorStatus qorsDeltaMul_Win2_16s_D2Sfs(const int16_t* source, const int16_t* multipliers, int32_t width, int16_t* destination,
+                                      int32_t step, int32_t height, int32_t flags, int32_t scaleFactor) {
+  return windowDelta<Win2, 1>(source, width, destination, step, height, flags, FixedArithmetic{scaleFactor},
+                              TableFactors<int16_t>{multipliers, width});
+}
+QorStatus qorsDeltaDelta_Win1_16s_D2Sfs(const int16_t* source, int32_t width, int16_t* destination, int32_t step, int32_t height,
+                                        int16_t deltaMultiplier, int16_t accelerationMultiplier, int32_t flags,
+                                        int32_t scaleFactor) {
+  return windowDelta<Win1, 2>(source, width, destination, step, height, flags, FixedArithmetic{scaleFactor},
+                              UniformFactors<int16_t>{deltaMultiplier, accelerationMultiplier});
+}
+QorStatus qorsDeltaDelta_Win2_16s_D2Sfs(const int16_t* source, int32_t width, int16_t* destination, int32_t step, int32_t height,
+                                        int16_t deltaMultiplier, int16_t accelerationMultiplier, int32_t flags,
+                                        int32_t scaleFactor) {
+  return windowDelta<Win2, 2>(source, width, destination, step, height, flags, FixedArithmetic{scaleFactor},
+                              UniformFactors<int16_t>{deltaMultiplier, accelerationMultiplier});
+}
+QorStatus qorsDeltaDeltaMul_Win1_16s_D2Sfs(const int16_t* source, const int16_t* multipliers, int32_t width, int16_t* destination,
+                                           int32_t step, int32_t height, int32_t flags, int32_t scaleFactor) {
+  return windowDelta<Win1, 2>(source, width, destination, step, height, flags, FixedArithmetic{scaleFactor},
+                              TableFactors<int16_t>{multipliers, width});
+}
+QorStatus qorsDeltaDeltaMul_Win2_16s_D2Sfs(const int16_t* source, const int16_t* multipliers, int32_t width, int16_t* destination,
+                                           int32_t step, int32_t height, int32_t flags, int32_t scaleFactor) {
+  return windowDelta<Win2, 2>(source, width, destination, step, height, flags, FixedArithmetic{scaleFactor},
+                              TableFactors<int16_t>{multipliers, width});
+}
+
 // ---- Aurora windows ----
 
 QorStatus qorsDeltaDelta_Aurora_32f_D2(const float* source, float* destination, int32_t step, int32_t height, int32_t flags) {
@@ -57,6 +102,15 @@ QorStatus qorsDeltaDelta_Aurora_32f_D2(const float* source, float* destination, 
 QorStatus qorsDeltaDeltaMul_Aurora_32f_D2(const float* source, const float* multipliers, float* destination, int32_t step,
                                           int32_t height, int32_t flags) {
   return auroraDeltaDelta(source, destination, step, height, flags, AuroraReal<TableFactors<float>>{{multipliers, kAuroraWidth}});
+}
+QorStatus qorsDeltaDelta_Aurora_16s_D2Sfs(const int16_t* source, int16_t* destination, int32_t step, int32_t height, int32_t flags,
+                                          int32_t scaleFactor) {
+  return auroraDeltaDelta(source, destination, step, height, flags, AuroraFixed<NoFactors<int16_t>>{{}, {scaleFactor}});
+}
+QorStatus qorsDeltaDeltaMul_Aurora_16s_D2Sfs(const int16_t* source, const int16_t* multipliers, int16_t* destination, int32_t step,
+                                             int32_t height, int32_t flags, int32_t scaleFactor) {
+  return auroraDeltaDelta(source, destination, step, height, flags,
+                          AuroraFixed<TableFactors<int16_t>>{{multipliers, kAuroraWidth}, {scaleFactor}});
 }
 
 // ---- Whole utterances, windows of any size ----
@@ -68,4 +122,14 @@ QorStatus qorsEvalDelta_32f_D2(float* buffer, int32_t height, int32_t step, int3
 QorStatus qorsEvalDeltaMul_32f_D2(float* buffer, int32_t height, int32_t step, const float* multipliers, int32_t width,
                                   int32_t offset, int32_t windowSize) {
   return evalDelta(buffer, height, step, width, offset, windowSize, RealArithmetic(), TableFactors<float>{multipliers, width});
+}
+QorStatus qorsEvalDelta_16s_D2Sfs(int16_t* buffer, int32_t height, int32_t step, int32_t width, int32_t offset, int32_t windowSize,
+                                  int16_t multiplier, int32_t scaleFactor) {
+  return evalDelta(buffer, height, step, width, offset, windowSize, FixedArithmetic{scaleFactor},
+                   UniformFactors<int16_t>{multiplier, 0});
+}
+QorStatus qorsEvalDeltaMul_16s_D2Sfs(int16_t* buffer, int32_t height, int32_t step, const int16_t* multipliers, int32_t width,
+                                     int32_t offset, int32_t windowSize, int32_t scaleFactor) {
+  return evalDelta(buffer, height, step, width, offset, windowSize, FixedArithmetic{scaleFactor},
+                   TableFactors<int16_t>{multipliers, width});
 }

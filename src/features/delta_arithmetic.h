@@ -1,9 +1,11 @@
 // What features and derivatives are computed in, and what they are multiplied by.
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 
+#include "frame/bits.h"
 #include "frame/lanes.h"
 
 namespace qorsr {
@@ -49,6 +51,7 @@ struct TableFactors {
 // 32-bit float: value times factor.
 struct RealArithmetic {
   using Element = float;
+  static constexpr int kWidest = 2 * kNativeLanes<float>;  // a window and its factor then stay in registers
 
   template <int N>
   static Lanes<float, N> load(const float* p) {
@@ -59,16 +62,78 @@ struct RealArithmetic {
     return value * factor;
   }
 
-  // Sum over k from 1 to `window` of k * (ahead(k) - behind(k)), in that order, from 0.
+  // Sum over k from 1 to `window` of k * (ahead(k) - behind(k)), in that order, from 0; times the factor.
   template <int N, class Ahead, class Behind>
-  static Lanes<float, N> regression(int32_t window, const Ahead& ahead, const Behind& behind) {
+  static Lanes<float, N> regression(int32_t window, const Ahead& ahead, const Behind& behind, const Lanes<float, N>& factor) {
     Lanes<float, N> sum(0.0F);
     for (int32_t k = 1; k <= window; ++k) sum += Lanes<float, N>(static_cast<float>(k)) * (ahead(k) - behind(k));
-    return sum;
+    return sum * factor;
+  }
+};
+
+// 16 bits: differences wrap, the product with the factor has 32 bits, is shifted by the scale factor, then limited. Windows see
+// unsigned lanes, which may wrap.
+struct FixedArithmetic {
+  using Element = int16_t;
+  static constexpr int kWidest = kNativeLanes<int16_t>;
+  int32_t scaleFactor;
+
+  template <int N>
+  static Lanes<uint16_t, N> load(const int16_t* p) {
+    return std::bit_cast<Lanes<uint16_t, N>>(Lanes<int16_t, N>::load(p));
   }
   template <int N>
-  static Lanes<float, N> scaledSum(const Lanes<float, N>& sum, const Lanes<float, N>& factor) {
-    return sum * factor;
+  Lanes<int16_t, N> scaled(const Lanes<uint16_t, N>& value, const Lanes<int16_t, N>& factor) const {
+    return scaled(std::bit_cast<Lanes<int16_t, N>>(value), factor);
+  }
+  template <int N>
+  Lanes<int16_t, N> scaled(const Lanes<int16_t, N>& value, const Lanes<int16_t, N>& factor) const {
+    if constexpr (N == 1) {
+      return limited(Lanes<int32_t, 1>(int32_t{value.part[0]} * factor.part[0]));
+    } else {
+      const Lanes<int16_t, N> zero(0);  // a pair's second product
+      return limited(pairDots(interleaveLower(value, zero), interleaveLower(factor, zero)),
+                     pairDots(interleaveUpper(value, zero), interleaveUpper(factor, zero)));
+    }
+  }
+
+  // The same sum, modulo 2^32, of differences modulo 2^16. Without a product: with s(k) = d(W) + ... + d(k), it is s(W) + ... +
+  // s(1).
+  template <int N, class Ahead, class Behind>
+  Lanes<int16_t, N> regression(int32_t window, const Ahead& ahead, const Behind& behind, const Lanes<int16_t, N>& factor) const {
+    const auto difference = [&](int32_t k) { return std::bit_cast<Lanes<int16_t, N>>(ahead(k) - behind(k)); };
+    if constexpr (N == 1) {
+      uint32_t tail = 0, sum = 0;
+      for (int32_t k = window; k >= 1; --k) sum += tail += static_cast<uint32_t>(difference(k).part[0]);
+      return limited(Lanes<int32_t, 1>(wrapMul(static_cast<int32_t>(sum), int32_t{factor.part[0]})));
+    } else {
+      Lanes<uint32_t, N / 2> tail[2], sum[2];
+      for (int half = 0; half < 2; ++half) tail[half] = sum[half] = Lanes<uint32_t, N / 2>(0);
+      for (int32_t k = window; k >= 1; --k) {
+        const Lanes<int16_t, N> d = difference(k);
+        sum[0] += tail[0] += unsignedLanes(lowerWidened(d));
+        sum[1] += tail[1] += unsignedLanes(upperWidened(d));
+      }
+      return limited(signedLanes(sum[0] * unsignedLanes(lowerWidened(factor))),
+                     signedLanes(sum[1] * unsignedLanes(upperWidened(factor))));
+    }
+  }
+
+ private:
+  Lanes<int16_t, 1> limited(const Lanes<int32_t, 1>& product) const {
+    return Lanes<int16_t, 1>(saturate<int16_t>(shiftByScale(product.part[0], int64_t{scaleFactor})));
+  }
+  template <int N>
+  Lanes<int16_t, 2 * N> limited(const Lanes<int32_t, N>& lower, const Lanes<int32_t, N>& upper) const {
+    return saturated(shiftByScale(lower, scaleFactor), shiftByScale(upper, scaleFactor));
+  }
+  template <int N>
+  static Lanes<uint32_t, N> unsignedLanes(const Lanes<int32_t, N>& a) {
+    return std::bit_cast<Lanes<uint32_t, N>>(a);
+  }
+  template <int N>
+  static Lanes<int32_t, N> signedLanes(const Lanes<uint32_t, N>& a) {
+    return std::bit_cast<Lanes<int32_t, N>>(a);
   }
 };
 

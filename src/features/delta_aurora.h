@@ -10,9 +10,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 #include "features/delta_arithmetic.h"
 #include "features/delta_stream.h"
+#include "frame/bits.h"
 #include "frame/column_blocks.h"
 #include "frame/lanes.h"
 
@@ -48,7 +50,7 @@ inline float auroraEnergy(const T* sourceRow) {
 template <class Factors>
 struct AuroraReal {
   using Element = float;
-  static constexpr int kWidest = kNativeBytes / 4;
+  static constexpr int kWidest = kNativeLanes<float>;
   Factors factors;
 
   template <int kWhich, int N>
@@ -65,6 +67,54 @@ struct AuroraReal {
   Lanes<float, N> finish(const Lanes<float, N>& value, int32_t column) const {
     if constexpr (Factors::kOfDerivatives) return value * factors.template at<N>(kWhich, column);
     return value;
+  }
+};
+
+// In 16 bits. Deltas are exact integers (four times d, hence two more bits to shift); accelerations are the float sum, truncated.
+// Without factors values are shifted by the scale factor and limited; with a table they are limited, and their exact product with
+// the factor is shifted and limited.
+template <class Factors>
+struct AuroraFixed {
+  using Element = int16_t;
+  static constexpr int kWidest = 8;
+  Factors factors;
+  FixedArithmetic arithmetic;
+
+  template <int kWhich, int N>
+  static auto load(const int16_t* p) {
+    return loadAs<std::conditional_t<kWhich == 2, float, int32_t>, N>(p);
+  }
+  static Lanes<int32_t, 1> energy(const int16_t* sourceRow) {
+    return Lanes<int32_t, 1>(static_cast<int32_t>(auroraEnergy(sourceRow)));
+  }
+  template <int kWhich, int N>
+  static Lanes<int32_t, N> window(const Lanes<int32_t, N> (&x)[9]) {
+    Lanes<int32_t, N> sum = x[8] - x[0], all = sum;  // 4 d4 + 3 d3 + 2 d2 + d1 as d4 + (d4 + d3) + (d4 + d3 + d2) + ...
+    for (int k = 3; k >= 1; --k) all += sum += x[4 + k] - x[4 - k];
+    return all;
+  }
+  template <int kWhich, int N>
+  static Lanes<int32_t, N> window(const Lanes<float, N> (&x)[9]) {
+    return truncated(auroraAcceleration(x));
+  }
+  template <int kWhich, int N>
+  Lanes<int16_t, N> finish(const Lanes<int32_t, N>& value, int32_t column) const {
+    constexpr int kFraction = kWhich == 1 ? 2 : 0;
+    if constexpr (Factors::kOfDerivatives) {
+      return arithmetic.scaled(limited(value >> kFraction), factors.template at<N>(kWhich, column));
+    } else {
+      return limited(shiftByScale(value, int64_t{arithmetic.scaleFactor} + kFraction));
+    }
+  }
+
+ private:
+  template <int N>
+  static Lanes<int16_t, N> limited(const Lanes<int32_t, N>& value) {
+    if constexpr (N == 1) {
+      return Lanes<int16_t, 1>(saturate<int16_t>(value.part[0]));
+    } else {
+      return saturated(lowerHalf(value), upperHalf(value));
+    }
   }
 };
 

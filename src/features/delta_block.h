@@ -4,7 +4,9 @@
 //   rows W to height - W - 1            sum over k of k * (x(r + k) - x(r - k))            k = 1 .. W
 //   rows height - W to height - 1       sum over k of k * (x(height - 1) - x(r - k))
 //
-// times a factor. The edges are not the usual clamped windows: required. Float sums start at 0 and take k from 1 to W in order.
+// times a factor. The edges are not the usual clamped windows: required. Float sums start at 0 and
+// take k from 1 to W in order. 16-bit differences wrap, as do the sum in 32 bits and its product with the factor, which is shifted
+// by the scale factor and limited.
 #pragma once
 
 #include <cstddef>
@@ -29,14 +31,14 @@ QorStatus evalDelta(T* buffer, int32_t height, int32_t step, int32_t width, int3
                           .require(height >= int64_t{2} * window, qorStatusBadSize)
                           .require(step >= offset + int64_t{2} * width, qorStatusBadStride))
     return bad;
-  coverColumns<T>(width, [&](int32_t c, auto n) {
+  coverColumns<T, Arithmetic::kWidest>(width, [&](int32_t c, auto n) {
     const T* in = buffer + std::ptrdiff_t{offset} + c;
     T* out = buffer + std::ptrdiff_t{offset} + width + c;
     const auto factor = factors.template at<n>(1, c);
     const auto row = [&](std::ptrdiff_t r) { return arithmetic.template load<n>(in + r * step); };
     const auto first = row(0), last = row(height - 1);
     const auto put = [&](std::ptrdiff_t r, const auto& ahead, const auto& behind) {
-      arithmetic.scaledSum(arithmetic.template regression<n>(window, ahead, behind), factor).store(out + r * step);
+      arithmetic.regression(window, ahead, behind, factor).store(out + r * step);
     };
     std::ptrdiff_t r = 0;
     for (; r < window; ++r)

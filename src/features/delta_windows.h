@@ -40,7 +40,6 @@ struct WindowMember {
   static constexpr int kDerivatives = kCount;
   static constexpr int lag(int derivative) { return derivative * Window::kReach; }
   static constexpr int kLookBack = lag(kCount + 1);
-  static constexpr int kWidest = 2 * kNativeBytes / static_cast<int>(sizeof(T));  // the window and its factor stay in registers
 
   const T* source;
   T* destination;
@@ -52,7 +51,7 @@ struct WindowMember {
 
   // Rows from `from` to `to` - 1; source row 0 belongs to row `first`.
   void features(std::ptrdiff_t first, std::ptrdiff_t from, std::ptrdiff_t to) const {
-    coverColumns<T, kWidest>(width, [&](int32_t c, auto n) {
+    coverColumns<T, Arithmetic::kWidest>(width, [&](int32_t c, auto n) {
       const T* in = source + (from - first) * width + c;
       T* out = destination + from * step + c;
       if constexpr (Factors::kOfFeatures) {
@@ -68,7 +67,7 @@ struct WindowMember {
 
   template <int kWhich>
   void derivative(Derivative<kWhich>, std::ptrdiff_t from, std::ptrdiff_t to, std::ptrdiff_t last) const {
-    coverColumns<T, kWidest>(width, [&](int32_t c, auto n) {
+    coverColumns<T, Arithmetic::kWidest>(width, [&](int32_t c, auto n) {
       const T* in = destination + std::ptrdiff_t{kWhich - 1} * width + c;
       T* out = destination + std::ptrdiff_t{kWhich} * width + c;
       const auto factor = factors.template at<n>(kWhich, c);

@@ -28,10 +28,13 @@ constexpr Int wrapMul(Int a, Int b) {
   return static_cast<Int>(static_cast<U>(a) * static_cast<U>(b));
 }
 
-// Arithmetic right shift; by the width or more: all sign bits. `count` is not negative.
+// Arithmetic right shift; by the width or more: all sign bits, or 0 of an unsigned value. `count` is not negative.
 template <class Int>
 constexpr Int shiftRight(Int value, int64_t count) {
   constexpr int64_t kWidth = std::numeric_limits<std::make_unsigned_t<Int>>::digits;
+  if constexpr (std::is_unsigned_v<Int>) {
+    if (count >= kWidth) return 0;
+  }
   return static_cast<Int>(value >> (count < kWidth ? count : kWidth - 1));
 }
 

@@ -108,6 +108,14 @@ inline V max(V a, V b) {
 inline float sqrt(float a) { return __builtin_sqrtf(a); }
 inline double sqrt(double a) { return __builtin_sqrt(a); }
 
+inline int32_t truncated(float a) { return a >= -2147483648.0F && a < 2147483648.0F ? static_cast<int32_t>(a) : INT32_MIN; }
+template <class V>
+inline auto truncated(V a) {
+  Vector<int32_t, sizeof(V) / sizeof(float)> v;
+  for (std::size_t i = 0; i < sizeof(V) / sizeof(float); ++i) v[i] = truncated(a[i]);
+  return v;
+}
+
 // int16 to 32-bit lanes: SSE3 has no widening load, so the low halves are interleaved and shifted down.
 template <int W>
 inline Vector<int32_t, W> widenInt16(const int16_t* p) {
@@ -179,6 +187,30 @@ inline bool allLess(V x, V y) {
     bool all = true;
     for (std::size_t i = 0; i < sizeof(V) / sizeof(x[0]); ++i) all &= x[i] < y[i];
     return all;
+  }
+}
+
+// Whether any lane of a comparison's result holds.
+template <class V>
+inline bool anyHolds(V mask) {
+#if defined(__SSE3__)
+  if constexpr (sizeof(V) == 16) return _mm_movemask_epi8(std::bit_cast<__m128i>(mask)) != 0;
+#endif
+#if defined(__AVX2__)
+  if constexpr (sizeof(V) == 32) return _mm256_movemask_epi8(std::bit_cast<__m256i>(mask)) != 0;
+#endif
+#if defined(__AVX512F__)
+  if constexpr (sizeof(V) == 64) {
+    const auto all = std::bit_cast<__m512i>(mask);
+    return _mm512_test_epi64_mask(all, all) != 0;
+  }
+#endif
+  if constexpr (std::is_integral_v<V>) {
+    return mask != 0;
+  } else {
+    bool any = false;
+    for (std::size_t i = 0; i < sizeof(V) / sizeof(mask[0]); ++i) any |= mask[i] != 0;
+    return any;
   }
 }
 
@@ -415,12 +447,30 @@ struct Lanes {
   friend Lanes sqrt(const Lanes& a) {
     return each(a, [](Part x) { return Part(native::sqrt(x)); });
   }
+  // Arithmetic for signed lanes; `count` from 0 to the width - 1.
+  friend Lanes operator>>(const Lanes& a, int count) {
+    return each(a, [=](Part x) { return Part(x >> static_cast<T>(count)); });
+  }
+  // By a scale factor: shiftByScale() of bits.h, lane by lane.
+  friend Lanes shiftByScale(const Lanes& a, int64_t scaleFactor) {
+    constexpr int kLast = 8 * static_cast<int>(sizeof(T)) - 1;
+    using U = native::Vector<std::make_unsigned_t<T>, kPart>;
+    if (scaleFactor >= 0) return a >> static_cast<int>(scaleFactor < kLast ? scaleFactor : kLast);
+    if (scaleFactor < -kLast) return Lanes(T(0));
+    const auto count = static_cast<std::make_unsigned_t<T>>(-scaleFactor);
+    return each(a, [=](Part x) { return Part(U(std::bit_cast<U>(x) << count)); });
+  }
 
   // x < y ? a : b, lane by lane: a NaN in x or y gives b.
   friend Lanes selectLess(const Lanes& x, const Lanes& y, const Lanes& a, const Lanes& b) {
     Lanes v;
     for (int i = 0; i < kParts; ++i) v.part[i] = x.part[i] < y.part[i] ? a.part[i] : b.part[i];
     return v;
+  }
+  friend bool anyLess(const Lanes& x, const Lanes& y) {
+    auto any = x.part[0] < y.part[0];
+    for (int i = 1; i < kParts; ++i) any |= x.part[i] < y.part[i];
+    return native::anyHolds(any);
   }
   friend bool allLess(const Lanes& x, const Lanes& y) {
     bool all = true;
@@ -494,6 +544,14 @@ inline Lanes<float, N> narrow(const Lanes<double, N>& a) {
       v.part[i] = native::narrowPair<L::kPart / 2>(a.part[2 * i], a.part[2 * i + 1]);
     }
   }
+  return v;
+}
+
+// Floats to integers, toward zero; a NaN or a value out of range gives the most negative one.
+template <int N>
+inline Lanes<int32_t, N> truncated(const Lanes<float, N>& a) {
+  Lanes<int32_t, N> v;
+  for (int i = 0; i < v.kParts; ++i) v.part[i] = native::truncated(a.part[i]);
   return v;
 }
 
@@ -766,6 +824,49 @@ inline Lanes<int32_t, N / 2> pairDots(const Lanes<int16_t, N>& a, const Lanes<in
   for (int i = 0; i < N / 2; ++i) {
     const auto product = [&](int k) { return static_cast<uint32_t>(static_cast<int32_t>(a.part[0][k]) * b.part[0][k]); };
     v.part[0][i] = static_cast<int32_t>(product(2 * i) + product(2 * i + 1));
+  }
+  return v;
+}
+
+// int16 lanes widened: the lower half of them, and the upper half.
+template <int N>
+inline Lanes<int32_t, N / 2> lowerWidened(const Lanes<int16_t, N>& a) {
+  return std::bit_cast<Lanes<int32_t, N / 2>>(interleaveLower(Lanes<int16_t, N>(0), a)) >> 16;
+}
+template <int N>
+inline Lanes<int32_t, N / 2> upperWidened(const Lanes<int16_t, N>& a) {
+  return std::bit_cast<Lanes<int32_t, N / 2>>(interleaveUpper(Lanes<int16_t, N>(0), a)) >> 16;
+}
+
+// Two halves in one, each lane limited to 16 bits.
+template <int N>
+inline Lanes<int16_t, 2 * N> saturated(const Lanes<int32_t, N>& lower, const Lanes<int32_t, N>& upper) {
+  Lanes<int16_t, 2 * N> v;
+  static_assert(v.kParts == 1);
+  using Part [[maybe_unused]] = typename Lanes<int16_t, 2 * N>::Part;
+#if defined(__AVX512BW__)
+  if constexpr (N == 16) {
+    const __m512i pairs = _mm512_packs_epi32(__m512i(lower.part[0]), __m512i(upper.part[0]));  // in order within 128 bits
+    v.part[0] = Part(_mm512_permutexvar_epi64(_mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7), pairs));
+    return v;
+  }
+#endif
+#if defined(__AVX2__)
+  if constexpr (N == 8) {
+    const __m256i pairs = _mm256_packs_epi32(__m256i(lower.part[0]), __m256i(upper.part[0]));
+    v.part[0] = Part(_mm256_permute4x64_epi64(pairs, 0xD8));
+    return v;
+  }
+#endif
+#if defined(__SSE3__)
+  if constexpr (N == 4) {
+    v.part[0] = Part(_mm_packs_epi32(__m128i(lower.part[0]), __m128i(upper.part[0])));
+    return v;
+  }
+#endif
+  for (int i = 0; i < 2 * N; ++i) {
+    const int32_t x = i < N ? lower.part[0][i] : upper.part[0][i - N];
+    v.part[0][i] = static_cast<int16_t>(x < INT16_MIN ? INT16_MIN : x > INT16_MAX ? INT16_MAX : x);
   }
   return v;
 }

@@ -19,7 +19,7 @@ inline void* allocateBytes(int64_t bytes) {
 }
 template <class T>
 T* allocateElements(int64_t count) {
-  return count > INT32_MAX ? nullptr : static_cast<T*>(allocateBytes(count * static_cast<int64_t>(sizeof(T))));
+  return count < 1 || count > INT32_MAX ? nullptr : static_cast<T*>(allocateBytes(count * static_cast<int64_t>(sizeof(T))));
 }
 inline uint8_t* qorAlloc_8u(int64_t count) { return allocateElements<uint8_t>(count); }
 inline int16_t* qorAlloc_16s(int64_t count) { return allocateElements<int16_t>(count); }

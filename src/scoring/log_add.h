@@ -113,16 +113,20 @@ inline Lanes<T, N> logAdd(const Lanes<T, N>& a, const Lanes<T, N>& b, Add add) {
   return selectLess(d, drop, floored, add(d, hi));
 }
 
-struct FastLogAdd {
-  using Element = float;
+// Every step in T, the coefficients rounded to T.
+template <class Form, class T>
+struct HornerLogAdd {
+  using Element = T;
   template <int N>
-  static Lanes<float, N> add(const Lanes<float, N>& a, const Lanes<float, N>& b) {
-    return logAdd<LogAddFloat>(a, b, [](const Lanes<float, N>& d, const Lanes<float, N>& hi) {
-      const ThreeWay<float, N> range(d, static_cast<float>(LogAddFloat::kHigh), static_cast<float>(LogAddFloat::kLow));
-      return addByHorner<LogAddFloat>(range, hi, distanceInRange<LogAddFloat>(range, d));
+  static Lanes<T, N> add(const Lanes<T, N>& a, const Lanes<T, N>& b) {
+    return logAdd<Form>(a, b, [](const Lanes<T, N>& d, const Lanes<T, N>& hi) {
+      const ThreeWay<T, N> range(d, static_cast<T>(Form::kHigh), static_cast<T>(Form::kLow));
+      return addByHorner<Form>(range, hi, distanceInRange<Form>(range, d));
     });
   }
 };
+using FastLogAdd = HornerLogAdd<LogAddFloat, float>;
+using DoubleLogAdd = HornerLogAdd<LogAddDouble, double>;
 
 struct AccurateLogAdd {
   using Element = float;
@@ -133,17 +137,6 @@ struct AccurateLogAdd {
       const ThreeWay<float, N> range(d, kHigh, kLow);
       const ThreeWay<double, N> wideRange(widen(d), static_cast<double>(kHigh), static_cast<double>(kLow));
       return narrow(addByParity<LogAddFloat>(wideRange, widen(hi), widen(distanceInRange<LogAddFloat>(range, d))));
-    });
-  }
-};
-
-struct DoubleLogAdd {
-  using Element = double;
-  template <int N>
-  static Lanes<double, N> add(const Lanes<double, N>& a, const Lanes<double, N>& b) {
-    return logAdd<LogAddDouble>(a, b, [](const Lanes<double, N>& d, const Lanes<double, N>& hi) {
-      const ThreeWay<double, N> range(d, LogAddDouble::kHigh, LogAddDouble::kLow);
-      return addByHorner<LogAddDouble>(range, hi, distanceInRange<LogAddDouble>(range, d));
     });
   }
 };

@@ -102,61 +102,46 @@ TEST(DeltaDeltaMul, Aurora) {
   }
 }
 
-// ---- Whole utterances ----
+// ---- Known signals ----
 
-// A buffer of rows with features behind `offset` elements, its deltas and gaps holding canaries.
-struct Utterance {
-  Table<float> features;
-  int32_t height, width, offset, step;
-  kit::Area<float> buffer;
+TEST(Delta, OfAConstantSignalIsZeroToTheEdges) {
+  for (const int32_t height : {4, 5, 20}) {
+    const std::vector<float> source(static_cast<std::size_t>(height) * 3, 7.25F);
+    std::vector<float> rows(static_cast<std::size_t>(height) * 9, 1.0F);
+    ASSERT_EQ(qorsDelta_Win2_32f_D2(source.data(), 3, rows.data(), 9, height, 3.0F, 3), qorStatusOk);
+    for (std::size_t i = 0; i < rows.size(); ++i) ASSERT_EQ(rows[i], i % 9 < 3 ? 7.25F : i % 9 < 6 ? 0.0F : 1.0F) << i;
+    if (height < 6) continue;
+    ASSERT_EQ(qorsDeltaDelta_Win2_32f_D2(source.data(), 3, rows.data(), 9, height, 3.0F, -2.0F, 3), qorStatusOk);
+    for (std::size_t i = 0; i < rows.size(); ++i) ASSERT_EQ(rows[i], i % 9 < 3 ? 7.25F : 0.0F) << i;
+  }
+}
 
-  Utterance(kit::Random& random, int32_t h, int32_t w, kit::Place place)
-      : height(h),
-        width(w),
-        offset(static_cast<int32_t>(random.integer(0, 9))),
-        step(offset + 2 * w + static_cast<int32_t>(random.integer(0, 5))),
-        buffer((int64_t{h} - 1) * step + offset + 2 * w, place) {
-    buffer.fill(kit::Matrix<float>::canary());
-    const kit::Random::Kind kind = kit::kKinds[random.integer(0, 2)];
-    for (int64_t r = 0; r < h; ++r) {
-      features.push_back(random.vector<float>(w, kind));
-      std::copy(features.back().begin(), features.back().end(), buffer.data() + r * step + offset);
-    }
+TEST(DeltaDelta, AuroraOfAConstantSignalIsZeroUpToRounding) {
+  const std::vector<float> source(12 * 14, 100.0F);
+  std::vector<float> rows(12 * 39);
+  ASSERT_EQ(qorsDeltaDelta_Aurora_32f_D2(source.data(), rows.data(), 39, 12, 3), qorStatusOk);
+  // The coefficients of the acceleration sum to 0 but for their six digits; nine terms below 100 round by 2^-18 each.
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    ASSERT_NEAR(rows[i], i % 39 >= 13 ? 0.0F : rows[i], 4e-4F) << i;
   }
-  // The buffer with deltas times factor(i) written behind the features.
-  template <class Factor>
-  std::vector<float> withDeltas(const Table<float>& deltas, Factor factor) const {
-    std::vector<float> all = buffer.values();
-    for (int64_t r = 0; r < height; ++r) {
-      for (int32_t i = 0; i < width; ++i) {
-        all[static_cast<std::size_t>(r * step + offset + width + i)] =
-            deltas[static_cast<std::size_t>(r)][static_cast<std::size_t>(i)] * factor(static_cast<std::size_t>(i));
-      }
-    }
-    return all;
-  }
-};
+}
 
-TEST(EvalDelta, Float) {
-  kit::Random random(40);
-  for (const int32_t width : kit::lengths()) {
-    for (const int32_t window : {1, 2, 3, 4, 7, 8, 9, 20}) {
-      for (const int32_t extra : {0, 1, 2, 15}) {
-        Utterance u(random, 2 * window + extra, width, kit::kPlaces[random.integer(0, 2)]);
-        const auto deltas = model::regressionFloat(u.features, window);
-        const auto q = random.small<float>();
-        const auto table = random.vector<float>(2 * int64_t{width});
-        const kit::Area<float> entries(table, kit::Place::kAtGuard);
-        const auto uniform = u.withDeltas(deltas, [&](std::size_t) { return q; });
-        const auto tabled = u.withDeltas(deltas, [&](std::size_t i) { return table[static_cast<std::size_t>(width) + i]; });
-        ASSERT_EQ(qorsEvalDelta_32f_D2(u.buffer.data(), u.height, u.step, width, u.offset, window, q), qorStatusOk);
-        ASSERT_BITS(u.buffer.values(), uniform) << "width " << width << " window " << window << " height " << u.height;
-        ASSERT_EQ(qorsEvalDeltaMul_32f_D2(u.buffer.data(), u.height, u.step, entries.data(), width, u.offset, window), qorStatusOk);
-        ASSERT_BITS(u.buffer.values(), tabled) << "width " << width << " window " << window << " height " << u.height;
-        ASSERT_TRUE(u.buffer.edgesKept());
-      }
-    }
+TEST(DeltaDelta, OfAParabolaIsARampAndAConstant) {
+  std::vector<float> source, rows(40 * 3);
+  for (int t = 0; t < 40; ++t) source.push_back(static_cast<float>(t * t));
+  ASSERT_EQ(qorsDeltaDelta_Win2_32f_D2(source.data(), 1, rows.data(), 3, 40, 0.125F, 0.125F, 3), qorStatusOk);
+  for (std::size_t t = 4; t < 36; ++t) {
+    EXPECT_EQ(rows[t * 3 + 1], 2.5F * static_cast<float>(t));  // ten times the slope, by an eighth
+    EXPECT_EQ(rows[t * 3 + 2], 3.125F);
   }
+}
+
+TEST(Delta, HeightOfTheStartUpCountWritesTheFirstDeltaOnly) {
+  const float source[2] = {1, 5};
+  float rows[4] = {9, 9, 9, 9};
+  ASSERT_EQ(qorsDelta_Win1_32f_D2(source, 1, rows, 2, 2, 2.0F, 1), qorStatusOk);
+  EXPECT_EQ(std::vector<float>(rows, rows + 4), (std::vector<float>{1, 8, 5, 9}));
+  EXPECT_EQ(qorsDelta_Win1_32f_D2(source, 1, rows, 2, 1, 2.0F, 1), qorStatusBadSize);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 
 #include <vector>
 
+#include "frame/bits.h"
 #include "kit/compare.h"
 #include "kit/random.h"
 
@@ -78,6 +79,53 @@ TEST(Lanes, Conversions) {
   expectConversions<8>();
   expectConversions<16>();
   expectConversions<64>();
+}
+
+// Lanes of 16 and 32-bit integers.
+template <int N>
+void expectIntegers() {
+  kit::Random random(N);
+  for (int round = 0; round < 30; ++round) {
+    const auto x = random.vector<int16_t>(N, kit::kKinds[round % 3]);
+    const auto y = random.vector<int32_t>(N, kit::kKinds[round % 3]);
+    const auto lx = Lanes<int16_t, N>::load(x.data());
+    const auto lower = Lanes<int32_t, N / 2>::load(y.data()), upper = Lanes<int32_t, N / 2>::load(y.data() + N / 2);
+    std::vector<int16_t> limited;
+    for (const int32_t v : y) limited.push_back(qorsr::saturate<int16_t>(v));
+    ASSERT_BITS(valuesOf(qorsr::saturated(lower, upper)), limited);
+    ASSERT_BITS(valuesOf(qorsr::lowerWidened(lx)), std::vector<int32_t>(x.begin(), x.begin() + N / 2));
+    ASSERT_BITS(valuesOf(qorsr::upperWidened(lx)), std::vector<int32_t>(x.begin() + N / 2, x.end()));
+    for (const int64_t sf : {int64_t{0}, int64_t{1}, int64_t{15}, int64_t{31}, int64_t{32}, int64_t{1} << 40, int64_t{-1},
+                             int64_t{-31}, int64_t{-32}, -(int64_t{1} << 40)}) {
+      std::vector<int32_t> shifted;
+      for (int i = 0; i < N / 2; ++i) shifted.push_back(qorsr::shiftByScale(y[static_cast<std::size_t>(i)], sf));
+      ASSERT_BITS(valuesOf(shiftByScale(lower, sf)), shifted);
+    }
+  }
+}
+
+TEST(Lanes, Integers) {
+  expectIntegers<8>();
+  if constexpr (qorsr::kNativeBytes >= 32) expectIntegers<16>();
+  if constexpr (qorsr::kNativeBytes >= 64) expectIntegers<32>();
+}
+
+template <int N>
+void expectTruncation() {
+  kit::Random random(N);
+  for (int round = 0; round < 20; ++round) {
+    const auto x = random.vector<float>(N, kit::kKinds[round % 3]);
+    std::vector<int32_t> expected;
+    for (const float v : x) expected.push_back(qorsr::truncateOrLowest<int32_t>(v));
+    ASSERT_BITS(valuesOf(qorsr::truncated(Lanes<float, N>::load(x.data()))), expected);
+  }
+}
+
+TEST(Lanes, Truncation) {
+  expectTruncation<1>();
+  expectTruncation<4>();
+  expectTruncation<8>();
+  expectTruncation<32>();
 }
 
 TEST(Lanes, ABroadcastKeepsTheSignOfZero) {

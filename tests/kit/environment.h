@@ -6,10 +6,23 @@
 #include <cfenv>
 #include <functional>
 
+#if defined(__SSE__)
+#include <immintrin.h>
+#endif
+
 namespace kit {
 
-// Makes the call under each rounding mode, with no exception flag raised and with all of them: afterwards the mode is the same and
-// every flag that was raised still is.
+// The rounding mode, the exception masks and flush-to-zero of the unit that computes. (On x86 fegetround asks another unit.)
+inline unsigned floatControls() {
+#if defined(__SSE__)
+  return _mm_getcsr() & 0xFF80;
+#else
+  return static_cast<unsigned>(std::fegetround());
+#endif
+}
+
+// Makes the call under each rounding mode, with no exception flag raised and with all of them: afterwards mode and masks are the
+// same and every flag that was raised still is.
 inline void expectEnvironmentKept(const std::function<void()>& call) {
   std::fenv_t caller;
   std::fegetenv(&caller);
@@ -18,9 +31,12 @@ inline void expectEnvironmentKept(const std::function<void()>& call) {
       std::fesetround(mode);
       std::feclearexcept(FE_ALL_EXCEPT);
       std::feraiseexcept(raised);
+      const unsigned controls = floatControls();
       call();
+      const unsigned controlsAfter = floatControls();
       const int modeAfter = std::fegetround(), flagsAfter = std::fetestexcept(FE_ALL_EXCEPT);
       std::fesetenv(&caller);
+      EXPECT_EQ(controlsAfter, controls) << "the rounding mode or a mask changed";
       EXPECT_EQ(modeAfter, mode) << "the rounding mode changed";
       EXPECT_EQ(flagsAfter & raised, raised) << "a raised exception flag was lost";
     }

@@ -84,6 +84,64 @@ Table<float> auroraRows(const Table<float>& source, Scale scale) {
   return beside(beside(features, d), a);
 }
 
+// ---- 16 bits ----
+
+// x modulo 2^16 and modulo 2^32, as signed numbers.
+inline int16_t wrap16(int64_t x) {
+  const int64_t rest = ((x % 65536) + 65536) % 65536;
+  return static_cast<int16_t>(rest < 32768 ? rest : rest - 65536);
+}
+inline int32_t wrap32(int64_t x) {
+  constexpr int64_t kModulus = int64_t{1} << 32;
+  const int64_t rest = ((x % kModulus) + kModulus) % kModulus;
+  return static_cast<int32_t>(rest < kModulus / 2 ? rest : rest - kModulus);
+}
+
+// Right without rounding (toward minus infinity), or left modulo 2^32; then limited.
+inline int16_t shiftedAndLimited(int32_t value, int64_t sf) {
+  int64_t v = value;
+  for (int64_t i = 0; i < sf && i < 40; ++i) v = v >= 0 ? v / 2 : (v - 1) / 2;
+  for (int64_t i = 0; i < -sf && i < 40; ++i) v = wrap32(v * 2);
+  return static_cast<int16_t>(std::clamp<int64_t>(v, -32768, 32767));
+}
+inline int16_t scaledProduct(int16_t a, int16_t b, int64_t sf) { return shiftedAndLimited(int32_t{a} * b, sf); }
+
+template <int kReach, class X>
+int16_t slope16(X x) {
+  const int64_t near = wrap16(int64_t{x(1)} - x(-1));
+  return kReach == 1 ? wrap16(near) : wrap16(near + 2 * (int64_t{x(2)} - x(-2)));
+}
+
+template <int kReach, class Scale>
+Table<int16_t> windowRows16(const Table<int16_t>& source, int derivatives, Scale scale) {
+  Table<int16_t> stage = eachElement(source, [&](int16_t x, std::size_t i) { return scale(x, 0, i); }), rows = stage;
+  for (int k = 1; k <= derivatives; ++k) {
+    stage = overFrames<int16_t>(stage, [&](auto x, std::size_t i) { return scale(slope16<kReach>(x), k, i); });
+    rows = beside(rows, stage);
+  }
+  return rows;
+}
+
+// `finish(value, fraction, k, i)`: what becomes of element i of derivative k, an integer in units of 2^-fraction.
+template <class Finish>
+Table<int16_t> auroraRows16(const Table<int16_t>& source, Finish finish) {
+  Table<int16_t> features;
+  for (const std::vector<int16_t>& s : source) {
+    std::vector<int16_t>& row = features.emplace_back();
+    const float energy = auroraEnergy(static_cast<float>(s[12]), static_cast<float>(s[13]));
+    for (std::size_t i = 0; i < 13; ++i) row.push_back(finish(i < 12 ? s[i] : static_cast<int32_t>(energy), 0, 0, i));
+  }
+  const auto d = overFrames<int16_t>(features, [&](auto x, std::size_t i) {
+    int32_t sum = 0;
+    for (int64_t k = -4; k <= 4; ++k) sum += static_cast<int32_t>(k) * x(k);
+    return finish(sum, 2, 1, i);
+  });
+  const auto a = overFrames<int16_t>(features, [&](auto x, std::size_t i) {
+    return finish(static_cast<int32_t>(auroraAcceleration([&](int64_t k) { return static_cast<float>(x(k)); })), 0, 2, i);
+  });
+  return beside(beside(features, d), a);
+}
+
 // ---- Whole utterances ----
 
 // The deltas of all rows before their multiplier; Sum: what the products k * difference are added in.
@@ -102,6 +160,12 @@ Table<Sum> regressionRows(const Table<T>& x, int32_t window, Term term) {
     }
   }
   return result;
+}
+
+// The sum modulo 2^32.
+inline Table<int64_t> regression16(const Table<int16_t>& x, int32_t window) {
+  return regressionRows<int64_t>(x, window,
+                                 [](int64_t k, int16_t ahead, int16_t behind) { return k * wrap16(int64_t{ahead} - behind); });
 }
 
 inline Table<float> regressionFloat(const Table<float>& x, int32_t window) {

@@ -3,6 +3,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 #include "model/convert.h"
@@ -151,6 +152,68 @@ inline double logSum(const std::vector<double>& x) {
   }
   for (; i < x.size(); ++i) sum = logAddDoubleByParity(sum, x[i]);
   return sum;
+}
+
+// ---- Fixed point: real value = integer * 2^-sf ----
+
+// Limited to the range of Int, then truncated; a NaN gives 0.
+template <class Int>
+Int limitAndTruncate(double value) {
+  if (std::isnan(value)) return 0;
+  return static_cast<Int>(
+      std::trunc(std::fmin(std::fmax(value, std::numeric_limits<Int>::min()), std::numeric_limits<Int>::max())));
+}
+
+// 2^-n in double, by repeated halving or doubling.
+inline double powerOfTwo(int32_t n) { return std::ldexp(1.0, n < -5000 ? 5000 : n > 5000 ? -5000 : -n); }
+
+template <class Int>
+Int logAddScaled(Int a, Int b, int32_t sf, int32_t hint) {
+  const float f = static_cast<float>(powerOfTwo(sf));
+  const float x = static_cast<float>(a) * f, y = static_cast<float>(b) * f;
+  const float sum = hint == 1 ? logAddFast(x, y) : hint == 0 || hint == 2 ? logAddAccurate(x, y) : y;
+  return convertScaled<Int>(sum, 0, sf == INT32_MIN ? INT32_MAX : -sf);
+}
+
+template <class Int>
+Int logSumScaled(const std::vector<Int>& x, int32_t sf) {
+  if (x.size() == 1) return x[0];
+  const double f = powerOfTwo(sf);
+  if (x.size() <= 6) {
+    double sum = x[0] * f;
+    for (std::size_t i = 1; i < x.size(); ++i) {
+      sum = static_cast<double>(static_cast<float>(logAddFloatRangesInDouble(sum, x[i] * f)));
+    }
+    return limitAndTruncate<Int>(sum / f);
+  }
+  float sum = 0;
+  for (std::size_t i = 0; i < x.size(); i += 128) {
+    std::vector<float> chunk;
+    if (i > 0) chunk.push_back(sum);
+    for (std::size_t j = i; j < x.size() && j < i + 128; ++j) chunk.push_back(static_cast<float>(x[j]) * static_cast<float>(f));
+    sum = logSum(chunk);
+  }
+  return limitAndTruncate<Int>(static_cast<double>(sum) / f);
+}
+
+// ---- Subtraction ----
+
+// a + log(1 - exp(d)); a alone where d is below the drop threshold.
+template <class Ranges>
+double logSub(double a, double d, double tiny) {
+  if (d < Ranges::drop) return a < Ranges::floor ? Ranges::fill : a;
+  const double t = 1.0 - std::exp(d);
+  return t <= tiny ? Ranges::fill : a + std::log(t);
+}
+inline float logSub(float a, float b) {
+  return static_cast<float>(logSub<FloatRanges>(static_cast<double>(a), static_cast<double>(b - a), 1.0057e-37));
+}
+inline double logSub(double a, double b) { return logSub<DoubleRanges>(a, b - a, 2.45e-308); }
+// The integer a is added as it stands; a 16-bit result is the low half of the 32-bit one.
+template <class Int>
+Int logSubScaled(Int a, Int b, int32_t sf) {
+  const float d = (static_cast<float>(b) - static_cast<float>(a)) * scaleMultiplier(sf);
+  return static_cast<Int>(limitAndTruncate<int32_t>(logSub<FloatRanges>(a, static_cast<double>(d), 1.0057e-37)));
 }
 
 }  // namespace model

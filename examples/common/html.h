@@ -1,0 +1,18 @@
+// The few pieces of HTML that reports are made of. Pages are self-contained: style inside, links relative.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace example {
+
+/** Text with the characters that mean something to HTML replaced. */
+std::string escaped(const std::string& text);
+
+/** A whole page around the body. */
+std::string htmlPage(const std::string& title, const std::string& body);
+
+/** A table; the first row is the heading. Cells are text and are escaped; a cell that looks like a number stands to the right. */
+std::string htmlTable(const std::vector<std::vector<std::string>>& rows);
+
+}  // namespace example

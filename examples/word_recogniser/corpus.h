@@ -1,0 +1,75 @@
+// The corpus: a folder of recordings named WORD_SPEAKER_INDEX.wav, and how it is split into templates and tests.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "common/wav.h"
+
+namespace words {
+
+struct Recording {
+  std::filesystem::path file;
+  std::string name;  ///< the file's name without .wav
+  std::string word, speaker;
+  int index = 0;
+  example::Sound sound;
+};
+
+/** A file that was left out, and why. */
+struct Skipped {
+  std::string file, reason;
+};
+
+struct Corpus {
+  std::vector<Recording> recordings;         ///< by word, speaker, index
+  std::vector<std::string> words, speakers;  ///< each once, in order ("2" before "10")
+  std::vector<Skipped> skipped;
+
+  int wordNumber(const std::string& word) const;
+  int speakerNumber(const std::string& speaker) const;
+  int lowestRate() const;
+  double seconds() const;
+};
+
+/** Reads every file of the folder; what cannot be used is listed in Corpus::skipped. Throws Fault when the folder cannot be read.
+ */
+Corpus readCorpus(const std::filesystem::path& folder, bool quiet);
+
+/** Index ranges: "0-4", "3", "0-4,10-12". */
+class IndexRanges {
+ public:
+  /** Throws std::invalid_argument with a clear sentence. */
+  static IndexRanges parse(const std::string& text);
+  bool contains(int index) const;
+  /** As it was written. */
+  const std::string& text() const { return text_; }
+
+ private:
+  std::string text_;
+  std::vector<std::pair<int, int>> ranges_;
+};
+
+struct SplitOptions {
+  std::optional<IndexRanges> templates, tests;  ///< by index; without them the first perWord recordings of a word and speaker
+  int perWord = 5;
+  std::string leaveOut;  ///< a speaker, "each", or empty
+};
+
+/** One experiment: which recordings teach and which are recognised, as numbers of Corpus::recordings. */
+struct Trial {
+  std::string title;  ///< the speaker left out, or empty
+  std::vector<size_t> templates, tests;
+};
+
+/** The trials that the options ask for: one, or one a speaker. Tests of words without a template are dropped and counted in
+ *  untaught. Throws Fault when a trial has no template or nothing remains to be recognised. */
+std::vector<Trial> split(const Corpus& corpus, const SplitOptions& options, size_t& untaught);
+
+/** Which recordings are a template in some trial. */
+std::vector<bool> templatesOf(const Corpus& corpus, const std::vector<Trial>& trials);
+
+}  // namespace words

@@ -1,0 +1,140 @@
+#include "match.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "common/fault.h"
+#include "common/progress.h"
+#include "common/stopwatch.h"
+#include "common/text.h"
+#include "feature_set.h"
+#include "plots.h"
+#include "report.h"
+
+namespace words {
+namespace {
+
+void nameSkipped(const Corpus& corpus, size_t from) {
+  for (size_t i = from; i < corpus.skipped.size(); ++i) {
+    std::fprintf(stderr, "skipped %s: %s\n", corpus.skipped[i].file.c_str(), corpus.skipped[i].reason.c_str());
+  }
+}
+
+void refuseEmpty(const Corpus& corpus) {
+  if (corpus.recordings.empty()) {
+    throw example::Fault("no usable recording: all " + std::to_string(corpus.skipped.size()) + " files were skipped");
+  }
+}
+
+float longestOf(const std::vector<float>& tracts) {
+  return tracts.empty() ? 1.0F : std::max(1.0F, *std::max_element(tracts.begin(), tracts.end()));
+}
+
+// Copies of the templates as speakers of other vocal tracts would say them.
+class TemplateCopies {
+ public:
+  TemplateCopies(const Run& run, FrontEnds& frontEnds, const std::vector<float>& tracts, example::Stopwatch& watch) {
+    const std::vector<bool> wanted = templatesOf(run.corpus, run.trials);
+    for (const float tract : tracts) {
+      std::vector<Matrix>& copies = stretched_.emplace_back(wanted.size());
+      for (size_t r = 0; r < wanted.size(); ++r) {
+        if (!wanted[r]) continue;
+        const example::Sound& sound = run.corpus.recordings[r].sound;
+        copies[r] = watch.time([&] { return frontEnds.analyse(sound, tract).features; });
+        seconds_ += sound.seconds();
+      }
+    }
+  }
+
+  void add(Templates& templates, int word, size_t r) const {
+    for (const std::vector<Matrix>& copies : stretched_) templates.add(word, r, copies[r]);
+  }
+  double seconds() const { return seconds_; }
+
+ private:
+  std::vector<std::vector<Matrix>> stretched_;
+  double seconds_ = 0;
+};
+
+std::vector<Result> recogniseAll(const Run& run, const std::vector<Matrix>& features, const TemplateCopies& copies,
+                                 const MatchOptions& options, Speed& speed) {
+  const std::vector<Recording>& recordings = run.corpus.recordings;
+  size_t tests = 0;
+  for (const Trial& trial : run.trials) tests += trial.tests.size();
+  std::vector<Result> results;
+  example::Stopwatch watch;
+  example::Progress progress("matching", tests, options.common.quiet);
+  for (const Trial& trial : run.trials) {
+    Templates templates(options.warp);
+    for (const size_t r : trial.templates) {
+      const int word = run.corpus.wordNumber(recordings[r].word);
+      templates.add(word, r, features[r]);
+      copies.add(templates, word, r);
+    }
+    for (const size_t r : trial.tests) {
+      results.push_back({r, watch.time([&] { return templates.recognise(features[r]); })});
+      speed.speech += recordings[r].sound.seconds();
+      progress.step();
+    }
+  }
+  speed.work = watch.seconds();
+  return results;
+}
+
+// Draws the chosen utterances; on the first failure it says why once and gives up.
+std::vector<Picture> drawPictures(const example::ReportFolder& folder, const Run& run, FrontEnds& frontEnds,
+                                  const MatchOptions& options, std::string& problem) {
+  const std::vector<const Result*> chosen = chooseForPictures(run, static_cast<size_t>(options.common.pictures));
+  std::vector<Picture> pictures;
+  if (chosen.empty()) return pictures;
+  example::Progress progress("pictures", chosen.size(), options.common.quiet);
+  for (const Result* result : chosen) {
+    const Recording& left = run.corpus.recordings[result->recording];
+    const Recording& right = run.corpus.recordings[result->decision.nearest];
+    const Analysis leftAnalysis = frontEnds.analyse(left.sound), rightAnalysis = frontEnds.analyse(right.sound);
+    const std::string image = "utterance" + std::to_string(pictures.size() + 1) + ".png";
+    problem = drawPair(folder.path() / image, {left.name, left.sound, leftAnalysis},
+                       {"nearest: " + right.name, right.sound, rightAnalysis}, options.frontEnd);
+    if (!problem.empty()) break;
+    pictures.push_back({result, image});
+    progress.step();
+  }
+  return pictures;
+}
+
+}  // namespace
+
+void match(MatchOptions options) {
+  Corpus corpus = readCorpus(options.common.corpus, options.common.quiet);
+  nameSkipped(corpus, 0);
+  refuseEmpty(corpus);
+  settle(options.frontEnd, corpus, longestOf(options.tracts));
+  example::ReportFolder folder(options.common.report);
+
+  FrontEnds frontEnds(options.frontEnd);
+  example::Stopwatch watch;
+  const size_t skipped = corpus.skipped.size();
+  const std::vector<Matrix> features = analyseAll(frontEnds, corpus, options.common.quiet, watch);
+  nameSkipped(corpus, skipped);
+  refuseEmpty(corpus);
+
+  Run run{corpus, {}, {}, 0, {}, {}, described(options.split), described(options.frontEnd)};
+  for (const auto& setting : described(options.warp)) run.settings.push_back(setting);
+  for (const float tract : options.tracts) {
+    run.settings.emplace_back("vocal tract", example::fixed(static_cast<double>(tract), 2));
+  }
+  run.trials = split(corpus, options.split, run.untaught);
+  const TemplateCopies copies(run, frontEnds, options.tracts, watch);
+  run.frontEnd = {corpus.seconds() + copies.seconds(), watch.seconds()};
+  run.results = recogniseAll(run, features, copies, options, run.matching);
+  const Score counts = score(corpus, run.results);
+  printTable(run, counts);
+
+  std::string problem;
+  const std::vector<Picture> pictures = drawPictures(folder, run, frontEnds, options, problem);
+  if (!problem.empty()) std::fprintf(stderr, "no pictures: %s\n", problem.c_str());
+  writeReport(folder, run, counts, pictures, problem);
+  std::printf("report     %s\n", (folder.publish() / "index.html").c_str());
+}
+
+}  // namespace words

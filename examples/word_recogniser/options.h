@@ -1,0 +1,31 @@
+// The options of the command line, in groups that several sub-commands share.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <filesystem>
+
+#include "corpus.h"
+#include "front_end.h"
+#include "templates.h"
+
+namespace words {
+
+/** What every sub-command has. */
+struct CommonOptions {
+  std::filesystem::path corpus;
+  std::filesystem::path report = "report";
+  int pictures = 12;  ///< at most so many wrong utterances are pictured
+  bool quiet = false;
+};
+
+void addCommonOptions(CLI::App& app, CommonOptions& options);
+void addSplitOptions(CLI::App& app, SplitOptions& options);
+void addFrontEndOptions(CLI::App& app, FrontEndOptions& options);
+void addWarpOptions(CLI::App& app, WarpOptions& options);
+
+/** Settings in words, "name value" each, for the report. */
+std::vector<std::pair<std::string, std::string>> described(const FrontEndOptions& options);
+std::vector<std::pair<std::string, std::string>> described(const WarpOptions& options);
+std::string described(const SplitOptions& options);
+
+}  // namespace words

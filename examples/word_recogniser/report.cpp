@@ -1,0 +1,209 @@
+#include "report.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "common/html.h"
+#include "common/text.h"
+
+namespace words {
+namespace {
+
+using example::escaped;
+using example::fixed;
+using example::htmlTable;
+using example::percent;
+using example::timesRealTime;
+
+constexpr size_t mostRight = 4;
+constexpr size_t tabulatedWrong = 200;
+
+std::string counted(const Tally& tally) { return std::to_string(tally.right) + " of " + std::to_string(tally.all); }
+
+size_t templateCount(const Run& run) {
+  const std::vector<bool> used = templatesOf(run.corpus, run.trials);
+  return static_cast<size_t>(std::count(used.begin(), used.end(), true));
+}
+
+std::string distanceText(float distance) { return fixed(static_cast<double>(distance), 4); }
+
+std::string recordingName(const Run& run, const Result& result) { return run.corpus.recordings[result.recording].name; }
+std::string nearestName(const Run& run, const Result& result) {
+  return result.decision.word < 0 ? "-" : run.corpus.recordings[result.decision.nearest].name;
+}
+
+void printTallies(const char* title, const std::vector<std::string>& names, const std::vector<Tally>& tallies) {
+  std::printf("%s\n", title);
+  size_t width = 8;
+  for (const std::string& name : names) width = std::max(width, name.size());
+  for (size_t i = 0; i < names.size(); ++i) {
+    if (tallies[i].all == 0) continue;
+    std::printf("  %-*s %9s   %s\n", static_cast<int>(width), names[i].c_str(), percent(tallies[i].right, tallies[i].all).c_str(),
+                counted(tallies[i]).c_str());
+  }
+}
+
+std::string resultsTable(const Run& run) {
+  std::string text = "recording\tword\trecognised\tright\tdistance\tnearest\tsecond\tsecond distance\n";
+  for (const Result& result : run.results) {
+    const Decision& d = result.decision;
+    text += recordingName(run, result) + "\t" + run.corpus.recordings[result.recording].word + "\t" +
+            heardWord(run.corpus, d.word) + "\t" + (isRight(run.corpus, result) ? "yes" : "no") + "\t" +
+            (d.word < 0 ? "-" : distanceText(d.distance)) + "\t" + nearestName(run, result) + "\t" +
+            (d.secondWord < 0 ? "-\t-" : heardWord(run.corpus, d.secondWord) + "\t" + distanceText(d.secondDistance)) + "\n";
+  }
+  return text;
+}
+
+std::string confusionTable(const Run& run, const Score& score) {
+  std::string text = "said";
+  for (const std::string& word : run.corpus.words) text += "\t" + word;
+  text += "\t(nothing)\n";
+  for (size_t said = 0; said < score.confusion.size(); ++said) {
+    text += run.corpus.words[said];
+    for (const size_t count : score.confusion[said]) text += "\t" + std::to_string(count);
+    text += "\n";
+  }
+  return text;
+}
+
+// Rows: what was said; columns: what was recognised. The darker, the larger the share of the row.
+std::string confusionHtml(const Run& run, const Score& score) {
+  const std::vector<std::string>& words = run.corpus.words;
+  bool anyNothing = false;
+  for (const auto& row : score.confusion) anyNothing = anyNothing || row.back() > 0;
+  const size_t columns = words.size() + (anyNothing ? 1 : 0);
+  std::string text = "<div class=\"wide\"><table class=\"confusion\">\n<tr><th class=\"row\">said</th>";
+  for (size_t c = 0; c < columns; ++c) text += "<th>" + escaped(c < words.size() ? words[c] : "(nothing)") + "</th>";
+  text += "<th>right</th></tr>\n";
+  for (size_t said = 0; said < words.size(); ++said) {
+    const Tally& tally = score.byWord[said];
+    if (tally.all == 0) continue;
+    text += "<tr><th class=\"row\">" + escaped(words[said]) + "</th>";
+    for (size_t c = 0; c < columns; ++c) {
+      const size_t count = score.confusion[said][c];
+      const double share = static_cast<double>(count) / static_cast<double>(tally.all);
+      const std::string colour = c == said ? "21,112,58" : "179,38,30";
+      text += count == 0 ? "<td></td>"
+                         : "<td style=\"background:rgba(" + colour + "," + fixed(0.12 + 0.68 * share, 2) + ")" +
+                               (share > 0.6 ? ";color:#fff" : "") + "\">" + std::to_string(count) + "</td>";
+    }
+    text += "<td>" + percent(tally.right, tally.all, 1) + "</td></tr>\n";
+  }
+  return text + "</table></div>\n";
+}
+
+std::string talliesHtml(const std::string& heading, const std::vector<std::string>& names, const std::vector<Tally>& tallies) {
+  std::vector<std::vector<std::string>> rows = {{heading, "accuracy", "right", "of"}};
+  for (size_t i = 0; i < names.size(); ++i) {
+    if (tallies[i].all == 0) continue;
+    rows.push_back(
+        {names[i], percent(tallies[i].right, tallies[i].all), std::to_string(tallies[i].right), std::to_string(tallies[i].all)});
+  }
+  return htmlTable(rows);
+}
+
+std::string wrongHtml(const Run& run) {
+  std::vector<std::vector<std::string>> rows = {
+      {"recording", "recognised", "nearest template", "distance", "second word", "its distance"}};
+  size_t wrong = 0;
+  for (const Result& result : run.results) {
+    if (isRight(run.corpus, result) || ++wrong > tabulatedWrong) continue;
+    const Decision& d = result.decision;
+    rows.push_back({recordingName(run, result), heardWord(run.corpus, d.word), nearestName(run, result),
+                    d.word < 0 ? "-" : distanceText(d.distance), d.secondWord < 0 ? "-" : heardWord(run.corpus, d.secondWord),
+                    d.secondWord < 0 ? "-" : distanceText(d.secondDistance)});
+  }
+  if (wrong == 0) return "<p>None.</p>\n";
+  const std::string rest =
+      wrong > tabulatedWrong ? "<p>And " + std::to_string(wrong - tabulatedWrong) + " more, in results.tsv.</p>\n" : "";
+  return htmlTable(rows) + rest;
+}
+
+std::string pictureHtml(const Run& run, const Picture& picture) {
+  const Result& result = *picture.result;
+  const bool right = isRight(run.corpus, result);
+  return "<figure><figcaption><b>" + escaped(recordingName(run, result)) + "</b>: <span class=\"" + (right ? "right" : "wrong") +
+         "\">recognised as &ldquo;" + escaped(heardWord(run.corpus, result.decision.word)) +
+         "&rdquo;</span> <span class=\"dim\">by " + escaped(nearestName(run, result)) + " at a distance of " +
+         distanceText(result.decision.distance) +
+         (result.decision.secondWord < 0 ? ""
+                                         : "; next &ldquo;" + escaped(heardWord(run.corpus, result.decision.secondWord)) +
+                                               "&rdquo; at " + distanceText(result.decision.secondDistance)) +
+         "</span></figcaption>\n<img src=\"" + escaped(picture.image) + "\" alt=\"" + escaped(recordingName(run, result)) +
+         " and its nearest template\" loading=\"lazy\"></figure>\n";
+}
+
+std::string settingsHtml(const Run& run) {
+  std::vector<std::vector<std::string>> rows = {{"setting", "value"}, {"split", run.splitText}};
+  for (const auto& [name, value] : run.settings) rows.push_back({name, value});
+  return htmlTable(rows);
+}
+
+std::string skippedHtml(const Run& run) {
+  if (run.corpus.skipped.empty()) return "";
+  std::vector<std::vector<std::string>> rows = {{"file", "why it was skipped"}};
+  for (const Skipped& skipped : run.corpus.skipped) rows.push_back({skipped.file, skipped.reason});
+  return "<h2>Skipped files (" + std::to_string(run.corpus.skipped.size()) + ")</h2>\n" + htmlTable(rows);
+}
+
+}  // namespace
+
+void printTable(const Run& run, const Score& score) {
+  const Corpus& corpus = run.corpus;
+  std::printf("%zu recordings of %zu words by %zu speakers, %.1f s; %s\n", corpus.recordings.size(), corpus.words.size(),
+              corpus.speakers.size(), corpus.seconds(), run.splitText.c_str());
+  std::printf("%zu templates, %zu tests, %zu files skipped\n\n", templateCount(run), run.results.size(), corpus.skipped.size());
+  if (run.untaught > 0) std::printf("%zu recordings not tested: no template says their word\n\n", run.untaught);
+  std::printf("accuracy   %s   %s\n", percent(score.all.right, score.all.all).c_str(), counted(score.all).c_str());
+  printTallies("by speaker", corpus.speakers, score.bySpeaker);
+  printTallies("by word", corpus.words, score.byWord);
+  std::printf("\nfront-end  %s\n", timesRealTime(run.frontEnd.speech, run.frontEnd.work).c_str());
+  std::printf("matching   %s\n", timesRealTime(run.matching.speech, run.matching.work).c_str());
+}
+
+std::vector<const Result*> chooseForPictures(const Run& run, size_t mostWrong) {
+  std::vector<const Result*> right, chosen;
+  for (const Result& result : run.results) {
+    if (isRight(run.corpus, result)) {
+      right.push_back(&result);
+    } else if (result.decision.word >= 0 && chosen.size() < mostWrong) {
+      chosen.push_back(&result);
+    }
+  }
+  const size_t some = std::min({mostRight, mostWrong, right.size()});
+  for (size_t i = 0; i < some; ++i) chosen.push_back(right[(2 * i + 1) * right.size() / (2 * some)]);
+  return chosen;
+}
+
+void writeReport(const example::ReportFolder& folder, const Run& run, const Score& score, const std::vector<Picture>& pictures,
+                 const std::string& pictureProblem) {
+  const Corpus& corpus = run.corpus;
+  std::string body = "<h1>Isolated words by template matching</h1>\n<p class=\"dim\">" + std::to_string(corpus.recordings.size()) +
+                     " recordings of " + std::to_string(corpus.words.size()) + " words by " +
+                     std::to_string(corpus.speakers.size()) + " speakers; " + std::to_string(templateCount(run)) + " templates, " +
+                     std::to_string(run.results.size()) + " tests; " + escaped(run.splitText) + "</p>\n<p><span class=\"big\">" +
+                     percent(score.all.right, score.all.all) + "</span> recognised (" + counted(score.all) +
+                     ")</p>\n<p>Front-end " + timesRealTime(run.frontEnd.speech, run.frontEnd.work) + ", matching " +
+                     timesRealTime(run.matching.speech, run.matching.work) + ", on one processor core.</p>\n";
+  if (run.untaught > 0)
+    body += "<p>" + std::to_string(run.untaught) + " recordings were not tested: no template says their word.</p>\n";
+  body += "<h2>Confusion matrix</h2>\n<p class=\"dim\">Rows: the word that was said. Columns: the word that was recognised.</p>\n" +
+          confusionHtml(run, score) + "<div class=\"side\"><div><h2>By speaker</h2>\n" +
+          talliesHtml("speaker", corpus.speakers, score.bySpeaker) + "</div><div><h2>By word</h2>\n" +
+          talliesHtml("word", corpus.words, score.byWord) + "</div><div><h2>Settings</h2>\n" + settingsHtml(run) + "</div></div>\n";
+  body += "<h2>Wrong utterances</h2>\n" + wrongHtml(run);
+  if (!pictureProblem.empty()) body += "<h2>Pictures</h2>\n<p>Some or all are missing: " + escaped(pictureProblem) + ".</p>\n";
+  if (!pictures.empty()) {
+    body +=
+        "<h2>Utterances and their nearest templates</h2>\n<p class=\"dim\">Left the utterance, right the nearest template of the "
+        "recognised word, on one time axis: waveform (cut ends shaded), mel spectrogram, cepstra.</p>\n";
+  }
+  for (const Picture& picture : pictures) body += pictureHtml(run, picture);
+  body += skippedHtml(run);
+  example::writeFile(folder.path() / "results.tsv", resultsTable(run));
+  example::writeFile(folder.path() / "confusion.tsv", confusionTable(run, score));
+  example::writeFile(folder.path() / "index.html", example::htmlPage("Isolated words by template matching", body));
+}
+
+}  // namespace words

@@ -1,0 +1,38 @@
+// What came out of a run: every utterance with its decision, and the counts that tables and pages show.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "corpus.h"
+#include "templates.h"
+
+namespace words {
+
+struct Result {
+  size_t recording;  ///< of Corpus::recordings
+  Decision decision;
+};
+
+struct Tally {
+  size_t right = 0, all = 0;
+  void count(bool isRight) {
+    right += isRight ? 1 : 0;
+    ++all;
+  }
+};
+
+/** Counts over all results. confusion[said][heard]; the last column counts what was not recognised at all. */
+struct Score {
+  Tally all;
+  std::vector<Tally> byWord, bySpeaker;
+  std::vector<std::vector<size_t>> confusion;
+};
+
+bool isRight(const Corpus& corpus, const Result& result);
+/** The word of a decision; "(nothing)" when no template could be reached. */
+std::string heardWord(const Corpus& corpus, int word);
+Score score(const Corpus& corpus, const std::vector<Result>& results);
+
+}  // namespace words

@@ -1,0 +1,200 @@
+// New means, variances and weights from accumulated statistics, and the accumulation of first and second moments.
+//
+//   UpdateMean   destination += source / occupancy                     float: times the reciprocal, double: a true division
+//   UpdateVar    m = first / occ1;  v = second / occ2 - m * m;         v where floor < v, else the floor (also for a NaN)
+//   UpdateWeight w = count * (1 / total);                              w where floor < w, else the floor
+//                sum of the weights: float in four lanes, (l0 + l2) + (l1 + l3); double in two; the last elements in lane 0
+//   NewVar       (square - mean * mean * a) * b                        where each step is rounded differs by member; no floor
+//   MeanVarAcc   d = x - mean, e = d * weight;                         first += e, second += d * e
+//
+// Elements are independent of each other, so the number that is worked on at once never shows, the lanes of the sum apart.
+#pragma once
+
+#include <cstdint>
+#include <limits>
+
+#include "frame/bits.h"
+#include "frame/checks.h"
+#include "frame/column_blocks.h"
+#include "frame/convert.h"
+#include "frame/lanes.h"
+#include "frame/rows.h"
+
+namespace qorsr {
+
+// ---- Division by an occupancy: required to differ by type ----
+
+template <class T>
+struct Quotient;
+template <>
+struct Quotient<float> {
+  float reciprocal;
+  explicit Quotient(float divisor) : reciprocal(1.0F / divisor) {}
+  template <int N>
+  Lanes<float, N> operator()(const Lanes<float, N>& x) const {
+    return x * Lanes<float, N>(reciprocal);
+  }
+};
+template <>
+struct Quotient<double> {
+  double divisor;
+  explicit Quotient(double d) : divisor(d) {}
+  template <int N>
+  Lanes<double, N> operator()(const Lanes<double, N>& x) const {
+    return x / Lanes<double, N>(divisor);
+  }
+};
+
+// ---- Overlap ----
+
+// Whether what is written at `destination` is read later at `source`, when both run upwards over `length` elements.
+template <class T>
+bool feedsItself(const T* destination, const T* source, int32_t length) {
+  const std::uintptr_t ahead = reinterpret_cast<std::uintptr_t>(destination) - reinterpret_cast<std::uintptr_t>(source);
+  return ahead != 0 && ahead < static_cast<std::uintptr_t>(length) * sizeof(T);
+}
+
+// Blocks of elements, or one element after the other where an earlier result is a later input.
+template <class T, class Body>
+inline void coverElements(int32_t length, bool oneByOne, const Body& body) {
+  if (!oneByOne) return coverColumnsOnce<T>(length, body);
+  for (int32_t i = 0; i < length; ++i) body(i, LaneCount<1>());
+}
+
+// ---- Checks of an update: pointers, length, then every occupancy against zero, then every one against what can be divided by ----
+
+template <class T>
+bool isTooSmall(T occupancy) {
+  return (occupancy < 0 ? -occupancy : occupancy) <= std::numeric_limits<T>::min();  // a NaN is not
+}
+
+template <class... Occupancies>
+Checks& checkOccupancies(Checks& checks, Occupancies... occupancies) {
+  return checks.require(!((occupancies < 0) || ...), qorStatusBadStatistic)
+      .require(!(isTooSmall(occupancies) || ...), qorStatusZeroOccupancy);
+}
+
+// ---- Updates ----
+
+template <class T>
+QorStatus updateMean(const T* source, T* destination, int32_t length, T occupancy) {
+  Checks checks;
+  if (QorStatus bad = checkOccupancies(checks.null(source, destination).size(length), occupancy)) return bad;
+  const Quotient<T> over(occupancy);
+  coverElements<T>(length, feedsItself(destination, source, length), [&](int32_t i, auto n) {
+    using L = Lanes<T, n>;
+    (L::load(destination + i) + over(L::load(source + i))).store(destination + i);
+  });
+  return qorStatusOk;
+}
+
+template <class T>
+QorStatus updateVar(const T* first, const T* second, const T* floors, T* destination, int32_t length, T firstOccupancy,
+                    T secondOccupancy) {
+  Checks checks;
+  checks.null(first, second, floors, destination).size(length);
+  if (QorStatus bad = checkOccupancies(checks, firstOccupancy, secondOccupancy)) return bad;
+  const Quotient<T> overFirst(firstOccupancy), overSecond(secondOccupancy);
+  bool anyAbove = false;
+  coverColumnsOnce<T>(length, [&](int32_t i, auto n) {
+    using L = Lanes<T, n>;
+    const L mean = overFirst(L::load(first + i));
+    const L variance = overSecond(L::load(second + i)) - mean * mean;
+    const L floor = L::load(floors + i);
+    anyAbove |= anyLess(floor, variance);
+    max(variance, floor).store(destination + i);
+  });
+  return anyAbove ? qorStatusOk : qorStatusAllFloored;
+}
+
+template <class T>
+QorStatus updateWeight(const T* counts, T* destination, int32_t length, T* sum, T total, T floor) {
+  Checks checks;
+  if (QorStatus bad = checkOccupancies(checks.null(counts, destination, sum).size(length), total)) return bad;
+  constexpr int kSumLanes = 16 / static_cast<int>(sizeof(T));
+  using L = Lanes<T, kSumLanes>;
+  const T r = T(1) / total;
+  L lanes(T(0));
+  bool anyAbove = false;
+  int32_t i = 0;
+  for (; i <= length - kSumLanes; i += kSumLanes) {
+    const L weight = L::load(counts + i) * L(r);
+    anyAbove |= anyLess(L(floor), weight);
+    const L kept = max(weight, L(floor));
+    kept.store(destination + i);
+    lanes += kept;
+  }
+  T l[kSumLanes];
+  lanes.store(l);
+  for (; i < length; ++i) {
+    const T weight = counts[i] * r;
+    anyAbove |= floor < weight;
+    destination[i] = floor < weight ? weight : floor;
+    l[0] += destination[i];
+  }
+  *sum = joinHalves(L::load(l));
+  return anyAbove ? qorStatusOk : qorStatusAllFloored;
+}
+
+// ---- New variances ----
+
+// The square of the mean is rounded to float, the rest runs in double and is rounded once (required; in place it is all float).
+inline QorStatus newVar(const float* means, const float* squares, float* destination, int32_t length, float a, float b) {
+  if (QorStatus bad = Checks().null(means, squares, destination).size(length)) return bad;
+  const bool oneByOne = feedsItself(destination, means, length) || feedsItself(destination, squares, length);
+  coverElements<float>(length, oneByOne, [&](int32_t i, auto n) {
+    using L = Lanes<double, n>;
+    const Lanes<float, n> mean = Lanes<float, n>::load(means + i);
+    const L variance =
+        (loadAs<double, n>(squares + i) - widen(mean * mean) * L(static_cast<double>(a))) * L(static_cast<double>(b));
+    narrow(variance).store(destination + i);
+  });
+  return qorStatusOk;
+}
+
+// In float throughout, for float and 32-bit integer data.
+template <int N, class T>
+inline Lanes<float, N> newVarInFloat(const T* means, const T* squares, float a, float b) {
+  using L = Lanes<float, N>;
+  const L mean = loadAs<float, N>(means);
+  return (loadAs<float, N>(squares) - mean * mean * L(a)) * L(b);
+}
+
+inline QorStatus newVarInPlace(const float* means, float* squares, int32_t length, float a, float b) {
+  if (QorStatus bad = Checks().null(means, squares).size(length)) return bad;
+  coverColumnsOnce<float>(length, [&](int32_t i, auto n) { newVarInFloat<n>(means + i, squares + i, a, b).store(squares + i); });
+  return qorStatusOk;
+}
+
+// required: with means and squares on 16-byte boundaries the results are rounded to nearest and saturated, a NaN giving 0; else
+// they are truncated, and what does not fit, a NaN too, gives the most negative integer.
+inline QorStatus newVarScaled(const int32_t* means, const int32_t* squares, int32_t* destination, int32_t length, float a, float b,
+                              int32_t scaleFactor) {
+  if (QorStatus bad = Checks().null(means, squares, destination).size(length)) return bad;
+  if (isAligned16(means) && isAligned16(squares)) {
+    float* const floats = reinterpret_cast<float*>(destination);
+    coverColumnsOnce<float>(length, [&](int32_t i, auto n) { newVarInFloat<n>(means + i, squares + i, a, b).store(floats + i); });
+    return qorConvert_32f32s_Sfs(floats, destination, length, kNearestEven, scaleFactor);
+  }
+  const float multiplier = qorPow2Neg_32f(scaleFactor);
+  coverColumnsOnce<float>(length, [&](int32_t i, auto n) {
+    truncated(newVarInFloat<n>(means + i, squares + i, a, b) * Lanes<float, n>(multiplier)).store(destination + i);
+  });
+  return qorStatusOk;
+}
+
+// ---- Accumulation of moments ----
+
+template <class T>
+QorStatus meanVarAcc(const T* source, const T* mean, T* accumulatedMean, T* accumulatedVariance, int32_t length, T weight) {
+  if (QorStatus bad = Checks().null(source, mean, accumulatedMean, accumulatedVariance).size(length)) return bad;
+  coverColumnsOnce<T>(length, [&](int32_t i, auto n) {
+    using L = Lanes<T, n>;
+    const L d = L::load(source + i) - L::load(mean + i), e = d * L(weight);
+    (L::load(accumulatedMean + i) + e).store(accumulatedMean + i);
+    (L::load(accumulatedVariance + i) + d * e).store(accumulatedVariance + i);
+  });
+  return qorStatusOk;
+}
+
+}  // namespace qorsr

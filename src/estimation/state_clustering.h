@@ -1,0 +1,152 @@
+// Statistics of model states and the likelihood of their pooled data, for clustering with a decision tree.
+//
+//   Accumulate  sum = mean * occ;   squares = (1/v + mean^2) * occ for an inverse variance v, (mean^2 + v) * occ for a direct one
+//   Compute     (N/2) * (D * ((log N - 1 - log 2pi) + log N) - sum over i of log(squares[i] * N - sum[i]^2))
+//
+// required: with an inverse variance, a length of at least 8 and all four vectors on 16-byte boundaries, the squares come from
+// (occ * mean) * mean plus the variance by another way:
+//   float   r = 1/v and one Newton step, (2 - v * r) * r * occ, by fours and then a pair; a single last element: occ / v
+//   double  one division for two elements, q = occ / (v0 * v2): v2 * q and v0 * q (likewise v1 and v3), then a pair; a last one:
+//   occ / v
+#pragma once
+
+#include <bit>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+
+#include "frame/checks.h"
+#include "frame/column_blocks.h"
+#include "frame/lanes.h"
+#include "frame/rows.h"
+
+namespace qorsr {
+
+inline constexpr double kClusterLog2Pi = std::bit_cast<double>(uint64_t{0x3FFD67F1C864BEB5});  // required
+inline constexpr double kNoLikelihood = -1.0e10;
+
+template <class T>
+struct State {
+  const T *mean, *variance;
+  T *sum, *squares;
+  T occupancy;
+};
+
+// ---- By the formula ----
+
+struct InverseVariance {
+  template <class L>
+  L operator()(const L& v, const L& square, const L& occupancy) const {
+    return (L(1) / v + square) * occupancy;
+  }
+};
+struct DirectVariance {
+  template <class L>
+  L operator()(const L& v, const L& square, const L& occupancy) const {
+    return (square + v) * occupancy;
+  }
+};
+
+template <class Variance, class T>
+void accumulatePlain(const State<T>& s, int32_t length) {
+  coverColumnsOnce<T>(length, [&](int32_t i, auto n) {
+    using L = Lanes<T, n>;
+    const L mean = L::load(s.mean + i), occupancy(s.occupancy);
+    (mean * occupancy).store(s.sum + i);
+    Variance()(L::load(s.variance + i), mean * mean, occupancy).store(s.squares + i);
+  });
+}
+
+// ---- By the fast way of inverse variances ----
+
+// `term` is the share of the variance.
+template <class L, class T>
+inline void storeFast(const State<T>& s, int32_t i, const L& term) {
+  const L mean = L::load(s.mean + i), sum = L(s.occupancy) * mean;
+  sum.store(s.sum + i);
+  (sum * mean + term).store(s.squares + i);
+}
+
+inline void accumulateFast(const State<float>& s, int32_t length) {
+  coverColumnsOnce<float>(length - length % 2, [&](int32_t i, auto n) {
+    using L = Lanes<float, n>;
+    const L v = L::load(s.variance + i), r = L(1.0F) / v;
+    const L least(std::numeric_limits<float>::denorm_min());
+    const L refined = selectLess(abs(v), least, r, (L(2.0F) - v * r) * r);  // of zero it stays infinite
+    storeFast(s, i, refined * L(s.occupancy));
+  });
+  if (length % 2 != 0) {
+    const int32_t i = length - 1;
+    storeFast(s, i, Lanes<float, 1>(s.occupancy / s.variance[i]));
+  }
+}
+
+inline void accumulateFast(const State<double>& s, int32_t length) {
+  int32_t i = 0;
+  for (; i <= length - 4; i += 4) {
+    using Pair = Lanes<double, 2>;
+    const Pair v01 = Pair::load(s.variance + i), v23 = Pair::load(s.variance + i + 2);
+    const Pair q = Pair(s.occupancy) / (v01 * v23);
+    storeFast(s, i, v23 * q);
+    storeFast(s, i + 2, v01 * q);
+  }
+  using One = Lanes<double, 1>;
+  if (i <= length - 2) {
+    const double v0 = s.variance[i], v1 = s.variance[i + 1], q = s.occupancy / (v0 * v1);
+    storeFast(s, i, One(v1 * q));
+    storeFast(s, i + 1, One(v0 * q));
+    i += 2;
+  }
+  if (i < length) storeFast(s, i, One(s.occupancy / s.variance[i]));
+}
+
+// ---- Family bodies ----
+
+template <class T>
+QorStatus accumulateChecks(const State<T>& s, int32_t length) {
+  return Checks().null(s.mean, s.variance, s.sum, s.squares).size(length);
+}
+
+template <class T>
+QorStatus accumulateInverse(const State<T>& s, int32_t length) {
+  if (QorStatus bad = accumulateChecks(s, length)) return bad;
+  if (length >= 8 && isAligned16(s.mean) && isAligned16(s.variance) && isAligned16(s.sum) && isAligned16(s.squares)) {
+    accumulateFast(s, length);
+  } else {
+    accumulatePlain<InverseVariance>(s, length);
+  }
+  return qorStatusOk;
+}
+
+template <class T>
+QorStatus accumulateDirect(const State<T>& s, int32_t length) {
+  if (QorStatus bad = accumulateChecks(s, length)) return bad;
+  accumulatePlain<DirectVariance>(s, length);
+  return qorStatusOk;
+}
+
+template <class T>
+QorStatus clusterLikelihood(const T* sum, const T* squares, int32_t length, double* result, double occupancy) {
+  if (QorStatus bad = Checks().null(sum, squares, result).size(length).require(!(occupancy < 0.0), qorStatusBadStatistic))
+    return bad;
+  *result = kNoLikelihood;
+  if (occupancy == 0.0) return qorStatusZeroOccupancy;
+  const double log = std::log(occupancy), constant = length * ((log - 1.0 - kClusterLog2Pi) + log);
+  double logs = 0.0;
+  for (int32_t i = 0; i < length; ++i) {
+    const double x = static_cast<double>(sum[i]), d = static_cast<double>(squares[i]) * occupancy - x * x;
+    if (d == 0.0) {
+      *result = -std::numeric_limits<double>::infinity();
+      return qorStatusLogZero;
+    }
+    if (d < 0.0) {
+      *result = std::bit_cast<double>(uint64_t{0xFFF8000000000000});
+      return qorStatusLogNegative;
+    }
+    logs += std::log(d);
+  }
+  *result = occupancy * 0.5 * (constant - logs);
+  return qorStatusOk;
+}
+
+}  // namespace qorsr
