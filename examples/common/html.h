@@ -12,7 +12,8 @@ std::string escaped(const std::string& text);
 /** A whole page around the body. */
 std::string htmlPage(const std::string& title, const std::string& body);
 
-/** A table; the first row is the heading. Cells are text and are escaped; a cell that looks like a number stands to the right. */
+/** A table; the first row is the heading, and all rows have as many cells. Cells are text and are escaped; columns of numbers stand
+ * to the right. */
 std::string htmlTable(const std::vector<std::vector<std::string>>& rows);
 
 }  // namespace example

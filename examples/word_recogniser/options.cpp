@@ -130,7 +130,7 @@ std::string described(const SplitOptions& options) {
     result = "templates " + (options.templates ? options.templates->text() : "the rest") + ", tests " +
              (options.tests ? options.tests->text() : "the rest");
   } else if (options.leaveOut.empty()) {
-    result = std::to_string(options.perWord) + " templates a word and speaker";
+    result = std::to_string(options.perWord) + (options.perWord == 1 ? " template" : " templates") + " a word and speaker";
   }
   if (!options.leaveOut.empty()) {
     result += result.empty() ? "" : "; ";

@@ -17,6 +17,7 @@ using example::timesRealTime;
 
 constexpr size_t mostRight = 4;
 constexpr size_t tabulatedWrong = 200;
+constexpr size_t fewWords = 20;  // beyond that the confusion matrix is set small
 
 std::string counted(const Tally& tally) { return std::to_string(tally.right) + " of " + std::to_string(tally.all); }
 
@@ -67,28 +68,29 @@ std::string confusionTable(const Run& run, const Score& score) {
   return text;
 }
 
+std::string confusionCell(size_t count, size_t all, bool right) {
+  if (count == 0) return "<td></td>";
+  const double share = static_cast<double>(count) / static_cast<double>(all);
+  return std::string("<td style=\"background:rgba(") + (right ? "21,112,58" : "179,38,30") + "," + fixed(0.12 + 0.68 * share, 2) +
+         ")" + (share > 0.6 ? ";color:#fff" : "") + "\">" + std::to_string(count) + "</td>";
+}
+
 // Rows: what was said; columns: what was recognised. The darker, the larger the share of the row.
 std::string confusionHtml(const Run& run, const Score& score) {
   const std::vector<std::string>& words = run.corpus.words;
   bool anyNothing = false;
   for (const auto& row : score.confusion) anyNothing = anyNothing || row.back() > 0;
   const size_t columns = words.size() + (anyNothing ? 1 : 0);
-  std::string text = "<div class=\"wide\"><table class=\"confusion\">\n<tr><th class=\"row\">said</th>";
+  std::string text = std::string("<div class=\"wide\"><table class=\"confusion") + (words.size() > fewWords ? " dense" : "") +
+                     "\">\n<tr><th class=\"row\">said</th><th>right</th>";
   for (size_t c = 0; c < columns; ++c) text += "<th>" + escaped(c < words.size() ? words[c] : "(nothing)") + "</th>";
-  text += "<th>right</th></tr>\n";
+  text += "</tr>\n";
   for (size_t said = 0; said < words.size(); ++said) {
     const Tally& tally = score.byWord[said];
     if (tally.all == 0) continue;
-    text += "<tr><th class=\"row\">" + escaped(words[said]) + "</th>";
-    for (size_t c = 0; c < columns; ++c) {
-      const size_t count = score.confusion[said][c];
-      const double share = static_cast<double>(count) / static_cast<double>(tally.all);
-      const std::string colour = c == said ? "21,112,58" : "179,38,30";
-      text += count == 0 ? "<td></td>"
-                         : "<td style=\"background:rgba(" + colour + "," + fixed(0.12 + 0.68 * share, 2) + ")" +
-                               (share > 0.6 ? ";color:#fff" : "") + "\">" + std::to_string(count) + "</td>";
-    }
-    text += "<td>" + percent(tally.right, tally.all, 1) + "</td></tr>\n";
+    text += "<tr><th class=\"row\">" + escaped(words[said]) + "</th><td>" + percent(tally.right, tally.all, 0) + "</td>";
+    for (size_t c = 0; c < columns; ++c) text += confusionCell(score.confusion[said][c], tally.all, c == said);
+    text += "</tr>\n";
   }
   return text + "</table></div>\n";
 }
