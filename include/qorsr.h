@@ -216,6 +216,46 @@ QORSR_API QorStatus qorsSumColumnSqr_64f_D2L(double* const* rows, int32_t width,
                                              int32_t firstRow, double scale);
 /** @} */
 
+/** @defgroup weighted_moments Weighted column statistics
+ *  Weighted means and variances of the columns of a matrix of height rows (frames) and width columns (features); weights holds one
+ *  number a row, as used for soft assignments. Results are vectors of width elements. Nothing is allocated.
+ *
+ *  - `WeightedMean`: mean[c] = sum over r of x[r][c] w[r].
+ *  - `WeightedVar`: variance[c] = sum over r of x[r][c]^2 w[r] - mean[c]^2, the mean being given.
+ *  - `WeightedMeanVar`: both in one pass; the second sum takes (x w) x.
+ *
+ *  The weights are used as given: with a sum of 1 the results are a mean and a variance. Sums run in the element type, rows in
+ * pairs from the top down, (p0 + p1) + (p2 + p3) ..., an odd last row alone. No floor is applied: by rounding, or with a mean that
+ * is not the weighted one, a variance may be negative.
+ *
+ *  Statuses: null pointers; in `_D2` a stride below the width (#qorStatusBadStride); width or height below 1.
+ *  @{ */
+QORSR_API QorStatus qorsWeightedMeanColumn_32f_D2(const float* source, int32_t stride, const float* weights, int32_t height,
+                                                  float* means, int32_t width);
+QORSR_API QorStatus qorsWeightedVarColumn_32f_D2(const float* source, int32_t stride, const float* weights, int32_t height,
+                                                 const float* means, float* variances, int32_t width);
+QORSR_API QorStatus qorsWeightedMeanVarColumn_32f_D2(const float* source, int32_t stride, const float* weights, int32_t height,
+                                                     float* means, float* variances, int32_t width);
+QORSR_API QorStatus qorsWeightedMeanColumn_32f_D2L(const float* const* rows, const float* weights, int32_t height, float* means,
+                                                   int32_t width);
+QORSR_API QorStatus qorsWeightedVarColumn_32f_D2L(const float* const* rows, const float* weights, int32_t height,
+                                                  const float* means, float* variances, int32_t width);
+QORSR_API QorStatus qorsWeightedMeanVarColumn_32f_D2L(const float* const* rows, const float* weights, int32_t height, float* means,
+                                                      float* variances, int32_t width);
+QORSR_API QorStatus qorsWeightedMeanColumn_64f_D2(const double* source, int32_t stride, const double* weights, int32_t height,
+                                                  double* means, int32_t width);
+QORSR_API QorStatus qorsWeightedVarColumn_64f_D2(const double* source, int32_t stride, const double* weights, int32_t height,
+                                                 const double* means, double* variances, int32_t width);
+QORSR_API QorStatus qorsWeightedMeanVarColumn_64f_D2(const double* source, int32_t stride, const double* weights, int32_t height,
+                                                     double* means, double* variances, int32_t width);
+QORSR_API QorStatus qorsWeightedMeanColumn_64f_D2L(const double* const* rows, const double* weights, int32_t height, double* means,
+                                                   int32_t width);
+QORSR_API QorStatus qorsWeightedVarColumn_64f_D2L(const double* const* rows, const double* weights, int32_t height,
+                                                  const double* means, double* variances, int32_t width);
+QORSR_API QorStatus qorsWeightedMeanVarColumn_64f_D2L(const double* const* rows, const double* weights, int32_t height,
+                                                      double* means, double* variances, int32_t width);
+/** @} */
+
 /** @defgroup row_edits Edits of rows and columns
  *  Matrices of height rows and width columns, changed in place or gathered. Nothing is allocated.
  *

@@ -91,7 +91,8 @@ TEST(Dtw, EveryWidth) {
       } else {
         q.fill(random, kit::Random::kPlain);
       }
-      expectModel(q, static_cast<int32_t>(random.integer(0, 12)), kBeams[random.integer(0, std::ssize(kBeams) - 1)]);
+      const auto delta = static_cast<int32_t>(random.integer(0, 12));
+      expectModel(q, delta, kBeams[random.integer(0, std::ssize(kBeams) - 1)]);
       if (HasFatalFailure()) FAIL() << n1 << " x " << n2 << " width " << width;
     }
   }
@@ -156,8 +157,9 @@ TEST(Dtw, NastyData) {
     const auto spoiled = random.integer(0, 20);  // single nasty elements, so that paths lead around them
     for (int64_t k = 0; k < spoiled; ++k) {
       kit::Matrix<float>& m = random.integer(0, 1) != 0 ? q.first : q.second;
-      m.set(static_cast<int32_t>(random.integer(0, m.height() - 1)), static_cast<int32_t>(random.integer(0, m.width() - 1)),
-            random.nasty<float>());
+      const auto row = static_cast<int32_t>(random.integer(0, m.height() - 1));
+      const auto column = static_cast<int32_t>(random.integer(0, m.width() - 1));
+      m.set(row, column, random.nasty<float>());
     }
     if (turn % 10 == 0) q.fill(random, kit::Random::kNasty);
     for (const float beam : kBeams) expectModel(q, static_cast<int32_t>(random.integer(0, 30)), beam);

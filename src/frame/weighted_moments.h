@@ -1,0 +1,85 @@
+// Weighted means and variances of columns.
+//
+//   mean[c] = sum over r of x[r][c] w[r]
+//   var[c]  = sum over r of x[r][c]^2 w[r] - mean[c]^2
+//
+// The weights are taken as they are: they sum to 1 where a true mean is wanted. Sums start at zero and take rows in pairs from the
+// top down, (p0 + p1), (p2 + p3), ..., an odd last row alone. A term of the second sum is (x * x) * w where the mean is given and
+// (x * w) * x where both are formed in one pass. There is no floor: rounding, or a foreign mean, may leave a variance below zero.
+#pragma once
+
+#include <cstdint>
+
+#include "frame/checks.h"
+#include "frame/column_blocks.h"
+#include "frame/lanes.h"
+#include "frame/rows.h"
+
+namespace qorsr {
+
+// Adds terms of rows first to end - 1, in pairs: add(term(r) + term(r + 1)). `first` is even.
+template <class Term, class Sum>
+inline void sumInPairs(int32_t first, int32_t end, const Term& term, Sum& sum) {
+  int32_t r = first;
+  for (; r < end - 1; r += 2) sum += term(r) + term(r + 1);
+  if (r < end) sum += term(r);
+}
+
+// Sums and sums of squares side by side.
+template <class L>
+struct TwoSums {
+  L first, second;
+
+  friend TwoSums operator+(const TwoSums& a, const TwoSums& b) { return {a.first + b.first, a.second + b.second}; }
+  TwoSums& operator+=(const TwoSums& b) { return *this = *this + b; }
+};
+
+template <class T, class Rows>
+QorStatus weightedMeanColumn(Rows rows, const T* weights, int32_t height, T* means, int32_t width) {
+  if (QorStatus bad = Checks().null(rows, weights, means).stride(rows, width).size(width, height)) return bad;
+  coverColumnsInTiles<T>(width, height, sizeof(T), [&](int32_t c, auto n, int32_t first, int32_t end) {
+    using L = Lanes<T, n>;
+    L sum = first > 0 ? L::load(means + c) : L(T(0));
+    sumInPairs(
+        first, end, [&](int32_t r) { return L::load(rows[r] + c) * L(weights[r]); }, sum);
+    sum.store(means + c);
+  });
+  return qorStatusOk;
+}
+
+template <class T, class Rows>
+QorStatus weightedVarColumn(Rows rows, const T* weights, int32_t height, const T* means, T* variances, int32_t width) {
+  if (QorStatus bad = Checks().null(rows, weights, means, variances).stride(rows, width).size(width, height)) return bad;
+  coverColumnsInTiles<T>(width, height, sizeof(T), [&](int32_t c, auto n, int32_t first, int32_t end) {
+    using L = Lanes<T, n>;
+    L sum = first > 0 ? L::load(variances + c) : L(T(0));
+    const auto term = [&](int32_t r) {
+      const L x = L::load(rows[r] + c);
+      return x * x * L(weights[r]);
+    };
+    sumInPairs(first, end, term, sum);
+    const L mean = L::load(means + c);
+    (end == height ? sum - mean * mean : sum).store(variances + c);
+  });
+  return qorStatusOk;
+}
+
+template <class T, class Rows>
+QorStatus weightedMeanVarColumn(Rows rows, const T* weights, int32_t height, T* means, T* variances, int32_t width) {
+  if (QorStatus bad = Checks().null(rows, weights, means, variances).stride(rows, width).size(width, height)) return bad;
+  coverColumnsInTiles<T>(width, height, sizeof(T), [&](int32_t c, auto n, int32_t first, int32_t end) {
+    using L = Lanes<T, n>;
+    TwoSums<L> sums = first > 0 ? TwoSums<L>{L::load(means + c), L::load(variances + c)} : TwoSums<L>{L(T(0)), L(T(0))};
+    const auto terms = [&](int32_t r) {
+      const L x = L::load(rows[r] + c), weighted = x * L(weights[r]);
+      return TwoSums<L>{weighted, weighted * x};
+    };
+    sumInPairs(first, end, terms, sums);
+    if (end == height) sums.second -= sums.first * sums.first;
+    sums.first.store(means + c);
+    sums.second.store(variances + c);
+  });
+  return qorStatusOk;
+}
+
+}  // namespace qorsr
