@@ -256,7 +256,7 @@ QORSR_API QorStatus qorsWeightedMeanVarColumn_64f_D2L(const double* const* rows,
                                                       double* means, double* variances, int32_t width);
 /** @} */
 
-/** @defgroup row_edits Edits of rows and columns
+/** @defgroup row_edits Edits of rows
  *  Matrices of height rows and width columns, changed in place or gathered. Nothing is allocated.
  *
  *  **Normalisation** (`NormalizeColumn`). x[r][c] = (x[r][c] - means[c]) * scales[c], in place. `16s`: the exact 32-bit product is
@@ -294,6 +294,58 @@ QORSR_API QorStatus qorsAddNRows_32f_D2(const float* source, int32_t height, int
                                         const int32_t* indices1, const uint16_t* indices2, int32_t indexCount, float* destination,
                                         int32_t width, float start);
 QORSR_API QorStatus qorsAddMulRow_64f(const double* source, double* destination, int32_t length, double factor);
+/** @} */
+
+/** @defgroup column_edits Columns copied and edited
+ *  Matrices of height rows and width columns. Nothing is allocated.
+ *
+ *  **Copies.** `CopyColumn`: destination[r][c] = source[r][c], from rows of width elements without a gap to rows with a stride.
+ *  `CopyColumn_Indirect`: destination[r][k] = source[r][columns[k]] for k = 0 to columnCount - 1. `CopyWithPadding`: length
+ * elements, then zeros up to paddedLength.
+ *
+ *  **Single columns**, for rows r from firstRow to height - 1. `AddMulColumn`: row[destinationColumn] += row[sourceColumn] *
+ * factor. `MulColumn`: row[column] *= factor. `DotProdColumn`: result = sum of row[firstColumn] * row[secondColumn], row firstRow +
+ * k going to running sum k mod 4, joined as (s0 + s2) + (s1 + s3).
+ *
+ *  Statuses. `CopyColumn`: null pointers; height or width below 1; stride below width. `CopyColumn_Indirect_D2`: null pointers;
+ * source width below 1; source stride below source width; columnCount below 1; destination stride below columnCount; height below
+ * 1;
+ *  `_D2L`: null pointers; source width, columnCount or height below 1. In both an entry of columns outside 0 to source width - 1
+ * gives #qorStatusBadSize while the first row is being copied: what stands in front of it there has been copied (required).
+ *  `CopyWithPadding`: null pointers; length or paddedLength below 1, or paddedLength below length (#qorStatusBadSize). Single
+ * columns: null pointers; width or height below 1, a column outside 0 to width - 1 or firstRow outside 0 to height - 1
+ * (#qorStatusBadSize).
+ *  @{ */
+QORSR_API QorStatus qorsCopyColumn_16s_D2(const int16_t* source, int32_t width, int16_t* destination, int32_t destinationStride,
+                                          int32_t height);
+QORSR_API QorStatus qorsCopyColumn_32f_D2(const float* source, int32_t width, float* destination, int32_t destinationStride,
+                                          int32_t height);
+
+QORSR_API QorStatus qorsCopyColumn_Indirect_16s_D2(const int16_t* source, int32_t sourceWidth, int32_t sourceStride,
+                                                   int16_t* destination, const int32_t* columns, int32_t columnCount,
+                                                   int32_t destinationStride, int32_t height);
+QORSR_API QorStatus qorsCopyColumn_Indirect_16s_D2L(const int16_t* const* source, int32_t sourceWidth, int16_t* const* destination,
+                                                    const int32_t* columns, int32_t columnCount, int32_t height);
+QORSR_API QorStatus qorsCopyColumn_Indirect_32f_D2(const float* source, int32_t sourceWidth, int32_t sourceStride,
+                                                   float* destination, const int32_t* columns, int32_t columnCount,
+                                                   int32_t destinationStride, int32_t height);
+QORSR_API QorStatus qorsCopyColumn_Indirect_32f_D2L(const float* const* source, int32_t sourceWidth, float* const* destination,
+                                                    const int32_t* columns, int32_t columnCount, int32_t height);
+QORSR_API QorStatus qorsCopyColumn_Indirect_64f_D2(const double* source, int32_t sourceWidth, int32_t sourceStride,
+                                                   double* destination, const int32_t* columns, int32_t columnCount,
+                                                   int32_t destinationStride, int32_t height);
+QORSR_API QorStatus qorsCopyColumn_Indirect_64f_D2L(const double* const* source, int32_t sourceWidth, double* const* destination,
+                                                    const int32_t* columns, int32_t columnCount, int32_t height);
+
+QORSR_API QorStatus qorsCopyWithPadding_16s(const int16_t* source, int32_t length, int16_t* destination, int32_t paddedLength);
+QORSR_API QorStatus qorsCopyWithPadding_32f(const float* source, int32_t length, float* destination, int32_t paddedLength);
+
+QORSR_API QorStatus qorsAddMulColumn_64f_D2L(double* const* rows, int32_t width, int32_t height, int32_t sourceColumn,
+                                             int32_t destinationColumn, int32_t firstRow, double factor);
+QORSR_API QorStatus qorsMulColumn_64f_D2L(double* const* rows, int32_t width, int32_t height, int32_t column, int32_t firstRow,
+                                          double factor);
+QORSR_API QorStatus qorsDotProdColumn_64f_D2L(const double* const* rows, int32_t width, int32_t height, double* result,
+                                              int32_t firstColumn, int32_t secondColumn, int32_t firstRow);
 /** @} */
 
 /* ================================ Acoustic scoring ================================ */
