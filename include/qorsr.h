@@ -348,6 +348,58 @@ QORSR_API QorStatus qorsDotProdColumn_64f_D2L(const double* const* rows, int32_t
                                               int32_t firstColumn, int32_t secondColumn, int32_t firstRow);
 /** @} */
 
+/** @defgroup products Products of a matrix and a vector
+ *  A matrix of height rows and width columns. `MatVecMul`: result[r] = sum over c of x[r][c] v[c], a vector of width elements in,
+ * height results out. `VecMatMul`: result[c] = sum over r of v[r] x[r][c], a vector of height elements in, width results out. The
+ * stride belongs to the matrix. Nothing is allocated.
+ *
+ *  - **`MatVecMul_32f`.** In float: groups of 16 elements in 16 lanes, joined by halves to four; groups of four in these; up to
+ * three last elements in lane 0; (l0 + l2) + (l1 + l3).
+ *  - **`MatVecMul_16s`, `_16s32s`.** The sum is exact (64 bits). A scale factor above 0 shifts it right without rounding, toward
+ *    minus infinity (64 and more: 0 or -1); below 0 it is multiplied by the power of two; then saturated to the result's type.
+ *  - **`VecMatMul_32f`.** In float, row after row.
+ *  - **`VecMatMul_16s`, `_16s32s`.** The sum in double, times 2^-sf, limited to the result's range, rounded to nearest, ties to
+ * even. That one of the two 16-bit families truncates and the other rounds is required.
+ *  - **`_32s`.** Products and sums in double (`MatVecMul`: even and odd elements in two sums, joined at the end; `VecMatMul`: row
+ * after row), times 2^-sf, limited to 32 bits, rounded to nearest, ties to even.
+ *
+ *  Statuses: null pointers; height or width below 1; stride below width (`_D2`).
+ *  @{ */
+QORSR_API QorStatus qorsMatVecMul_32f_D2(const float* matrix, int32_t stride, const float* vector, int32_t width, float* result,
+                                         int32_t height);
+QORSR_API QorStatus qorsMatVecMul_32f_D2L(const float* const* rows, const float* vector, int32_t width, float* result,
+                                          int32_t height);
+QORSR_API QorStatus qorsMatVecMul_16s_D2Sfs(const int16_t* matrix, int32_t stride, const int16_t* vector, int32_t width,
+                                            int16_t* result, int32_t height, int32_t scaleFactor);
+QORSR_API QorStatus qorsMatVecMul_16s_D2LSfs(const int16_t* const* rows, const int16_t* vector, int32_t width, int16_t* result,
+                                             int32_t height, int32_t scaleFactor);
+QORSR_API QorStatus qorsMatVecMul_16s32s_D2Sfs(const int16_t* matrix, int32_t stride, const int16_t* vector, int32_t width,
+                                               int32_t* result, int32_t height, int32_t scaleFactor);
+QORSR_API QorStatus qorsMatVecMul_16s32s_D2LSfs(const int16_t* const* rows, const int16_t* vector, int32_t width, int32_t* result,
+                                                int32_t height, int32_t scaleFactor);
+QORSR_API QorStatus qorsMatVecMul_32s_D2Sfs(const int32_t* matrix, int32_t stride, const int32_t* vector, int32_t width,
+                                            int32_t* result, int32_t height, int32_t scaleFactor);
+QORSR_API QorStatus qorsMatVecMul_32s_D2LSfs(const int32_t* const* rows, const int32_t* vector, int32_t width, int32_t* result,
+                                             int32_t height, int32_t scaleFactor);
+
+QORSR_API QorStatus qorsVecMatMul_32f_D2(const float* vector, const float* matrix, int32_t stride, int32_t height, float* result,
+                                         int32_t width);
+QORSR_API QorStatus qorsVecMatMul_32f_D2L(const float* vector, const float* const* rows, int32_t height, float* result,
+                                          int32_t width);
+QORSR_API QorStatus qorsVecMatMul_16s_D2Sfs(const int16_t* vector, const int16_t* matrix, int32_t stride, int32_t height,
+                                            int16_t* result, int32_t width, int32_t scaleFactor);
+QORSR_API QorStatus qorsVecMatMul_16s_D2LSfs(const int16_t* vector, const int16_t* const* rows, int32_t height, int16_t* result,
+                                             int32_t width, int32_t scaleFactor);
+QORSR_API QorStatus qorsVecMatMul_16s32s_D2Sfs(const int16_t* vector, const int16_t* matrix, int32_t stride, int32_t height,
+                                               int32_t* result, int32_t width, int32_t scaleFactor);
+QORSR_API QorStatus qorsVecMatMul_16s32s_D2LSfs(const int16_t* vector, const int16_t* const* rows, int32_t height, int32_t* result,
+                                                int32_t width, int32_t scaleFactor);
+QORSR_API QorStatus qorsVecMatMul_32s_D2Sfs(const int32_t* vector, const int32_t* matrix, int32_t stride, int32_t height,
+                                            int32_t* result, int32_t width, int32_t scaleFactor);
+QORSR_API QorStatus qorsVecMatMul_32s_D2LSfs(const int32_t* vector, const int32_t* const* rows, int32_t height, int32_t* result,
+                                             int32_t width, int32_t scaleFactor);
+/** @} */
+
 /* ================================ Acoustic scoring ================================ */
 
 /** @defgroup log_arithmetic Log-domain arithmetic

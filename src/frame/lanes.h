@@ -881,6 +881,51 @@ inline Lanes<int64_t, N / 2> upperUnsigned(const Lanes<int32_t, N>& a) {
   return std::bit_cast<Lanes<int64_t, N / 2>>(interleaveUpper(a, Lanes<int32_t, N>(0)));
 }
 
+namespace native {
+// Lane o of a fold of two vectors that hold groups of G lanes: where its first term stands. The second stands G / 2 lanes behind
+// it.
+constexpr int foldSource(int o, int lanes, int group) {
+  const int half = lanes / 2, within = o % half;
+  return (o < half ? 0 : lanes) + within / (group / 2) * group + within % (group / 2);
+}
+// Each group of G lanes of a, then of b, folded to G / 2: its lower half and its upper half, added.
+template <int G, class V, std::size_t... I>
+inline V foldGroups(V a, V b, std::index_sequence<I...>) {
+  constexpr int kLanes = sizeof...(I);
+  return __builtin_shufflevector(a, b, foldSource(static_cast<int>(I), kLanes, G)...) +
+         __builtin_shufflevector(a, b, (foldSource(static_cast<int>(I), kLanes, G) + G / 2)...);
+}
+template <int G, int Count, int N, class V>
+inline void foldAll(V* part) {
+  if constexpr (G > 1 && Count > 1) {
+    for (int k = 0; k < Count / 2; ++k) {
+      part[k] = foldGroups<G>(part[2 * k], part[2 * k + 1], std::make_index_sequence<static_cast<std::size_t>(N)>());
+    }
+    foldAll<G / 2, Count / 2, N>(part);
+  }
+}
+template <class To, class V, std::size_t... I>
+inline To addNeighbours(V a, std::index_sequence<I...>) {
+  return __builtin_shufflevector(a, a, static_cast<int>(2 * I)...) + __builtin_shufflevector(a, a, static_cast<int>(2 * I + 1)...);
+}
+}  // namespace native
+
+// The halves-joins of K lane sets of one native register each: lane i of the result is joinHalves of set i. N is at most 2 K.
+template <int K, class T, int N>
+inline Lanes<T, K> joinHalvesOfSets(const Lanes<T, N> (&sets)[K]) {
+  static_assert(Lanes<T, N>::kParts == 1 && N <= 2 * K);
+  typename Lanes<T, N>::Part part[K];
+  for (int k = 0; k < K; ++k) part[k] = sets[k].part[0];
+  native::foldAll<N, K, N>(part);
+  Lanes<T, K> v;
+  if constexpr (N == 2 * K) {
+    v.part[0] = native::addNeighbours<typename Lanes<T, K>::Part>(part[0], std::make_index_sequence<K>());
+  } else {
+    std::memcpy(&v, part, sizeof(v));
+  }
+  return v;
+}
+
 // The least of all lanes. Lanes that hold a NaN do not decide unless the last one does.
 template <class T, int N>
 inline T leastLane(const Lanes<T, N>& a) {
