@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <vector>
 
 #include "frame/bits.h"
@@ -133,6 +134,61 @@ TEST(Lanes, ABroadcastKeepsTheSignOfZero) {
   const float one = 1.0F;
   const std::vector<float> expected = {1.0F, -0.0F, -0.0F, -0.0F};
   EXPECT_BITS(valuesOf(qorsr::Tail<float, 4>(1).load(&one, -0.0F)), expected);
+}
+
+template <int N>
+void expectWholeNumbers() {
+  kit::Random random(N);
+  for (int round = 0; round < 50; ++round) {
+    const auto x = random.vector<int32_t>(N, kit::kKinds[round % 3]);
+    const auto a = random.vector<int16_t>(N, kit::kKinds[round % 3]), b = random.vector<int16_t>(N, kit::Random::kNasty);
+    const auto lx = Lanes<int32_t, N>::load(x.data());
+    const auto la = Lanes<int16_t, N>::load(a.data()), lb = Lanes<int16_t, N>::load(b.data());
+    const int count = round % 32;
+    std::vector<int32_t> right, left;
+    std::vector<int16_t> narrow, difference;
+    int32_t least = x[0];
+    for (std::size_t i = 0; i < N; ++i) {
+      right.push_back(x[i] >> count);
+      left.push_back(static_cast<int32_t>(static_cast<uint32_t>(x[i]) << count));
+      narrow.push_back(static_cast<int16_t>(std::clamp(x[i], -32768, 32767)));
+      difference.push_back(static_cast<int16_t>(std::clamp(a[i] - b[i], -32768, 32767)));
+      least = std::min(least, x[i]);
+    }
+    ASSERT_BITS(valuesOf(shiftRight(lx, count)), right);
+    ASSERT_BITS(valuesOf(shiftLeft(lx, count)), left);
+    ASSERT_BITS(valuesOf(narrowSaturated(lx)), narrow);
+    ASSERT_BITS(valuesOf(subtractSaturated(la, lb)), difference);
+    ASSERT_BITS(leastLane(lx), least);
+  }
+}
+
+TEST(Lanes, ShiftsSaturationsAndTheLeastLane) {
+  expectWholeNumbers<1>();
+  expectWholeNumbers<8>();
+  expectWholeNumbers<16>();
+  expectWholeNumbers<32>();
+  expectWholeNumbers<64>();
+}
+
+template <class T, int N, int K>
+void expectJoinedSets() {
+  kit::Random random(N);
+  Lanes<T, N> sets[K];
+  std::vector<T> expected;
+  for (auto& set : sets) {
+    set = Lanes<T, N>::load(random.vector<T>(N, kit::Random::kSmall).data());
+    expected.push_back(joinHalves(set));
+  }
+  EXPECT_BITS(valuesOf(joinHalvesOfSets<K>(sets)), expected);
+}
+
+TEST(Lanes, JoinsOfSeveralSets) {
+  expectJoinedSets<float, 4, 4>();
+  expectJoinedSets<float, 4, 8>();
+  expectJoinedSets<int32_t, 4, 2>();
+  expectJoinedSets<int32_t, qorsr::kNativeLanes<int32_t>, 8>();
+  expectJoinedSets<double, qorsr::kNativeLanes<double>, 4>();
 }
 
 }  // namespace
