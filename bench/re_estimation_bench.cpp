@@ -18,12 +18,12 @@ double covariance[160 * 160];
 
 void fill() {
   for (int32_t i = 0; i < kLong; ++i) {
-    const double x = static_cast<double>(i * 40503 % 65536) / 65536.0;
+    const double x = static_cast<double>(int64_t{i} * 40503 % 65536) / 65536.0;
     a64[i] = x - 0.5, b64[i] = 1.0 + x, c64[i] = 0.01, d64[i] = 1.0;
     a32[i] = static_cast<float>(a64[i]), b32[i] = static_cast<float>(b64[i]), c32[i] = 0.01F, d32[i] = 1.0F;
   }
   for (int32_t i = 0; i < 1000 * 160; ++i) {
-    rows16[i] = static_cast<int16_t>(i * 40503 % 65536 - 32768);
+    rows16[i] = static_cast<int16_t>(int64_t{i} * 40503 % 65536 - 32768);
     rows32[i] = static_cast<float>(rows16[i]) / 1000.0F;
   }
 }

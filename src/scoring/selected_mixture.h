@@ -74,7 +74,7 @@ struct FrameList {
 template <class Score, class T, class Means, class Variances>
 void addListed(const Score& score, FrameList<T>& list, const Gaussians<Means, Variances>& gaussian, int32_t width, float val,
                float* results, uint16_t* counters) {
-  if (list.count == 0) return;
+  if (list.count < 1) return;
   float scores[kScoreChunk], sums[kScoreChunk];
   scoreRows<Write>(score, ListedRows{list.rows}, gaussian, SharedVal{val}, scores, list.count, width);
   for (int32_t i = 0; i < list.count; ++i) sums[i] = results[list.frames[i]];
