@@ -3,14 +3,17 @@
 //   dst[i - 1] = lifter[i] * sum over j of x[j] cos(pi i (j + 1/2) / N)     i = 1 .. M
 //   dst[M]     = lifter[0] * sum over j of x[j]                             with the coefficient of order 0
 //
-// Sums of orders 1 to M: x[j] of the blocks of eight inputs joins lane j mod 8, what remains joins lane 0; the lanes are joined as
+// Sums of orders 1 to M: x[j] of the blocks of eight inputs joins lane j mod 8, what remains joins lane 0; a lane starts with
+// its first product; the lanes are joined as
 // ((l0 + l4) + (l2 + l6)) + ((l1 + l5) + (l3 + l7)). Order 0 is one serial sum (its cosines are exactly 1). The weight is applied
 // once, to the finished sum.
 //
-// The matrix stands transposed: the cosines of one input, all orders side by side. Vectors then run over orders, the eight lanes of
-// a sum are eight vectors, and neither a join nor a remainder crosses a vector.
+// Four orders are taken together while four remain, then two, then one; the cosines stand in the order in which they are read. A
+// group of R orders has, for each block of eight inputs, eight cosines of each order, then, for each remaining input, one of each
+// order: the remainder of all four sums is one vector.
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -29,7 +32,7 @@ struct [[gnu::packed]] DCTLifterState_32f {
   int32_t cepstrumLength;
   int32_t hasC0;
   int32_t lifter;   // M + 1 weights, by order
-  int32_t cosines;  // N x M: input j, orders 1 to M
+  int32_t cosines;  // N x M, in the order in which they are read
 };
 struct [[gnu::packed]] DCTLifterState_16s {
   int32_t lifterLength;
@@ -149,6 +152,24 @@ void place(State* state, int32_t dctLength, int32_t order) {
   state->cosines = takeFloats(state, offset, int64_t{dctLength} * order);
 }
 
+// Calls body(first order, LaneCount<count>) for the groups that cover orders 1 to `order`.
+template <class Body>
+inline void eachGroup(int32_t order, const Body& body) {
+  int32_t i = 1;
+  for (; i <= order - 3; i += 4) body(i, LaneCount<4>());
+  if (i <= order - 1) {
+    body(i, LaneCount<2>());
+    i += 2;
+  }
+  if (i <= order) body(i, LaneCount<1>());
+}
+
+// cos(pi i (j + 1/2) / N), j + 1/2 formed in float.
+inline float cosine(int32_t i, int32_t j, int32_t length) {
+  const float middle = static_cast<float>(int64_t{j} + 1) - 0.5F;
+  return static_cast<float>(std::cos(std::numbers::pi * i * static_cast<double>(middle) / length));
+}
+
 template <class State, class Weights>
 void makeDctLifter(State* state, int32_t dctLength, int32_t order, const Weights& weights) {
   place(state, dctLength, order);
@@ -157,41 +178,102 @@ void makeDctLifter(State* state, int32_t dctLength, int32_t order, const Weights
   state->cepstrumLength = order;
   state->hasC0 = Weights::kHasC0 ? 1 : 0;
   weights.fill(areaOf<float>(state, state->lifter), order);
-  float* cosine = areaOf<float>(state, state->cosines);
-  for (int32_t j = 0; j < dctLength; ++j) {
-    const float middle = static_cast<float>(int64_t{j} + 1) - 0.5F;
-    for (int32_t i = 1; i <= order; ++i) {
-      *cosine++ = static_cast<float>(std::cos(std::numbers::pi * i * static_cast<double>(middle) / dctLength));
+  float* next = areaOf<float>(state, state->cosines);
+  eachGroup(order, [&](int32_t first, auto count) {
+    const auto put = [&](int32_t j, int32_t r) { *next++ = cosine(first + r, j, dctLength); };
+    int32_t j = 0;
+    for (; j <= dctLength - 8; j += 8) {
+      for (int32_t r = 0; r < count; ++r) {
+        for (int32_t k = 0; k < 8; ++k) put(j + k, r);
+      }
     }
-  }
+    for (; j < dctLength; ++j) {
+      for (int32_t r = 0; r < count; ++r) put(j, r);
+    }
+  });
 }
 
 // ---- Transform ----
 
-// Sums of W orders. `cosines` begins at the first of them.
-template <int W, class From>
-inline Lanes<float, W> cosineSums(const From* x, std::ptrdiff_t length, const float* cosines, std::ptrdiff_t pitch) {
-  using L = Lanes<float, W>;
-  L lane[8];
-  for (L& l : lane) l = L(0.0F);
-  std::ptrdiff_t j = 0;
-  for (; j <= length - 8; j += 8) {
-    float block[8];
-    loadAs<float, 8>(x + j).store(block);
-    for (int k = 0; k < 8; ++k, cosines += pitch) lane[k] += L(block[k]) * L::load(cosines);
+// The eight lanes of each of R orders, in one register or two (wider ones, of two orders, gain nothing).
+template <int R>
+struct LaneSums {
+  static constexpr int kWidth = std::min(8, kNativeLanes<float>), kCount = 8 * R / kWidth;
+  Lanes<float, kWidth> sums[kCount];
+
+  void clear() {
+    for (auto& s : sums) s = Lanes<float, kWidth>(0.0F);
   }
-  for (; j < length; ++j, cosines += pitch) lane[0] += L(static_cast<float>(x[j])) * L::load(cosines);
-  return ((lane[0] + lane[4]) + (lane[2] + lane[6])) + ((lane[1] + lane[5]) + (lane[3] + lane[7]));
+  // Eight inputs times eight cosines of each order: the first products, or added to what there is.
+  template <class From>
+  [[gnu::always_inline]] void start(const From* x, const float* cosines) {
+    for (int i = 0; i < kCount; ++i) sums[i] = product(i, x, cosines);
+  }
+  template <class From>
+  [[gnu::always_inline]] void add(const From* x, const float* cosines) {
+    for (int i = 0; i < kCount; ++i) sums[i] += product(i, x, cosines);
+  }
+
+  // Lanes 0 to 3 of an order, or lanes 4 to 7.
+  Lanes<float, 4> low(int r) const {
+    if constexpr (kWidth == 4) return sums[2 * r];
+    if constexpr (kWidth == 8) return lowerHalf(sums[r]);
+  }
+  Lanes<float, 4> high(int r) const {
+    if constexpr (kWidth == 4) return sums[2 * r + 1];
+    if constexpr (kWidth == 8) return upperHalf(sums[r]);
+  }
+
+ private:
+  template <class From>
+  [[gnu::always_inline]] static Lanes<float, kWidth> product(int i, const From* x, const float* cosines) {
+    if constexpr (R == 4) cosines = static_cast<const float*>(__builtin_assume_aligned(cosines, 16));  // so groups of four begin
+    return loadAs<float, kWidth>(x + i * kWidth % 8) * Lanes<float, kWidth>::load(cosines + i * kWidth);
+  }
+};
+
+// Sums of R orders. `cosines` begins at theirs, and ends behind them.
+template <int R, class From>
+inline Lanes<float, R> cosineSums(const From* x, std::ptrdiff_t length, const float*& cosines) {
+  LaneSums<R> lanes;
+  std::ptrdiff_t j = 0;
+  if (length < 8) {
+    lanes.clear();
+  } else {
+    lanes.start(x, cosines);
+    for (j = 8, cosines += 8 * R; j <= length - 8; j += 8, cosines += 8 * R) lanes.add(x + j, cosines);
+  }
+  if constexpr (R == 4) {
+    const auto pairOf = [&](int r) { return lanes.low(r) + lanes.high(r); };
+    const Turned pair = turn4(pairOf(0), pairOf(1), pairOf(2), pairOf(3));
+    Lanes<float, 4> first = pair.lane[0];
+    if (j < length) {  // lanes 0 before their pairing, with what remains
+      first = turn4(lanes.low(0), lanes.low(1), lanes.low(2), lanes.low(3)).lane[0];
+      for (; j < length; ++j, cosines += 4) first += Lanes<float, 4>(static_cast<float>(x[j])) * Lanes<float, 4>::load(cosines);
+      first += turn4(lanes.high(0), lanes.high(1), lanes.high(2), lanes.high(3)).lane[0];
+    }
+    return (first + pair.lane[2]) + (pair.lane[1] + pair.lane[3]);
+  } else {
+    float sums[R];
+    for (int r = 0; r < R; ++r) {
+      Lanes<float, 4> low = lanes.low(r);
+      float first = low.part[0][0];
+      for (std::ptrdiff_t k = 0; k < length - j; ++k) first += static_cast<float>(x[j + k]) * cosines[k * R + r];
+      low.part[0][0] = first;
+      sums[r] = joinHalves(low + lanes.high(r));
+    }
+    cosines += (length - j) * R;
+    return Lanes<float, R>::load(sums);
+  }
 }
 
-// One native register of orders at a time: its eight lanes then stay in registers.
 template <class State, class From>
 void dctLifter(const From* source, float* result, const State* state) {
   const int32_t length = state->dctLength, order = state->cepstrumLength;
   const float* lifter = areaOf<const float>(state, state->lifter);
   const float* cosines = areaOf<const float>(state, state->cosines);
-  coverColumns<float, kNativeBytes / 4>(order, [&](int32_t c, auto w) {
-    (Lanes<float, w>::load(lifter + 1 + c) * cosineSums<w>(source, length, cosines + c, order)).store(result + c);
+  eachGroup(order, [&](int32_t first, auto count) {
+    (Lanes<float, count>::load(lifter + first) * cosineSums<count>(source, length, cosines)).store(result + first - 1);
   });
   if (state->hasC0 != 0) {
     float sum = 0.0F;

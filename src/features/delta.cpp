@@ -53,44 +53,44 @@ QorStatus qorsDeltaDeltaMul_Win2_32f_D2(const float* source, const float* multip
 
 QorStatus qorsDelta_Win1_16s_D2Sfs(const int16_t* source, int32_t width, int16_t* destination, int32_t step, int32_t height,
                                    int16_t multiplier, int32_t flags, int32_t scaleFactor) {
-  return windowDelta<Win1, 1>(source, width, destination, step, height, flags, FixedArithmetic{scaleFactor},
+  return windowDelta<Win1, 1>(source, width, destination, step, height, flags, FixedArithmetic{ScaleShift(scaleFactor)},
                               UniformFactors<int16_t>{multiplier, 0});
 }
 QorStatus qorsDelta_Win2_16s_D2Sfs(const int16_t* source, int32_t width, int16_t* destination, int32_t step, int32_t height,
                                    int16_t multiplier, int32_t flags, int32_t scaleFactor) {
-  return windowDelta<Win2, 1>(source, width, destination, step, height, flags, FixedArithmetic{scaleFactor},
+  return windowDelta<Win2, 1>(source, width, destination, step, height, flags, FixedArithmetic{ScaleShift(scaleFactor)},
                               UniformFactors<int16_t>{multiplier, 0});
 }
 QorStatus qorsDeltaMul_Win1_16s_D2Sfs(const int16_t* source, const int16_t* multipliers, int32_t width, int16_t* destination,
                                       int32_t step, int32_t height, int32_t flags, int32_t scaleFactor) {
-  return windowDelta<Win1, 1>(source, width, destination, step, height, flags, FixedArithmetic{scaleFactor},
+  return windowDelta<Win1, 1>(source, width, destination, step, height, flags, FixedArithmetic{ScaleShift(scaleFactor)},
                               TableFactors<int16_t>{multipliers, width});
 }
 QorStatus qorsDeltaMul_Win2_16s_D2Sfs(const int16_t* source, const int16_t* multipliers, int32_t width, int16_t* destination,
                                       int32_t step, int32_t height, int32_t flags, int32_t scaleFactor) {
-  return windowDelta<Win2, 1>(source, width, destination, step, height, flags, FixedArithmetic{scaleFactor},
+  return windowDelta<Win2, 1>(source, width, destination, step, height, flags, FixedArithmetic{ScaleShift(scaleFactor)},
                               TableFactors<int16_t>{multipliers, width});
 }
 QorStatus qorsDeltaDelta_Win1_16s_D2Sfs(const int16_t* source, int32_t width, int16_t* destination, int32_t step, int32_t height,
                                         int16_t deltaMultiplier, int16_t accelerationMultiplier, int32_t flags,
                                         int32_t scaleFactor) {
-  return windowDelta<Win1, 2>(source, width, destination, step, height, flags, FixedArithmetic{scaleFactor},
+  return windowDelta<Win1, 2>(source, width, destination, step, height, flags, FixedArithmetic{ScaleShift(scaleFactor)},
                               UniformFactors<int16_t>{deltaMultiplier, accelerationMultiplier});
 }
 QorStatus qorsDeltaDelta_Win2_16s_D2Sfs(const int16_t* source, int32_t width, int16_t* destination, int32_t step, int32_t height,
                                         int16_t deltaMultiplier, int16_t accelerationMultiplier, int32_t flags,
                                         int32_t scaleFactor) {
-  return windowDelta<Win2, 2>(source, width, destination, step, height, flags, FixedArithmetic{scaleFactor},
+  return windowDelta<Win2, 2>(source, width, destination, step, height, flags, FixedArithmetic{ScaleShift(scaleFactor)},
                               UniformFactors<int16_t>{deltaMultiplier, accelerationMultiplier});
 }
 QorStatus qorsDeltaDeltaMul_Win1_16s_D2Sfs(const int16_t* source, const int16_t* multipliers, int32_t width, int16_t* destination,
                                            int32_t step, int32_t height, int32_t flags, int32_t scaleFactor) {
-  return windowDelta<Win1, 2>(source, width, destination, step, height, flags, FixedArithmetic{scaleFactor},
+  return windowDelta<Win1, 2>(source, width, destination, step, height, flags, FixedArithmetic{ScaleShift(scaleFactor)},
                               TableFactors<int16_t>{multipliers, width});
 }
 QorStatus qorsDeltaDeltaMul_Win2_16s_D2Sfs(const int16_t* source, const int16_t* multipliers, int32_t width, int16_t* destination,
                                            int32_t step, int32_t height, int32_t flags, int32_t scaleFactor) {
-  return windowDelta<Win2, 2>(source, width, destination, step, height, flags, FixedArithmetic{scaleFactor},
+  return windowDelta<Win2, 2>(source, width, destination, step, height, flags, FixedArithmetic{ScaleShift(scaleFactor)},
                               TableFactors<int16_t>{multipliers, width});
 }
 
@@ -105,12 +105,12 @@ QorStatus qorsDeltaDeltaMul_Aurora_32f_D2(const float* source, const float* mult
 }
 QorStatus qorsDeltaDelta_Aurora_16s_D2Sfs(const int16_t* source, int16_t* destination, int32_t step, int32_t height, int32_t flags,
                                           int32_t scaleFactor) {
-  return auroraDeltaDelta(source, destination, step, height, flags, AuroraFixed<NoFactors<int16_t>>{{}, {scaleFactor}});
+  return auroraDeltaDelta(source, destination, step, height, flags, AuroraFixed<NoFactors<int16_t>>({}, scaleFactor));
 }
 QorStatus qorsDeltaDeltaMul_Aurora_16s_D2Sfs(const int16_t* source, const int16_t* multipliers, int16_t* destination, int32_t step,
                                              int32_t height, int32_t flags, int32_t scaleFactor) {
   return auroraDeltaDelta(source, destination, step, height, flags,
-                          AuroraFixed<TableFactors<int16_t>>{{multipliers, kAuroraWidth}, {scaleFactor}});
+                          AuroraFixed<TableFactors<int16_t>>({multipliers, kAuroraWidth}, scaleFactor));
 }
 
 // ---- Whole utterances, windows of any size ----
@@ -125,11 +125,11 @@ QorStatus qorsEvalDeltaMul_32f_D2(float* buffer, int32_t height, int32_t step, c
 }
 QorStatus qorsEvalDelta_16s_D2Sfs(int16_t* buffer, int32_t height, int32_t step, int32_t width, int32_t offset, int32_t windowSize,
                                   int16_t multiplier, int32_t scaleFactor) {
-  return evalDelta(buffer, height, step, width, offset, windowSize, FixedArithmetic{scaleFactor},
+  return evalDelta(buffer, height, step, width, offset, windowSize, FixedArithmetic{ScaleShift(scaleFactor)},
                    UniformFactors<int16_t>{multiplier, 0});
 }
 QorStatus qorsEvalDeltaMul_16s_D2Sfs(int16_t* buffer, int32_t height, int32_t step, const int16_t* multipliers, int32_t width,
                                      int32_t offset, int32_t windowSize, int32_t scaleFactor) {
-  return evalDelta(buffer, height, step, width, offset, windowSize, FixedArithmetic{scaleFactor},
+  return evalDelta(buffer, height, step, width, offset, windowSize, FixedArithmetic{ScaleShift(scaleFactor)},
                    TableFactors<int16_t>{multipliers, width});
 }

@@ -51,11 +51,9 @@ struct TableFactors {
 // 32-bit float: value times factor.
 struct RealArithmetic {
   using Element = float;
-  static constexpr int kWidest = 2 * kNativeLanes<float>;  // a window and its factor then stay in registers
-
   template <int N>
-  static Lanes<float, N> load(const float* p) {
-    return Lanes<float, N>::load(p);
+  static Lanes<float, N> windowed(const Lanes<float, N>& x) {
+    return x;
   }
   template <int N>
   static Lanes<float, N> scaled(const Lanes<float, N>& value, const Lanes<float, N>& factor) {
@@ -75,19 +73,18 @@ struct RealArithmetic {
 // unsigned lanes, which may wrap.
 struct FixedArithmetic {
   using Element = int16_t;
-  static constexpr int kWidest = kNativeLanes<int16_t>;
-  int32_t scaleFactor;
+  ScaleShift shift;
 
   template <int N>
-  static Lanes<uint16_t, N> load(const int16_t* p) {
-    return std::bit_cast<Lanes<uint16_t, N>>(Lanes<int16_t, N>::load(p));
+  static Lanes<uint16_t, N> windowed(const Lanes<int16_t, N>& x) {
+    return std::bit_cast<Lanes<uint16_t, N>>(x);
   }
   template <int N>
-  Lanes<int16_t, N> scaled(const Lanes<uint16_t, N>& value, const Lanes<int16_t, N>& factor) const {
+  [[gnu::always_inline]] Lanes<int16_t, N> scaled(const Lanes<uint16_t, N>& value, const Lanes<int16_t, N>& factor) const {
     return scaled(std::bit_cast<Lanes<int16_t, N>>(value), factor);
   }
   template <int N>
-  Lanes<int16_t, N> scaled(const Lanes<int16_t, N>& value, const Lanes<int16_t, N>& factor) const {
+  [[gnu::always_inline]] Lanes<int16_t, N> scaled(const Lanes<int16_t, N>& value, const Lanes<int16_t, N>& factor) const {
     if constexpr (N == 1) {
       return limited(Lanes<int32_t, 1>(int32_t{value.part[0]} * factor.part[0]));
     } else {
@@ -107,33 +104,26 @@ struct FixedArithmetic {
       for (int32_t k = window; k >= 1; --k) sum += tail += static_cast<uint32_t>(difference(k).part[0]);
       return limited(Lanes<int32_t, 1>(wrapMul(static_cast<int32_t>(sum), int32_t{factor.part[0]})));
     } else {
-      Lanes<uint32_t, N / 2> tail[2], sum[2];
-      for (int half = 0; half < 2; ++half) tail[half] = sum[half] = Lanes<uint32_t, N / 2>(0);
+      using Half = Lanes<uint32_t, N / 2>;
+      Half tail0(0), tail1(0), sum0(0), sum1(0);
       for (int32_t k = window; k >= 1; --k) {
         const Lanes<int16_t, N> d = difference(k);
-        sum[0] += tail[0] += unsignedLanes(lowerWidened(d));
-        sum[1] += tail[1] += unsignedLanes(upperWidened(d));
+        sum0 += tail0 += std::bit_cast<Half>(lowerWidened(d));
+        sum1 += tail1 += std::bit_cast<Half>(upperWidened(d));
       }
-      return limited(signedLanes(sum[0] * unsignedLanes(lowerWidened(factor))),
-                     signedLanes(sum[1] * unsignedLanes(upperWidened(factor))));
+      using Signed = Lanes<int32_t, N / 2>;
+      return limited(std::bit_cast<Signed>(sum0 * std::bit_cast<Half>(lowerWidened(factor))),
+                     std::bit_cast<Signed>(sum1 * std::bit_cast<Half>(upperWidened(factor))));
     }
   }
 
- private:
-  Lanes<int16_t, 1> limited(const Lanes<int32_t, 1>& product) const {
-    return Lanes<int16_t, 1>(saturate<int16_t>(shiftByScale(product.part[0], int64_t{scaleFactor})));
+  // A 32-bit product, shifted and limited.
+  [[gnu::always_inline]] Lanes<int16_t, 1> limited(const Lanes<int32_t, 1>& product) const {
+    return Lanes<int16_t, 1>(saturate<int16_t>(shift(product).part[0]));
   }
   template <int N>
-  Lanes<int16_t, 2 * N> limited(const Lanes<int32_t, N>& lower, const Lanes<int32_t, N>& upper) const {
-    return saturated(shiftByScale(lower, scaleFactor), shiftByScale(upper, scaleFactor));
-  }
-  template <int N>
-  static Lanes<uint32_t, N> unsignedLanes(const Lanes<int32_t, N>& a) {
-    return std::bit_cast<Lanes<uint32_t, N>>(a);
-  }
-  template <int N>
-  static Lanes<int32_t, N> signedLanes(const Lanes<uint32_t, N>& a) {
-    return std::bit_cast<Lanes<int32_t, N>>(a);
+  [[gnu::always_inline]] Lanes<int16_t, 2 * N> limited(const Lanes<int32_t, N>& lower, const Lanes<int32_t, N>& upper) const {
+    return saturated(shift(lower), shift(upper));
   }
 };
 

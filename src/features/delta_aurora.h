@@ -8,33 +8,35 @@
 // feature 12 is (c0 * 0.6) / 23 + logE * 0.4.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <type_traits>
 
 #include "features/delta_arithmetic.h"
 #include "features/delta_stream.h"
-#include "frame/bits.h"
 #include "frame/column_blocks.h"
 #include "frame/lanes.h"
 
 namespace qorsr {
 
 inline constexpr int32_t kAuroraWidth = 13, kAuroraSourceWidth = 14;
+inline constexpr int kAuroraReach = 4, kAuroraSpan = 2 * kAuroraReach + 1;
 
 // Terms 0 to 3 of a window, from the left.
 template <int N>
-inline Lanes<float, N> auroraPast(const Lanes<float, N> (&x)[9], float w0, float w1, float w2, float w3) {
+[[gnu::always_inline]] inline Lanes<float, N> auroraPast(const Lanes<float, N> (&x)[kAuroraSpan], float w0, float w1, float w2,
+                                                         float w3) {
   using L = Lanes<float, N>;
   return x[0] * L(w0) + x[1] * L(w1) + x[2] * L(w2) + x[3] * L(w3);
 }
 template <int N>
-inline Lanes<float, N> auroraDelta(const Lanes<float, N> (&x)[9]) {
+[[gnu::always_inline]] inline Lanes<float, N> auroraDelta(const Lanes<float, N> (&x)[kAuroraSpan]) {
   using L = Lanes<float, N>;
   return auroraPast(x, -1.0F, -0.75F, -0.5F, -0.25F) + x[5] * L(0.25F) + x[6] * L(0.5F) + x[7] * L(0.75F) + x[8];
 }
 template <int N>
-inline Lanes<float, N> auroraAcceleration(const Lanes<float, N> (&x)[9]) {
+[[gnu::always_inline]] inline Lanes<float, N> auroraAcceleration(const Lanes<float, N> (&x)[kAuroraSpan]) {
   using L = Lanes<float, N>;
   return auroraPast(x, 1.0F, 0.25F, -0.285714F, -0.607143F) + x[4] * L(-0.714286F) + x[5] * L(-0.607143F) + x[6] * L(-0.285714F) +
          x[7] * L(0.25F) + x[8];
@@ -46,26 +48,43 @@ inline float auroraEnergy(const T* sourceRow) {
   return static_cast<float>(sourceRow[12]) * 0.6F / 23.0F + static_cast<float>(sourceRow[13]) * 0.4F;
 }
 
+// The rows of a window, at some column, as lanes.
+template <class As, int N>
+struct AuroraFrames {
+  Lanes<As, N> rows[kAuroraSpan];
+
+  template <class T>
+  [[gnu::always_inline]] AuroraFrames(const T* const (&x)[kAuroraSpan], int32_t column) {
+    for (int k = 0; k < kAuroraSpan; ++k) rows[k] = loadAs<As, N>(x[k] + column);
+  }
+};
+
 // In float: values as they are, or times the table's factors.
 template <class Factors>
 struct AuroraReal {
   using Element = float;
-  static constexpr int kWidest = kNativeLanes<float>;
+  static constexpr int kLanes = std::min(8, kNativeLanes<float>);
   Factors factors;
 
-  template <int kWhich, int N>
-  static Lanes<float, N> load(const float* p) {
-    return Lanes<float, N>::load(p);
+  template <int N>
+  [[gnu::always_inline]] Lanes<float, N> feature(const Lanes<float, N>& x, int32_t column) const {
+    return finished(x, 0, column);
   }
-  static Lanes<float, 1> energy(const float* sourceRow) { return Lanes<float, 1>(auroraEnergy(sourceRow)); }
-  template <int kWhich, int N>
-  static Lanes<float, N> window(const Lanes<float, N> (&x)[9]) {
-    if constexpr (kWhich == 1) return auroraDelta(x);
-    if constexpr (kWhich == 2) return auroraAcceleration(x);
+  [[gnu::always_inline]] Lanes<float, 1> energy(const float* sourceRow, int32_t column) const {
+    return finished(Lanes<float, 1>(auroraEnergy(sourceRow)), 0, column);
   }
-  template <int kWhich, int N>
-  Lanes<float, N> finish(const Lanes<float, N>& value, int32_t column) const {
-    if constexpr (Factors::kOfDerivatives) return value * factors.template at<N>(kWhich, column);
+  template <int N>
+  [[gnu::always_inline]] void derivatives(const float* const (&x)[kAuroraSpan], int32_t column, Lanes<float, N>& delta,
+                                          Lanes<float, N>& acceleration) const {
+    const AuroraFrames<float, N> frames(x, column);
+    delta = finished(auroraDelta(frames.rows), 1, column);
+    acceleration = finished(auroraAcceleration(frames.rows), 2, column);
+  }
+
+ private:
+  template <int N>
+  [[gnu::always_inline]] Lanes<float, N> finished(const Lanes<float, N>& value, int derivative, int32_t column) const {
+    if constexpr (Factors::kOfFeatures) return value * factors.template at<N>(derivative, column);
     return value;
   }
 };
@@ -76,44 +95,49 @@ struct AuroraReal {
 template <class Factors>
 struct AuroraFixed {
   using Element = int16_t;
-  static constexpr int kWidest = 8;
+  static constexpr int kLanes = 8;
   Factors factors;
-  FixedArithmetic arithmetic;
+  FixedArithmetic whole, quarters;  // units of 1 and of 1/4, by the scale factor
 
-  template <int kWhich, int N>
-  static auto load(const int16_t* p) {
-    return loadAs<std::conditional_t<kWhich == 2, float, int32_t>, N>(p);
-  }
-  static Lanes<int32_t, 1> energy(const int16_t* sourceRow) {
-    return Lanes<int32_t, 1>(static_cast<int32_t>(auroraEnergy(sourceRow)));
-  }
-  template <int kWhich, int N>
-  static Lanes<int32_t, N> window(const Lanes<int32_t, N> (&x)[9]) {
-    Lanes<int32_t, N> sum = x[8] - x[0], all = sum;  // 4 d4 + 3 d3 + 2 d2 + d1 as d4 + (d4 + d3) + (d4 + d3 + d2) + ...
-    for (int k = 3; k >= 1; --k) all += sum += x[4 + k] - x[4 - k];
-    return all;
-  }
-  template <int kWhich, int N>
-  static Lanes<int32_t, N> window(const Lanes<float, N> (&x)[9]) {
-    return truncated(auroraAcceleration(x));
-  }
-  template <int kWhich, int N>
-  Lanes<int16_t, N> finish(const Lanes<int32_t, N>& value, int32_t column) const {
-    constexpr int kFraction = kWhich == 1 ? 2 : 0;
-    if constexpr (Factors::kOfDerivatives) {
-      return arithmetic.scaled(limited(value >> kFraction), factors.template at<N>(kWhich, column));
+  AuroraFixed(Factors f, int32_t scaleFactor)
+      : factors(f), whole{ScaleShift(scaleFactor)}, quarters{ScaleShift(int64_t{scaleFactor} + 2)} {}
+
+  template <int N>
+  Lanes<int16_t, N> feature(const Lanes<int16_t, N>& x, int32_t column) const {
+    if constexpr (Factors::kOfFeatures) {
+      return whole.scaled(x, factors.template at<N>(0, column));
     } else {
-      return limited(shiftByScale(value, int64_t{arithmetic.scaleFactor} + kFraction));
+      return whole.limited(lowerWidened(x), upperWidened(x));
     }
+  }
+  Lanes<int16_t, 1> energy(const int16_t* sourceRow, int32_t column) const {
+    const Lanes<int32_t, 1> value(static_cast<int32_t>(auroraEnergy(sourceRow)));
+    if constexpr (Factors::kOfFeatures) {
+      return whole.scaled(FixedArithmetic{ScaleShift(0)}.limited(value), factors.template at<1>(0, column));
+    } else {
+      return whole.limited(value);
+    }
+  }
+  template <int N>
+  void derivatives(const int16_t* const (&x)[kAuroraSpan], int32_t column, Lanes<int16_t, N>& delta,
+                   Lanes<int16_t, N>& acceleration) const {
+    const AuroraFrames<int32_t, N> frames(x, column);
+    auto ramp = frames.rows[8] - frames.rows[0], sum = ramp;  // 4 d4 + 3 d3 + 2 d2 + d1 as d4 + (d4 + d3) + (d4 + d3 + d2) + ...
+    for (int k = 3; k >= 1; --k) sum += ramp += frames.rows[4 + k] - frames.rows[4 - k];
+    delta = finished(sum, quarters, 2, 1, column);
+    acceleration = finished(truncated(auroraAcceleration(AuroraFrames<float, N>(x, column).rows)), whole, 0, 2, column);
   }
 
  private:
+  // `value` in units of 2^-fraction.
   template <int N>
-  static Lanes<int16_t, N> limited(const Lanes<int32_t, N>& value) {
-    if constexpr (N == 1) {
-      return Lanes<int16_t, 1>(saturate<int16_t>(value.part[0]));
+  Lanes<int16_t, N> finished(const Lanes<int32_t, N>& value, const FixedArithmetic& plain, int fraction, int derivative,
+                             int32_t column) const {
+    if constexpr (Factors::kOfFeatures) {
+      const FixedArithmetic toWhole{ScaleShift(fraction)};
+      return whole.scaled(toWhole.limited(lowerHalf(value), upperHalf(value)), factors.template at<N>(derivative, column));
     } else {
-      return saturated(lowerHalf(value), upperHalf(value));
+      return plain.limited(lowerHalf(value), upperHalf(value));
     }
   }
 };
@@ -121,8 +145,9 @@ struct AuroraFixed {
 template <class Arithmetic>
 struct AuroraMember {
   using T = typename Arithmetic::Element;
-  static constexpr int kDerivatives = 2, kReach = 4, kLookBack = 2 * kReach;
-  static constexpr int lag(int) { return kReach; }
+  static constexpr int kDerivatives = 2, kLanes = Arithmetic::kLanes;
+  static constexpr int lag(int) { return kAuroraReach; }
+  static constexpr std::ptrdiff_t kLookBack = 2 * kAuroraReach;
 
   const T* source;
   T* destination;
@@ -131,28 +156,47 @@ struct AuroraMember {
 
   bool given() const { return arithmetic.factors.given(); }
 
+  void startUp(std::ptrdiff_t last) const {
+    features(0, 0, kLookBack);
+    edge(0, kLookBack - kAuroraReach, last);
+  }
+  // Rows whose window is limited to rows 0 to `last`.
+  void edge(std::ptrdiff_t from, std::ptrdiff_t to, std::ptrdiff_t last) const {
+    derivatives(from, to, [&](std::ptrdiff_t row) { return destination + std::clamp<std::ptrdiff_t>(row, 0, last) * step; });
+  }
+  void finish(std::ptrdiff_t rows) const { edge(rows - kAuroraReach, rows, rows - 1); }
+
+  // Rows `from` to `to` - 1, source row 0 belonging to row `first`: each new row completes both derivatives of the row four before.
+  void steady(std::ptrdiff_t first, std::ptrdiff_t from, std::ptrdiff_t to) const {
+    features(first, from, to);
+    derivatives(from - kAuroraReach, to - kAuroraReach,
+                [base = destination, pitch = std::ptrdiff_t{step}](std::ptrdiff_t row) { return base + row * pitch; });
+  }
+
+ private:
   void features(std::ptrdiff_t first, std::ptrdiff_t from, std::ptrdiff_t to) const {
     for (std::ptrdiff_t row = from; row < to; ++row) {
       const T* in = source + (row - first) * kAuroraSourceWidth;
       T* out = destination + row * step;
-      coverColumns<T, Arithmetic::kWidest>(kAuroraWidth - 1, [&](int32_t c, auto n) {
-        arithmetic.template finish<0>(arithmetic.template load<0, n>(in + c), c).store(out + c);
-      });
-      arithmetic.template finish<0>(arithmetic.energy(in), kAuroraWidth - 1).store(out + kAuroraWidth - 1);
+      coverKnownColumns<kAuroraWidth - 1, kLanes>(
+          [&](int32_t c, auto n) { arithmetic.feature(Lanes<T, n>::load(in + c), c).store(out + c); });
+      arithmetic.energy(in, kAuroraWidth - 1).store(out + kAuroraWidth - 1);
     }
   }
 
-  template <int kWhich>
-  void derivative(Derivative<kWhich>, std::ptrdiff_t from, std::ptrdiff_t to, std::ptrdiff_t last) const {
-    coverColumns<T, Arithmetic::kWidest>(kAuroraWidth, [&](int32_t c, auto n) {
-      const T* in = destination + c;
-      T* out = destination + kWhich * kAuroraWidth + c;
-      slideWindow<kReach>(
-          from, to, last, [&](std::ptrdiff_t row) { return arithmetic.template load<kWhich, n>(in + row * step); },
-          [&](std::ptrdiff_t row, const auto& x) {
-            arithmetic.template finish<kWhich>(arithmetic.template window<kWhich>(x), c).store(out + row * step);
-          });
-    });
+  template <class RowAt>
+  void derivatives(std::ptrdiff_t from, std::ptrdiff_t to, const RowAt& rowAt) const {
+    for (std::ptrdiff_t row = from; row < to; ++row) {
+      const T* x[kAuroraSpan];
+      for (int k = 0; k < kAuroraSpan; ++k) x[k] = rowAt(row + k - kAuroraReach);
+      T* out = destination + row * step + kAuroraWidth;
+      coverKnownColumns<kAuroraWidth, kLanes>([&](int32_t c, auto n) {
+        Lanes<T, n> delta, acceleration;
+        arithmetic.derivatives(x, c, delta, acceleration);
+        delta.store(out + c);
+        acceleration.store(out + kAuroraWidth + c);
+      });
+    }
   }
 };
 

@@ -31,11 +31,11 @@ QorStatus evalDelta(T* buffer, int32_t height, int32_t step, int32_t width, int3
                           .require(height >= int64_t{2} * window, qorStatusBadSize)
                           .require(step >= offset + int64_t{2} * width, qorStatusBadStride))
     return bad;
-  coverColumns<T, Arithmetic::kWidest>(width, [&](int32_t c, auto n) {
+  coverColumns<T, kNativeLanes<T>>(width, [&](int32_t c, auto n) {
     const T* in = buffer + std::ptrdiff_t{offset} + c;
     T* out = buffer + std::ptrdiff_t{offset} + width + c;
     const auto factor = factors.template at<n>(1, c);
-    const auto row = [&](std::ptrdiff_t r) { return arithmetic.template load<n>(in + r * step); };
+    const auto row = [&](std::ptrdiff_t r) { return Arithmetic::windowed(Lanes<T, n>::load(in + r * step)); };
     const auto first = row(0), last = row(height - 1);
     const auto put = [&](std::ptrdiff_t r, const auto& ahead, const auto& behind) {
       arithmetic.regression(window, ahead, behind, factor).store(out + r * step);

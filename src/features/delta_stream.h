@@ -15,6 +15,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <type_traits>
+#include <utility>
 
 #include "frame/checks.h"
 #include "frame/column_blocks.h"
@@ -28,41 +29,36 @@ inline constexpr int32_t kBeginFlag = 1, kEndFlag = 2;
 template <int K>
 using Derivative = std::integral_constant<int, K>;
 
-// Walks down the rows from `from` to `to` - 1 with a window of `kReach` rows on either side, limited to rows 0 to `last`:
-// body(row, window), the window an array of what load(row) gave. Each row is loaded once.
-template <int kReach, class Load, class Body>
-inline void slideWindow(std::ptrdiff_t from, std::ptrdiff_t to, std::ptrdiff_t last, const Load& load, const Body& body) {
-  constexpr int kSpan = 2 * kReach + 1;
-  decltype(load(from)) window[kSpan];
-  for (int k = 1; k < kSpan; ++k) window[k] = load(std::clamp<std::ptrdiff_t>(from - kReach - 1 + k, 0, last));
-  for (std::ptrdiff_t row = from; row < to; ++row) {
-    for (int k = 1; k < kSpan; ++k) window[k - 1] = window[k];
-    window[kSpan - 1] = load(std::min(row + kReach, last));
-    body(row, window);
+// kSpan rows around one row, which moves down: `advance` takes the next row in.
+template <class V, int kSpan>
+struct MovingWindow {
+  V rows[kSpan];
+
+  [[gnu::always_inline]] void advance(const V& newest) {
+    for (int k = 1; k < kSpan; ++k) rows[k - 1] = rows[k];
+    rows[kSpan - 1] = newest;
   }
+};
+
+// Calls step() `count` times, written out kSpan times in a row: a window of kSpan rows is then back in the registers that it left,
+// and its movement costs nothing.
+template <class Step, int... kEach>
+[[gnu::always_inline]] inline void repeatWrittenOut(std::ptrdiff_t count, const Step& step, std::integer_sequence<int, kEach...>) {
+  constexpr std::ptrdiff_t kSpan = sizeof...(kEach);
+  for (; count >= kSpan; count -= kSpan) ((static_cast<void>(kEach), step()), ...);
+  for (; count > 0; --count) step();
 }
 
-// Takes the rows in groups small enough that each stage finds the results of the one before it in the nearest cache.
+// Rows come in order: the start-up rows with their left edge, then one row at a time that completes a row of each derivative, then
+// the right edge. Columns are independent of each other; groups of rows keep all columns of a group in the nearest cache.
 template <class Member>
 void streamRows(const Member& member, int32_t height, int32_t flags) {
-  constexpr std::ptrdiff_t kGroup = 32, kLookBack = Member::kLookBack;
+  constexpr std::ptrdiff_t kGroup = 64, kLookBack = Member::kLookBack;
   const bool begin = (flags & kBeginFlag) != 0, end = (flags & kEndFlag) != 0;
-  const std::ptrdiff_t first = begin ? 0 : kLookBack, last = first + height - 1;
-  std::ptrdiff_t next[3] = {first};
-  for (int k = 1; k <= Member::kDerivatives; ++k) next[k] = begin ? 0 : kLookBack - Member::lag(k);
-  std::ptrdiff_t stop = first;
-  const auto advance = [&](auto k) {
-    const std::ptrdiff_t ready = end && stop == last + 1 ? stop : stop - Member::lag(k);
-    member.derivative(k, next[k], ready, last);
-    next[k] = ready;
-  };
-  do {
-    stop = std::min(stop + kGroup, last + 1);
-    member.features(first, next[0], stop);
-    next[0] = stop;
-    advance(Derivative<1>());
-    if constexpr (Member::kDerivatives == 2) advance(Derivative<2>());
-  } while (stop <= last);
+  const std::ptrdiff_t first = begin ? 0 : kLookBack, rows = first + height;
+  if (begin) member.startUp(rows - 1);
+  for (std::ptrdiff_t row = kLookBack; row < rows; row += kGroup) member.steady(first, row, std::min(row + kGroup, rows));
+  if (end) member.finish(rows);
 }
 
 // The checks that all members share, in their order, then the rows.

@@ -52,6 +52,14 @@ inline void coverColumnsOnce(int32_t width, const Body& body) {
   detail::coverFrom<T, Widest, false>(0, width, body);
 }
 
+// The same for a width that is known when compiling, in blocks of kLanes columns.
+template <int kWidth, int kLanes, class Body>
+[[gnu::always_inline]] inline void coverKnownColumns(const Body& body) {
+  static_assert(kWidth >= kLanes);
+  for (int32_t c = 0; c < kWidth - kLanes; c += kLanes) body(c, LaneCount<kLanes>());
+  body(kWidth - kLanes, LaneCount<kLanes>());
+}
+
 // A column needs all rows, but a wide, tall matrix does not stay in the cache while each block of columns walks down it: it is
 // taken in tiles of rows, and the running sums wait in the caller's result meanwhile.
 //

@@ -451,15 +451,6 @@ struct Lanes {
   friend Lanes operator>>(const Lanes& a, int count) {
     return each(a, [=](Part x) { return Part(x >> static_cast<T>(count)); });
   }
-  // By a scale factor: shiftByScale() of bits.h, lane by lane.
-  friend Lanes shiftByScale(const Lanes& a, int64_t scaleFactor) {
-    constexpr int kLast = 8 * static_cast<int>(sizeof(T)) - 1;
-    using U = native::Vector<std::make_unsigned_t<T>, kPart>;
-    if (scaleFactor >= 0) return a >> static_cast<int>(scaleFactor < kLast ? scaleFactor : kLast);
-    if (scaleFactor < -kLast) return Lanes(T(0));
-    const auto count = static_cast<std::make_unsigned_t<T>>(-scaleFactor);
-    return each(a, [=](Part x) { return Part(U(std::bit_cast<U>(x) << count)); });
-  }
 
   // x < y ? a : b, lane by lane: a NaN in x or y gives b.
   friend Lanes selectLess(const Lanes& x, const Lanes& y, const Lanes& a, const Lanes& b) {
@@ -827,6 +818,33 @@ inline Lanes<int32_t, N / 2> pairDots(const Lanes<int16_t, N>& a, const Lanes<in
   }
   return v;
 }
+
+// Shifts by a scale factor, as shiftByScale() of bits.h does. Made once a call; each use is the same few operations, without a
+// branch.
+class ScaleShift {
+ public:
+  explicit ScaleShift(int64_t scaleFactor)
+      : left_(scaleFactor >= 0    ? 0
+              : scaleFactor < -31 ? 31
+                                  : static_cast<int>(-scaleFactor)),
+        right_(scaleFactor < 0    ? 0
+               : scaleFactor > 31 ? 31
+                                  : static_cast<int>(scaleFactor)),
+        kept_(scaleFactor < -31 ? 0 : ~0U) {}
+
+  template <int N>
+  [[gnu::always_inline]] Lanes<int32_t, N> operator()(const Lanes<int32_t, N>& a) const {
+    using Part = typename Lanes<int32_t, N>::Part;
+    using Bits = typename Lanes<uint32_t, N>::Part;
+    return Lanes<int32_t, N>::each(
+        a, [this](Part x)
+               __attribute__((always_inline)) { return Part(Part(Bits((std::bit_cast<Bits>(x) & kept_) << left_)) >> right_); });
+  }
+
+ private:
+  int left_, right_;
+  uint32_t kept_;
+};
 
 // int16 lanes widened: the lower half of them, and the upper half.
 template <int N>

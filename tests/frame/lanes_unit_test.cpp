@@ -100,7 +100,7 @@ void expectIntegers() {
                              int64_t{-31}, int64_t{-32}, -(int64_t{1} << 40)}) {
       std::vector<int32_t> shifted;
       for (int i = 0; i < N / 2; ++i) shifted.push_back(qorsr::shiftByScale(y[static_cast<std::size_t>(i)], sf));
-      ASSERT_BITS(valuesOf(shiftByScale(lower, sf)), shifted);
+      ASSERT_BITS(valuesOf(qorsr::ScaleShift(sf)(lower)), shifted);
     }
   }
 }

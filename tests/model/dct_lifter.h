@@ -39,13 +39,13 @@ std::vector<float> givenLifter(const std::vector<T>& weights) {
   return lifter;
 }
 
-// Eight lanes for the blocks of eight inputs, the rest in lane 0.
+// Eight lanes for the blocks of eight inputs, each starting with its first product; the rest in lane 0.
 inline float laneSum(const std::vector<float>& x, const std::vector<float>& row) {
   float lane[8] = {};
   const std::size_t n = x.size(), blocks = n / 8 * 8;
   for (std::size_t j = 0; j < n; ++j) {
     const std::size_t l = j < blocks ? j % 8 : 0;
-    lane[l] = lane[l] + x[j] * row[j];
+    lane[l] = j < 8 && j < blocks ? x[j] * row[j] : lane[l] + x[j] * row[j];
   }
   return ((lane[0] + lane[4]) + (lane[2] + lane[6])) + ((lane[1] + lane[5]) + (lane[3] + lane[7]));
 }
