@@ -498,6 +498,11 @@ typedef struct BlockDMatrix_32f BlockDMatrix_32f;
 /** Block-diagonal inverse covariance, double elements. */
 typedef struct BlockDMatrix_64f BlockDMatrix_64f;
 
+QORSR_API QorStatus qorsUpdateGConst_32f(const float* inverseVariances, int32_t length, float* result);
+QORSR_API QorStatus qorsUpdateGConst_64f(const double* inverseVariances, int32_t length, double* result);
+QORSR_API QorStatus qorsUpdateGConst_DirectVar_32f(const float* variances, int32_t length, float* result);
+QORSR_API QorStatus qorsUpdateGConst_DirectVar_64f(const double* variances, int32_t length, double* result);
+
 QORSR_API QorStatus qorsOutProbPreCalc_32f(const float* weights, const float* gconsts, float* result, int32_t length);
 QORSR_API QorStatus qorsOutProbPreCalc_32s(const int32_t* weights, const int32_t* gconsts, int32_t* result, int32_t length);
 QORSR_API QorStatus qorsOutProbPreCalc_64f(const double* weights, const double* gconsts, double* result, int32_t length);

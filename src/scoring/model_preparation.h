@@ -10,14 +10,55 @@
 
 #include <bit>
 #include <cstdint>
+#include <limits>
 
 #include "frame/bits.h"
 #include "frame/checks.h"
 #include "frame/memory.h"
 #include "frame/rows.h"
+#include "frame/sum_of_logs.h"
 #include "scoring/block_matrix.h"
 
 namespace qorsr {
+
+// ---- Normalisation ----
+
+// log(2 pi), with the digits that are required.
+inline constexpr double kLogTwoPi = 1.8378770664093;
+
+// How the two terms join: log |Sigma| is minus the sum of the logarithms of inverse variances, or the sum of those of variances.
+struct InverseVariances {
+  template <class T>
+  static T join(T constant, T logs) {
+    return constant - logs;
+  }
+};
+struct DirectVariances {
+  template <class T>
+  static T join(T constant, T logs) {
+    return constant + logs;
+  }
+};
+
+// The NaN of a negative element, a required pattern.
+inline void storeNegativeMark(float* result) { *result = std::bit_cast<float>(0xFFC00000u); }
+inline void storeNegativeMark(double* result) { *result = std::bit_cast<double>(uint64_t{0xFFF80000} << 32); }
+
+// Both terms are rounded to T, then joined.
+template <class Form, class T>
+QorStatus updateGConst(const T* variances, int32_t length, T* result) {
+  if (QorStatus bad = Checks().null(variances, result).size(length)) return bad;
+  SumOfLogs logs;
+  logs.add(variances, length);
+  if (logs.status() == qorStatusLogZero) {
+    *result = std::numeric_limits<T>::infinity();
+  } else if (logs.status() == qorStatusLogNegative) {
+    storeNegativeMark(result);
+  } else {
+    *result = Form::join(static_cast<T>(length * kLogTwoPi), static_cast<T>(logs.value()));
+  }
+  return logs.status();
+}
 
 // ---- Constants of Gaussians ----
 
