@@ -17,7 +17,7 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 
 # The shared module is built once a level. The first level is the baseline, which any machine of the target loads; each further one
 # goes where the dynamic loader looks for it (glibc-hwcaps). The static library has the baseline alone.
-if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64" AND CMAKE_SIZEOF_VOID_P EQUAL 8)
   set(QORSR_LEVELS "sse3;x86-64-v3;x86-64-v4" CACHE STRING "Instruction levels of the module, the baseline first")
 else()
   set(QORSR_LEVELS "native-baseline" CACHE STRING "Instruction levels of the module, the baseline first")
@@ -37,7 +37,7 @@ endif()
 # Exact arithmetic: what is written is what is computed. Every target that computes takes these, tests and benchmarks too.
 add_library(qorsr_arithmetic INTERFACE)
 target_compile_options(qorsr_arithmetic INTERFACE -ffp-contract=off -fno-math-errno)
-if(CMAKE_SYSTEM_PROCESSOR MATCHES "i[3-6]86")
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "i[3-6]86|x86_64|AMD64" AND CMAKE_SIZEOF_VOID_P EQUAL 4)
   target_compile_options(qorsr_arithmetic INTERFACE -msse3 -mfpmath=sse)
 endif()
 

@@ -107,6 +107,11 @@ inline V max(V a, V b) {
 }
 inline float sqrt(float a) { return __builtin_sqrtf(a); }
 inline double sqrt(double a) { return __builtin_sqrt(a); }
+template <class V>
+inline V sqrt(V a) {
+  for (std::size_t i = 0; i < sizeof(V) / sizeof(a[0]); ++i) a[i] = sqrt(a[i]);
+  return a;
+}
 
 inline int32_t truncated(float a) { return a >= -2147483648.0F && a < 2147483648.0F ? static_cast<int32_t>(a) : INT32_MIN; }
 template <class V>

@@ -38,7 +38,7 @@ class Bookkeeper : public testing::EmptyTestEventListener {
   }
 };
 
-bool machineHas(const std::string& level) {
+bool machineHas([[maybe_unused]] const std::string& level) {
 #if defined(__x86_64__)
   if (level == "x86-64-v3")
     return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma") && __builtin_cpu_supports("bmi2");
