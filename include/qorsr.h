@@ -2,8 +2,8 @@
  *  libqorsr: numeric primitives for speech recognition.
  *
  *  Plain functions on plain buffers, for C11 and C++. Every function checks its arguments, runs to completion on the caller's
- * thread and returns a #QorStatus. The library has no state, starts no thread, opens no file, and allocates only through qorMalloc
- * and qorFree of libqorcore.
+ *  thread and returns a #QorStatus. The library has no state, starts no thread, opens no file, and allocates only through qorMalloc
+ *  and qorFree of libqorcore.
  *
  *  ## Reading a name
  *  `qors`, the operation, then words for variant, element types, layout and scaling: `qorsMeanVarColumn_16s32s_D2LSfs`.
@@ -16,14 +16,14 @@
  *  ## What every function promises
  *  - A negative status: a fault in the arguments (or no memory); no result was written, unless the function says otherwise. A
  *    positive one: a warning, with all results written. The checks run in the order in which a family lists them, and the first
- * that fails decides.
+ *    that fails decides.
  *  - Heights, widths and lengths are at least 1 unless a family says otherwise (#qorStatusBadSize). A required pointer that is null
  *    gives #qorStatusNullPointer, a stride below the width #qorStatusBadStride.
  *  - Data are not searched for NaN or infinity; these pass through float arithmetic by the rules of IEEE 754.
  *  - Sources and destinations do not overlap, unless a function is defined to work in place.
  *  - The caller's rounding mode, exception masks and raised exception flags are as before when a call returns.
  *  - The same call gives the same bits at every instruction level and for every alignment, but for the payload and sign of a NaN
- * and for functions that call the C library's exp, log, sin, cos or pow.
+ *    and for functions that call the C library's exp, log, sin, cos or pow.
  *  - Functions are re-entrant. A state record that a function changes serves one call at a time.
  */
 #ifndef QORSR_H
@@ -108,28 +108,28 @@ QORSR_API const QorLibraryVersion* qorsrGetLibVersion(void);
  *  Sums, means and variances of a matrix of feature vectors, one frame a row: height n rows (time), width columns (features).
  *
  *  **Column sums** (`SumColumn`). result[c] = sum over r of x[r][c], in float (`16s`, `32f`) or double (`64f`). Rows are added in
- * pairs, from the top down: ((r0 + r1) + (r2 + r3)) + (r4 + r5), an odd last row last. Height 1 copies the row.
+ *  pairs, from the top down: ((r0 + r1) + (r2 + r3)) + (r4 + r5), an odd last row last. Height 1 copies the row.
  *
  *  **Row sums** (`SumRow`). result[r] = sum over c of x[r][c], in four lanes: x[8k + j] + x[8k + 4 + j] joins lane j, a last group
- * of four joins the lanes, and up to three remaining elements join lanes 0 to 2 (in the last row of an odd height: lane 0, one by
- * one); then (l0 + l1) + (l2 + l3).
+ *  of four joins the lanes, and up to three remaining elements join lanes 0 to 2 (in the last row of an odd height: lane 0, one by
+ *  one); then (l0 + l1) + (l2 + l3).
  *
  *  **Means** (`MeanColumn`). mean[c] = column sum * (1/n), the sum as above. 1/n is formed in double and rounded to float in
  *  qorsMeanColumn_32f_D2 and qorsMeanVarColumn_32f_D2, in float elsewhere.
  *
  *  **Variances** (`VarColumn`, with the means given; `MeanVarColumn`, which forms them). The one-pass form with divisor n - 1:
  *  var[c] = (sum over r of x[r][c]^2 - n mean^2) / (n - 1), in float as (((mean * mean) * -n) + x0^2 + x1^2 + ...) * q, with q =
- * 1/(n - 1). There is no floor: rounding may leave a constant column with a variance slightly below zero. q is formed in float in
+ *  1/(n - 1). There is no floor: rounding may leave a constant column with a variance slightly below zero. q is formed in float in
  *  qorsVarColumn_32f_D2L and qorsMeanVarColumn_16s32s_D2LSfs, in double (and rounded to float for float sums) elsewhere.
  *
  *  **16-bit data.** Elements are converted to float exactly and summed in float, so a 32-bit sum carries the 24 bits of a float.
  *  Results are rounded to nearest, ties to even, and saturated; a NaN gives 0. A scale factor applies to sums and to variances,
- * never to means. The variance uses the mean before its rounding. Two exceptions:
+ *  never to means. The variance uses the mean before its rounding. Two exceptions:
  *  - `MeanVarColumn_16s32s` and `MeanVarColumn_16s16s32s` sum in double. The mean is limited to the 32-bit range and that limited
  *    mean is the one in the variance; the 16-bit mean is the low half of the 32-bit one.
  *  - required: the 16-bit members with `_D2L` and 16-bit variances or means alone, when any row pointer is not 16-byte aligned, sum
  *    exactly in 64-bit integers and truncate instead of rounding; variances are truncated before they are shifted by the scale
- * factor.
+ *    factor.
  *
  *  Shapes. source: height rows of width elements, `stride` elements apart, or `rows`, the row pointers. Results: width elements
  *  (column members) or height elements (row members). Units are the caller's.
@@ -225,8 +225,8 @@ QORSR_API QorStatus qorsSumColumnSqr_64f_D2L(double* const* rows, int32_t width,
  *  - `WeightedMeanVar`: both in one pass; the second sum takes (x w) x.
  *
  *  The weights are used as given: with a sum of 1 the results are a mean and a variance. Sums run in the element type, rows in
- * pairs from the top down, (p0 + p1) + (p2 + p3) ..., an odd last row alone. No floor is applied: by rounding, or with a mean that
- * is not the weighted one, a variance may be negative.
+ *  pairs from the top down, (p0 + p1) + (p2 + p3) ..., an odd last row alone. No floor is applied: by rounding, or with a mean that
+ *  is not the weighted one, a variance may be negative.
  *
  *  Statuses: null pointers; in `_D2` a stride below the width (#qorStatusBadStride); width or height below 1.
  *  @{ */
@@ -261,7 +261,7 @@ QORSR_API QorStatus qorsWeightedMeanVarColumn_64f_D2L(const double* const* rows,
  *
  *  **Normalisation** (`NormalizeColumn`). x[r][c] = (x[r][c] - means[c]) * scales[c], in place. `16s`: the exact 32-bit product is
  *  shifted, without rounding, by the scale factor: above 0 right by sf modulo 32, with copies of the sign; below 0 left by -sf
- * modulo 32, where bits beyond 32 are lost (required); then saturated to 16 bits.
+ *  modulo 32, where bits beyond 32 are lost (required); then saturated to 16 bits.
  *
  *  **Subtraction** (`SubRow`). x[r][c] = x[r][c] - row[c] for every row, in place; `16s` saturates.
  *
@@ -301,20 +301,20 @@ QORSR_API QorStatus qorsAddMulRow_64f(const double* source, double* destination,
  *
  *  **Copies.** `CopyColumn`: destination[r][c] = source[r][c], from rows of width elements without a gap to rows with a stride.
  *  `CopyColumn_Indirect`: destination[r][k] = source[r][columns[k]] for k = 0 to columnCount - 1. `CopyWithPadding`: length
- * elements, then zeros up to paddedLength.
+ *  elements, then zeros up to paddedLength.
  *
  *  **Single columns**, for rows r from firstRow to height - 1. `AddMulColumn`: row[destinationColumn] += row[sourceColumn] *
- * factor. `MulColumn`: row[column] *= factor. `DotProdColumn`: result = sum of row[firstColumn] * row[secondColumn], row firstRow +
- * k going to running sum k mod 4, joined as (s0 + s2) + (s1 + s3).
+ *  factor. `MulColumn`: row[column] *= factor. `DotProdColumn`: result = sum of row[firstColumn] * row[secondColumn], row
+ *  firstRow + k going to running sum k mod 4, joined as (s0 + s2) + (s1 + s3).
  *
  *  Statuses. `CopyColumn`: null pointers; height or width below 1; stride below width. `CopyColumn_Indirect_D2`: null pointers;
- * source width below 1; source stride below source width; columnCount below 1; destination stride below columnCount; height below
- * 1;
+ *  source width below 1; source stride below source width; columnCount below 1; destination stride below columnCount; height below
+ *  1;
  *  `_D2L`: null pointers; source width, columnCount or height below 1. In both an entry of columns outside 0 to source width - 1
- * gives #qorStatusBadSize while the first row is being copied: what stands in front of it there has been copied (required).
+ *  gives #qorStatusBadSize while the first row is being copied: what stands in front of it there has been copied (required).
  *  `CopyWithPadding`: null pointers; length or paddedLength below 1, or paddedLength below length (#qorStatusBadSize). Single
- * columns: null pointers; width or height below 1, a column outside 0 to width - 1 or firstRow outside 0 to height - 1
- * (#qorStatusBadSize).
+ *  columns: null pointers; width or height below 1, a column outside 0 to width - 1 or firstRow outside 0 to height - 1
+ *  (#qorStatusBadSize).
  *  @{ */
 QORSR_API QorStatus qorsCopyColumn_16s_D2(const int16_t* source, int32_t width, int16_t* destination, int32_t destinationStride,
                                           int32_t height);
@@ -350,18 +350,18 @@ QORSR_API QorStatus qorsDotProdColumn_64f_D2L(const double* const* rows, int32_t
 
 /** @defgroup products Products of a matrix and a vector
  *  A matrix of height rows and width columns. `MatVecMul`: result[r] = sum over c of x[r][c] v[c], a vector of width elements in,
- * height results out. `VecMatMul`: result[c] = sum over r of v[r] x[r][c], a vector of height elements in, width results out. The
- * stride belongs to the matrix. Nothing is allocated.
+ *  height results out. `VecMatMul`: result[c] = sum over r of v[r] x[r][c], a vector of height elements in, width results out. The
+ *  stride belongs to the matrix. Nothing is allocated.
  *
  *  - **`MatVecMul_32f`.** In float: groups of 16 elements in 16 lanes, joined by halves to four; groups of four in these; up to
- * three last elements in lane 0; (l0 + l2) + (l1 + l3).
+ *    three last elements in lane 0; (l0 + l2) + (l1 + l3).
  *  - **`MatVecMul_16s`, `_16s32s`.** The sum is exact (64 bits). A scale factor above 0 shifts it right without rounding, toward
  *    minus infinity (64 and more: 0 or -1); below 0 it is multiplied by the power of two; then saturated to the result's type.
  *  - **`VecMatMul_32f`.** In float, row after row.
  *  - **`VecMatMul_16s`, `_16s32s`.** The sum in double, times 2^-sf, limited to the result's range, rounded to nearest, ties to
- * even. That one of the two 16-bit families truncates and the other rounds is required.
+ *    even. That one of the two 16-bit families truncates and the other rounds is required.
  *  - **`_32s`.** Products and sums in double (`MatVecMul`: even and odd elements in two sums, joined at the end; `VecMatMul`: row
- * after row), times 2^-sf, limited to 32 bits, rounded to nearest, ties to even.
+ *    after row), times 2^-sf, limited to 32 bits, rounded to nearest, ties to even.
  *
  *  Statuses: null pointers; height or width below 1; stride below width (`_D2`).
  *  @{ */
@@ -406,8 +406,8 @@ QORSR_API QorStatus qorsVecMatMul_32s_D2LSfs(const int32_t* vector, const int32_
  *  Addition, subtraction and sum of probabilities that are held as natural logarithms.
  *
  *  **Addition** (`LogAdd`). result[i] = log(exp(source[i]) + exp(result[i])) = hi + log(1 + exp(d)), hi the larger term, d = -|a -
- * b|. No exponential and no logarithm is called: log(1 + exp(d)) is a polynomial on each of three ranges of d. Below a threshold
- * the smaller term is dropped; then, and only then, a hi below the floor is raised to it.
+ *  b|. No exponential and no logarithm is called: log(1 + exp(d)) is a polynomial on each of three ranges of d. Below a threshold
+ *  the smaller term is dropped; then, and only then, a hi below the floor is raised to it.
  *
  *  |        | ranges of d end at | degree | smaller term dropped below  | floor: a hi below                  |
  *  |--------|--------------------|--------|-----------------------------|------------------------------------|
@@ -423,8 +423,8 @@ QORSR_API QorStatus qorsVecMatMul_32s_D2LSfs(const int32_t* vector, const int32_
  *
  *  **Subtraction** (`LogSub`). result[i] = log(exp(a) - exp(b)) = a + log(1 - exp(b - a)), a = source[i], b = result[i], with the C
  *  library's exp and log in double. Every b must be below its a: where b - a is not negative, equal terms and NaN too, the call
- * gives #qorStatusBadRange and writes nothing. With b - a below the drop threshold the result is a, raised to the floor; where 1 -
- * exp(d) is at most 1.0057e-37 (double: 2.45e-308), it is the floor.
+ *  gives #qorStatusBadRange and writes nothing. With b - a below the drop threshold the result is a, raised to the floor; where 1 -
+ *  exp(d) is at most 1.0057e-37 (double: 2.45e-308), it is the floor.
  *
  *  **Sum** (`LogSum`). *result = log of the sum of exp(source[i]), by the fast form in float. Four lanes (two in double) take every
  *  fourth (second) element when there are at least 8 (5) of them, lane i is added to lane i + 2 (i + 1) and so on, and what remains
@@ -466,11 +466,11 @@ QORSR_API QorStatus qorsLogSum_32s_Sfs(const int32_t* source, int32_t* result, i
  *
  *  **Normalisation** (`UpdateGConst`). For n inverse variances v: result = n log(2 pi) - sum of log v[i]; for n variances
  *  (`DirectVar`): n log(2 pi) + sum of log v[i]; log(2 pi) = 1.8378770664093. It is the logarithm of (2 pi)^n |Sigma|, so half of
- * it, subtracted from a log weight, is the constant term of a diagonal Gaussian's log density. The sum of logarithms takes one
- * logarithm for 512 elements: exponents are added, mantissas multiplied. In float both terms are rounded to float, then subtracted
- * (added). The first element that has no logarithm decides: a zero of either sign gives plus infinity and #qorStatusLogZero, a
- * negative element a quiet NaN (0xFFC00000 in float, 0xFFF8000000000000 in double) and #qorStatusLogNegative, a NaN a NaN and
- * #qorStatusOk.
+ *  it, subtracted from a log weight, is the constant term of a diagonal Gaussian's log density. The sum of logarithms takes one
+ *  logarithm for 512 elements: exponents are added, mantissas multiplied. In float both terms are rounded to float, then subtracted
+ *  (added). The first element that has no logarithm decides: a zero of either sign gives plus infinity and #qorStatusLogZero, a
+ *  negative element a quiet NaN (0xFFC00000 in float, 0xFFF8000000000000 in double) and #qorStatusLogNegative, a NaN a NaN and
+ *  #qorStatusOk.
  *
  *  **Constants of Gaussians** (`OutProbPreCalc`). result[i] = weights[i] - gconsts[i] / 2; `_I` members overwrite the gconsts. In
  *  `32s`, which wraps, required: elements in groups of four from the first on, and with all pointers 16-byte aligned a pair behind
@@ -478,12 +478,12 @@ QORSR_API QorStatus qorsLogSum_32s_Sfs(const int32_t* source, int32_t* result, i
  *
  *  **Block-diagonal inverse covariances** (`BlockDMatrix`). `rows` holds one pointer for each of the T = sum of blockSizes rows, in
  *  order of the blocks; a row has the width of its block. The record copies all of it, in one allocation; once made it is only
- * read, by any number of scorers at a time. Block count and T are kept in 16 bits; larger ones are not refused. `Free` releases it;
- * the three `Free` functions are one.
+ *  read, by any number of scorers at a time. Block count and T are kept in 16 bits; larger ones are not refused. `Free` releases
+ *  it; the three `Free` functions are one.
  *
  *  **Language model scores** (`ScaleLM`). result[i] = max(source[i], floor) * scale + offset, in that order. In float a source that
  *  is not above the floor, a NaN too, gives the floor. In `16s32s` the product is exact and the offset is added in 32 bits with
- * wrap.
+ *  wrap.
  *
  *  Statuses, in order: null; length (block count, then any block size) below 1; #qorStatusNoMemory (`InitAlloc`, which then leaves
  *  the caller's pointer as it was); then the warnings above.
@@ -527,34 +527,34 @@ QORSR_API QorStatus qorsScaleLM_16s32s(const int16_t* source, int32_t* result, i
 
 /** @defgroup gaussian_selection Gaussian selection
  *  Bit tables that say which Gaussians of a large model are worth scoring for a frame; the `Select` scorers take them as their
- * mask.
+ *  mask.
  *
  *  A table has one bit a Gaussian: position p of a row is the bit 128 >> (p % 8) of byte p / 8, so the most significant bit of a
- * byte is the lowest position. Rows are row pointers, `stride` bytes long. `shift` is a bit offset: position 0 of a list is bit
- * `shift` of a row, so that several calls fill fields of one wide row.
+ *  byte is the lowest position. Rows are row pointers, `stride` bytes long. `shift` is a bit offset: position 0 of a list is bit
+ *  `shift` of a row, so that several calls fill fields of one wide row.
  *
  *  **Short lists** (`FillShortlist`) toggle bits; start from a table of zeros. Required: an index that stands twice in a group
- * clears its bit again.
+ *  clears its bit again.
  *  - `Row`: the indices are `height` groups of `count`; an index i of group r toggles bit shift + i of row r, 0 <= i < width.
  *  - `RowVar`: the same, group r having counts[r] indices.
  *  - `Column`: the indices are `width` groups of `count`; an index i of group c toggles bit shift + c of row i, 0 <= i < height.
  *  - `ColumnVar`: the same, group c having counts[c] indices.
  *
  *  **Sign tables** (`BuildSignTable`) condense a table. The result is contiguous, (resultBits + 7) / 8 bytes a row, and zeroed
- * first.
+ *  first.
  *  - qorsBuildSignTable_8u1u(): bit b of result row r is the OR of the bits shift + b of the source rows that the `count` indices
- * of group r name.
+ *    of group r name.
  *  - qorsBuildSignTable_Var_8u1u(), required: result row r looks at the first counts[r] indices of the whole list (not at a group
- * of its own); if any of them names a source row with a bit set among shift to shift + resultBits - 1, the top bit of the first
- * byte of result row r is set, and no other bit ever is.
+ *    of its own); if any of them names a source row with a bit set among shift to shift + resultBits - 1, the top bit of the first
+ *    byte of result row r is set, and no other bit ever is.
  *
  *  Statuses, in order: null; any size, count or stride below 1, or shift below 0 (#qorStatusBadSize); in `RowVar` and `ColumnVar`
- * an entry of counts below 1 (#qorStatusBadSize); a stride that does not hold shift + width (shift + resultBits) bits
+ *  an entry of counts below 1 (#qorStatusBadSize); a stride that does not hold shift + width (shift + resultBits) bits
  *  (#qorStatusBadStride); in `BuildSignTable_Var` an entry of counts below 1; an index out of range (#qorStatusBadArgument), for
- * which all indices are tested before anything is written.
+ *  which all indices are tested before anything is written.
  *
  *  Source of the method: Gaussian selection by short lists, Bocchieri, "Vector quantization for the efficient computation of
- * continuous density likelihoods", ICASSP 1993. @{ */
+ *  continuous density likelihoods", ICASSP 1993. @{ */
 
 QORSR_API QorStatus qorsFillShortlist_Row_1u(const int32_t* indices, int32_t width, int32_t count, uint8_t* const* table,
                                              int32_t height, int32_t stride, int32_t shift);
@@ -584,7 +584,7 @@ QORSR_API QorStatus qorsBuildSignTable_Var_8u1u(const int32_t* indices, const in
  *
  *  The score is val - Q / 2, the distance Q. val is the constant of the Gaussian: log weight minus half of what
  *  qorsUpdateGConst_32f() gives (qorsOutProbPreCalc_32f()). The difference is formed before it is squared, so a constant offset of
- * all features costs no precision.
+ *  all features costs no precision.
  *
  *  **Float and double.** Float: (val + val - Q) * 0.5, so val + val may overflow; double: val - Q * 0.5; `32f64f`: float data, all
  *  arithmetic in double. Elements are summed in 16 lanes (doubles: 8), joined by halves, the same in every scorer, layout and
@@ -595,32 +595,32 @@ QORSR_API QorStatus qorsBuildSignTable_Var_8u1u(const int32_t* indices, const in
  *  factor: the score is val - Q * 2^-(sf + 1). val is never scaled. Four arithmetics:
  *  - `16s32s` and `Scaled_16s32f`: for each group of eight elements d = x - m is saturated to 16 bits, d^2 * v is formed in float,
  *    the eight are added as ((p0 + p4) + (p2 + p6)) + ((p1 + p5) + (p3 + p7)), and that joins one float total. The last zero to
- * seven elements follow one at a time, without saturation (required). `16s32s`: Q / 2^(sf + 1) exactly, then float(val) minus that,
- *    limited to -2^31 ... 2^31 and rounded in the caller's rounding mode. `Scaled`: in float, with the power of two limited to
- *    2^128 (infinity) above and 0 below 2^-149.
+ *    seven elements follow one at a time, without saturation (required). `16s32s`: Q / 2^(sf + 1) exactly, then float(val) minus
+ *    that, limited to -2^31 ... 2^31 and rounded in the caller's rounding mode. `Scaled`: in float, with the power of two limited
+ *    to 2^128 (infinity) above and 0 below 2^-149.
  *  - `Low_16s32s` and `LowScaled_16s32f`: 32-bit integers that wrap. d is saturated throughout; d^2 = 65536 u + w; H = -sum of u v
- * and L = -sum of (w / 2) v run in four lanes of neighbouring pairs over all groups of eight; each lane then gives H * 2^(15 - sf)
- * + L / 2^sf by shifts, and each pair of the remainder, or a last odd element, gives its own. The lanes and val are added
- * (`LowScaled`: as floats). With sf above 15, H is shifted right by sf - 15 and L by 15 (required). A negative sf takes the float
- * sums instead, truncated toward zero in `Low` (out of range: the most negative value).
+ *    and L = -sum of (w / 2) v run in four lanes of neighbouring pairs over all groups of eight; each lane then gives H * 2^(15 -
+ *    sf) + L / 2^sf by shifts, and each pair of the remainder, or a last odd element, gives its own. The lanes and val are added
+ *    (`LowScaled`: as floats). With sf above 15, H is shifted right by sf - 15 and L by 15 (required). A negative sf takes the
+ *    float sums instead, truncated toward zero in `Low` (out of range: the most negative value).
  *  - `IdVarLow_16s32s`: the same with v = 1; a negative sf shifts left. The last odd element is a plain difference, not saturated.
  *  - `IdVarLowScaled_16s32f`: squares of neighbouring elements are added as 32-bit integers that wrap, converted to float and
  *    summed in four lanes; a last odd element is a plain difference whose 32-bit square wraps.
  *
  *  A score of 2^31 or above, once converted, becomes the most negative integer (required) wherever a scorer limits or truncates;
  *  `BlockDVar_16s32s` saturates instead above 2^31, and truncates. `DirectVar_16s32s` rounds Q / 2^(sf + 1) to nearest, saturates
- * it, and saturates the difference.
+ *  it, and saturates the difference.
  *
  *  **16-bit distances.** `16s32f`: Q in the float arithmetic above. qorsMahDistSingle_16s32s_Sfs() has two roads (required): with
- * all three vectors 16-byte aligned that float Q, limited and rounded, and the scale factor has no effect; else the exact sum in
- * 64-bit integers, shifted right by sf (left for a negative sf), saturated.
+ *  all three vectors 16-byte aligned that float Q, limited and rounded, and the scale factor has no effect; else the exact sum in
+ *  64-bit integers, shifted right by sf (left for a negative sf), saturated.
  *
  *  Shapes. x, mean, variance: `length` elements. result: one element.
  *
  *  Statuses, in order: null pointers (x, mean, variance or covariance, result); length below 1; `BlockDVar`: #qorStatusBadSize if
- * the length is not the dimension of the covariance; #qorStatusNoMemory where scratch is needed (`DirectVar` with reciprocals;
- * `BlockDVar` from length 112 on). #qorStatusDivideByZero for a variance of zero, of either sign: the result follows by IEEE rules,
- * but it is not written by `DirectVar_32f64f`; `DirectVar_64f` gives the IEEE result and #qorStatusOk.
+ *  the length is not the dimension of the covariance; #qorStatusNoMemory where scratch is needed (`DirectVar` with reciprocals;
+ *  `BlockDVar` from length 112 on). #qorStatusDivideByZero for a variance of zero, of either sign: the result follows by IEEE
+ *  rules, but it is not written by `DirectVar_32f64f`; `DirectVar_64f` gives the IEEE result and #qorStatusOk.
  *
  *  Source of the method: the log of a multivariate normal density; Rabiner and Juang, "Fundamentals of Speech Recognition" (1993),
  *  section 6.6. P. C. Mahalanobis, "On the generalised distance in statistics" (1936). @{ */
@@ -697,8 +697,8 @@ QORSR_API QorStatus qorsMahDistSingle_16s32s_Sfs(const int16_t* x, const int16_t
  *  - `LogGauss_16s32s`, `LogGauss_IdVar_16s32s`: the score is truncated toward zero and not limited; out of range it is the most
  *    negative value.
  *  - `LogGaussMax` with 32-bit results rounds every step toward zero. `16s32s` and `IdVar_16s32s`: s = float(val) - Q * 2^-(sf +
- * 1), with the power of two limited as in `Scaled`, limited to -2^31 ... 2^31. `Low` and `IdVarLow`: the integer score converted to
- *    float. The old result is converted to float too, and the larger of the two is truncated: an old result that wins comes back
+ *    1), with the power of two limited as in `Scaled`, limited to -2^31 ... 2^31. `Low` and `IdVarLow`: the integer score converted
+ *    to float. The old result is converted to float too, and the larger of the two is truncated: an old result that wins comes back
  *    with 24 bits (required), and a score of 2^31 as the most negative value.
  *
  *  Shapes. source: height rows of width elements, `stride` elements apart, or `rows`, the row pointers. mean, variance: width
@@ -865,17 +865,17 @@ QORSR_API QorStatus qorsMahDist_64f_D2L(const double* const* rows, const double*
 /** @defgroup gaussian_mixture Gaussian mixtures
  *  **Whole mixtures.** The log likelihood of a mixture: result = log of the sum over g of exp(s(g)), s(g) the score of x against
  *  Gaussian g, with the words and sums of @ref gaussian_single; vals[g] is the constant of Gaussian g with the log mixture weight
- * in it. Float and double scores are val - Q * 0.5, for `IdVar` too. The Gaussians are taken in chunks of 100; each chunk is
- * reduced as by qorsLogSum_32f() (or qorsLogSum_64f()), from the second chunk on with the result so far in front of it. So one
- * Gaussian gives its score unchanged.
+ *  in it. Float and double scores are val - Q * 0.5, for `IdVar` too. The Gaussians are taken in chunks of 100; each chunk is
+ *  reduced as by qorsLogSum_32f() (or qorsLogSum_64f()), from the second chunk on with the result so far in front of it. So one
+ *  Gaussian gives its score unchanged.
  *
  *  **Selected mixtures** (`Select`). Every frame of a block against those Gaussians that a mask selects for it. mask: a row of
  *  (count + 7) / 8 bytes a frame; Gaussian g is bit 128 >> (g mod 8) of byte g / 8, and bits beyond count are ignored. A frame with
  *  no selected Gaussian gets `floor`, one with a single Gaussian its score as qorsLogGaussSingle_32f() gives it (or `IdVar_32f`,
  *  `Scaled_16s32f`, `IdVarScaled_16s32f`). Scores are log-added Gaussian by Gaussian in the accurate form of qorsLogAdd_32f(); but
  *  `Select_32f_D2` and `SelectScaled_16s32f_D2` with at least 9 Gaussians and 2 frames gather the scores of each frame and reduce
- * them like a whole mixture: the same within rounding. A frame against a multiple of 65536 selected Gaussians starts anew behind
- * them (required: its counter has 16 bits), where nothing is gathered.
+ *  them like a whole mixture: the same within rounding. A frame against a multiple of 65536 selected Gaussians starts anew behind
+ *  them (required: its counter has 16 bits), where nothing is gathered.
  *
  *  Shapes. x: width elements. means, variances: count rows of width elements, one `stride` for both (and for frames), or arrays of
  *  row pointers. vals: count elements. frames: frameCount rows. results: frameCount elements.
@@ -963,7 +963,7 @@ QORSR_API QorStatus qorsLogGaussMixture_SelectIdVarScaled_16s32f_D2L(const int16
 
 /** @defgroup gaussian_multi_mixture Gaussian scores: many Gaussians
  *  One feature vector x against many Gaussians, each with a slot of its own: a frame against the states of a whole model. s(g) is
- * the score of Gaussian g with the words and sums of @ref gaussian_single, vals[g] its constant; float and double: val - Q * 0.5.
+ *  the score of Gaussian g with the words and sums of @ref gaussian_single, vals[g] its constant; float and double: val - Q * 0.5.
  *  - `LogGaussMultiMix`: the vector that holds the vals receives the scores.
  *  - `LogGaussMaxMultiMix`: result[g] = the larger of s(g) and result[g]; a NaN score replaces nothing.
  *  - `LogGaussAddMultiMix`: result[g] = log(exp(result[g]) + exp(s(g))), as by qorsLogAdd_32f() with hint 0, or qorsLogAdd_64f().
@@ -1083,26 +1083,26 @@ QORSR_API QorStatus qorsMahDistMultiMix_64f_D2L(const double* const* meanRows, c
  *  Overlapping triangular filters over the bins of a spectrum: one output a filter.
  *
  *  A bank has n = filterCount filters and n + 2 centres c[0] to c[n+1], bin numbers. Filter k, from 1 to n, rises from c[k-1] to
- * c[k] and falls to c[k+1]:
+ *  c[k] and falls to c[k+1]:
  *
  *      y[k-1] = sum for j = c[k-1] .. c[k] of rising_k[j - c[k-1]] x[j]  +  sum for j = c[k]+1 .. c[k+1] of falling_k[j - c[k] - 1]
- * x[j]
+ *          x[j]
  *
  *  `length`, the transform's length as requested, is taken up to a power of two L, at least 2 (500 gives 512); its base-2 logarithm
- * is written to `order`. Bins run from 0 to L/2. Other bins do not exist: sections are cut there, and an empty section adds
- * nothing.
+ *  is written to `order`. Bins run from 0 to L/2. Other bins do not exist: sections are cut there, and an empty section adds
+ *  nothing.
  *
  *  **Banks.** qorsEmptyFBankInitAlloc_32f() makes a bank without centres, with zero weights; qorsMelFBankInitAlloc_32f() and its
  *  relatives (@ref mel_bank) make complete ones. A bank from `InitAlloc` ends with qorsFBankFree_32f(); a bank that was built in
- * the caller's block by `Init` ends with that block, must not be moved or copied, and is never passed to `Free`.
+ *  the caller's block by `Init` ends with that block, must not be moved or copied, and is never passed to `Free`.
  *
  *  **Weights.** Floats in `FBankState_32f`; 32-bit integers with 14 fraction bits (1.0 is 16384) in `FBankState_16s`; with 30
- * fraction bits in `FBankState_32s`.
+ *  fraction bits in `FBankState_32s`.
  *
  *  **Transform front.** A bank made with bit value 4 in its flags takes a frame of L samples in place of a spectrum, and its
- * filters run over the magnitudes sqrt(re^2 + im^2) of bins 0 to L/2 of the frame's unnormalised discrete Fourier transform. Such
- * an evaluation writes work memory inside the bank, so the bank serves one thread at a time; all other evaluations and `Get`
- * functions only read it.
+ *  filters run over the magnitudes sqrt(re^2 + im^2) of bins 0 to L/2 of the frame's unnormalised discrete Fourier transform. Such
+ *  an evaluation writes work memory inside the bank, so the bank serves one thread at a time; all other evaluations and `Get`
+ *  functions only read it.
  *
  *  Source of the method: Davis and Mermelstein, "Comparison of parametric representations for monosyllabic word recognition in
  *  continuously spoken sentences", IEEE Transactions on Acoustics, Speech, and Signal Processing 28 (1980). @{ */
@@ -1115,8 +1115,8 @@ typedef struct FBankState_16s FBankState_16s;
 typedef struct FBankState_32s FBankState_32s;
 
 /** An empty bank, to be given centres and then weights. It always evaluates spectra: bit value 4 of `flags` only makes the memory
- * of a transform, and other bits are ignored. Statuses: length or filterCount below 1 (#qorStatusBadSize); null; #qorStatusNoMemory
- * (the order is written). */
+ *  of a transform, and other bits are ignored. Statuses: length or filterCount below 1 (#qorStatusBadSize); null;
+ *  #qorStatusNoMemory (the order is written). */
 QORSR_API QorStatus qorsEmptyFBankInitAlloc_32f(FBankState_32f** state, int32_t* order, int32_t length, int32_t filterCount,
                                                 int32_t flags);
 QORSR_API QorStatus qorsEmptyFBankInitAlloc_16s(FBankState_16s** state, int32_t* order, int32_t length, int32_t filterCount,
@@ -1128,50 +1128,50 @@ QORSR_API QorStatus qorsFBankFree_16s(FBankState_16s* state);
 
 /** centers = the filterCount + 2 centres. The two names are one function.
  *  Statuses: null; #qorStatusFBankNotReady without centres, or where a constructor made centres that qorsFBankSetCenters_32f()
- * would refuse. */
+ *  would refuse. */
 QORSR_API QorStatus qorsFBankGetCenters_32f(const FBankState_32f* state, int32_t* centers);
 QORSR_API QorStatus qorsFBankGetCenters_16s(const FBankState_16s* state, int32_t* centers);
 
 /** Sets the filterCount + 2 centres and makes the bank ready. Weights stay as they are, by their place in the section. The two
- * names are one function. Statuses: null; #qorStatusFBankNotReady, with the bank unchanged, when centers[0] is negative, when for
- * some i from 1 to filterCount - 1 centers[i] is below centers[i-1] or above centers[i+1], or when the last one exceeds L/2. Equal
- * neighbours are accepted; required: the last two entries are not compared with each other. */
+ *  names are one function. Statuses: null; #qorStatusFBankNotReady, with the bank unchanged, when centers[0] is negative, when for
+ *  some i from 1 to filterCount - 1 centers[i] is below centers[i-1] or above centers[i+1], or when the last one exceeds L/2. Equal
+ *  neighbours are accepted; required: the last two entries are not compared with each other. */
 QORSR_API QorStatus qorsFBankSetCenters_32f(FBankState_32f* state, const int32_t* centers);
 QORSR_API QorStatus qorsFBankSetCenters_16s(FBankState_16s* state, const int32_t* centers);
 
 /** weights = those of filter number `filter` (from 1), bin by bin from c[filter-1] to c[filter+1]: the rising section, then the
- * falling one. Integer weights are multiplied by 2^-14. required: filterCount + 1 is accepted too; that row has no falling section.
- *  Statuses: null; #qorStatusFBankNotReady; filter outside 1 to filterCount + 1 (#qorStatusBadSize). */
+ *  falling one. Integer weights are multiplied by 2^-14. required: filterCount + 1 is accepted too; that row has no falling
+ *  section. Statuses: null; #qorStatusFBankNotReady; filter outside 1 to filterCount + 1 (#qorStatusBadSize). */
 QORSR_API QorStatus qorsFBankGetCoeffs_32f(const FBankState_32f* state, int32_t filter, float* weights);
 QORSR_API QorStatus qorsFBankGetCoeffs_16s(const FBankState_16s* state, int32_t filter, float* weights);
 
 /** Sets the weights of a filter, in the order of qorsFBankGetCoeffs_32f(). Integer weights: value * 16384 in float, truncated;
- * below -2^31 limited to it; required: what reaches 2^31 (or is NaN) is stored as -2^31. Statuses: null; #qorStatusFBankNotReady;
- * filter outside 1 to filterCount (#qorStatusBadSize). */
+ *  below -2^31 limited to it; required: what reaches 2^31 (or is NaN) is stored as -2^31. Statuses: null; #qorStatusFBankNotReady;
+ *  filter outside 1 to filterCount (#qorStatusBadSize). */
 QORSR_API QorStatus qorsFBankSetCoeffs_32f(FBankState_32f* state, int32_t filter, const float* weights);
 QORSR_API QorStatus qorsFBankSetCoeffs_16s(FBankState_16s* state, int32_t filter, const float* weights);
 
 /** result[k-1] = y[k-1] as above, k = 1 to filterCount; source: L/2 + 1 bins, or a frame of L samples with a transform front.
  *
  *  In float, with eight lanes a filter: a section's bins go to lanes 0 to 7 in blocks of eight, and the bins that remain to lane 0;
- * the first bin of a rising section (filter 1 apart) goes to lane 0 ahead of the blocks. The sum is ((l0 + l4) + (l2 + l6)) + ((l1
- * + l5) + (l3 + l7)). Statuses: null; #qorStatusFBankNotReady. */
+ *  the first bin of a rising section (filter 1 apart) goes to lane 0 ahead of the blocks. The sum is ((l0 + l4) + (l2 + l6)) +
+ *  ((l1 + l5) + (l3 + l7)). Statuses: null; #qorStatusFBankNotReady. */
 QORSR_API QorStatus qorsEvalFBank_32f(const float* source, float* result, const FBankState_32f* state);
 
 /** As qorsEvalFBank_32f(), exactly: the sum of the products in 64 bits is shifted right (arithmetically, without rounding) by
  *  scaleFactor + 14, or left when that is negative, and saturated. Any scale factor is accepted.
  *
  *  With a transform front, the transform runs in float; its values are rounded to integers with three fraction bits, the magnitudes
- * of those again to integers with three more (to nearest, at most 2^31 - 1), the shift grows by these 6, and required: of each
- * product of magnitude and weight the low 32 bits are added, as a signed number. Statuses: null; #qorStatusFBankNotReady. */
+ *  of those again to integers with three more (to nearest, at most 2^31 - 1), the shift grows by these 6, and required: of each
+ *  product of magnitude and weight the low 32 bits are added, as a signed number. Statuses: null; #qorStatusFBankNotReady. */
 QORSR_API QorStatus qorsEvalFBank_16s_Sfs(const int16_t* source, int16_t* result, const FBankState_16s* state, int32_t scaleFactor);
 QORSR_API QorStatus qorsEvalFBank_16s32s_Sfs(const int16_t* source, int32_t* result, const FBankState_16s* state,
                                              int32_t scaleFactor);
 
 /** As qorsEvalFBank_32f(), in integers: each product loses its 8 low bits (arithmetic shift), the 64-bit sum v becomes v *
- * 2^-scaleFactor (right: arithmetic shift; left: limited above to 2^63 - 1), and then (v >> 22) plus bit 21 of v. The result is
- * limited to 2^31 - 1; required: below, its low 32 bits are stored as they are. Statuses: null; scaleFactor outside -31 to 31
- * (#qorStatusBadArgument). */
+ *  2^-scaleFactor (right: arithmetic shift; left: limited above to 2^63 - 1), and then (v >> 22) plus bit 21 of v. The result is
+ *  limited to 2^31 - 1; required: below, its low 32 bits are stored as they are. Statuses: null; scaleFactor outside -31 to 31
+ *  (#qorStatusBadArgument). */
 QORSR_API QorStatus qorsEvalFBank_32s_Sfs(const int32_t* source, int32_t* result, const FBankState_32s* state, int32_t scaleFactor);
 /** @} */
 
@@ -1184,35 +1184,35 @@ QORSR_API QorStatus qorsEvalFBank_32s_Sfs(const int32_t* source, int32_t* result
  *  frequencies are in hertz.
  *
  *  **Mel banks.** m[i] = mel(low) + i (mel(high) - mel(low)) / (n + 1), i = 0 to n + 1; the centre is bin (L / sampleFrequency)
- * melDiv (exp(m[i] / melMul) - 1). m[i] and the position are rounded to float.
+ *  melDiv (exp(m[i] / melMul) - 1). m[i] and the position are rounded to float.
  *
  *  **Mixed banks.** The first T = linearFilterCount filters are spaced linearly, f[i] = low + i (join - low) / T for i = 0 to T;
- * from the join on, centres i = T to n + 1 are equally far apart in mel up to the high frequency. With T = n all is linear, f[i] =
- * low + i (join - low) / (n + 1), and the high frequency is tested but not used.
+ *  from the join on, centres i = T to n + 1 are equally far apart in mel up to the high frequency. With T = n all is linear, f[i] =
+ *  low + i (join - low) / (n + 1), and the high frequency is tested but not used.
  *
  *  **Flags.** 1 or 2, and 4 in addition (banks of floats or 16 bits):
  *  - 1, mel-shaped: centres are truncated to bins; a weight is the distance in mel of the bin's frequency from the filter's edge,
- * over the width of the section in mel. The first weight of a mel bank's rising section is 0.
+ *    over the width of the section in mel. The first weight of a mel bank's rising section is 0.
  *  - 2, index-shaped: centres are rounded to nearest, ties to even; rising weights are (j - c[k-1] + 1) / (c[k] - c[k-1] + 1),
- * falling ones (c[k+1] + 1 - j) / (c[k+1] - c[k] + 1): 1 at the centre, one step above zero at the ends.
+ *    falling ones (c[k+1] + 1 - j) / (c[k+1] - c[k] + 1): 1 at the centre, one step above zero at the ends.
  *  - 4: transform front.
  *
  *  With flag 1, mixed banks have mel-shaped filters up to T and index-shaped ones beyond. required: the falling side of filter T
- * compares mel values with bin numbers, (c[T+1] - mel(j)) / (c[T+1] - c[T]). Negative weights become 0.
+ *  compares mel values with bin numbers, (c[T+1] - mel(j)) / (c[T+1] - c[T]). Negative weights become 0.
  *
  *  Weights are not normalised by area. All is computed in double, with the C library's log and exp; Q14 weights are truncated.
  *
  *  Statuses of `qorsMelFBankInit` and `qorsMelFBankInitAlloc`, in order: null state or order; length or filterCount below 1, sample
- * or low frequency not above 0 (#qorStatusBadSize); high below low, half the sample frequency below high
- * (#qorStatusBadFBankFrequency); flags (#qorStatusBadFBankFlag); #qorStatusNoMemory, with the order written (`Init`:
- * #qorStatusBadSize for a block beyond 2^31 - 1 bytes). A NaN passes every test.
+ *  or low frequency not above 0 (#qorStatusBadSize); high below low, half the sample frequency below high
+ *  (#qorStatusBadFBankFrequency); flags (#qorStatusBadFBankFlag); #qorStatusNoMemory, with the order written (`Init`:
+ *  #qorStatusBadSize for a block beyond 2^31 - 1 bytes). A NaN passes every test.
  *
  *  Source of the method: Stevens, Volkmann and Newman, "A scale for the measurement of the psychological magnitude pitch", Journal
- * of the Acoustical Society of America 8 (1937); Davis and Mermelstein (1980) for the bank. @{ */
+ *  of the Acoustical Society of America 8 (1937); Davis and Mermelstein (1980) for the bank. @{ */
 
 /** size = bytes of the caller's block for `Init` with the same length, filterCount and flags. The block may begin at any address
- * that the element type allows. Statuses: null; length or filterCount below 1 (#qorStatusBadSize); flags (#qorStatusBadFBankFlag);
- * a block beyond 2^31 - 1 bytes
+ *  that the element type allows. Statuses: null; length or filterCount below 1 (#qorStatusBadSize); flags (#qorStatusBadFBankFlag);
+ *  a block beyond 2^31 - 1 bytes
  *  (#qorStatusBadSize). */
 QORSR_API QorStatus qorsMelFBankGetSize_32f(int32_t length, int32_t filterCount, int32_t flags, int32_t* size);
 QORSR_API QorStatus qorsMelFBankGetSize_16s(int32_t length, int32_t filterCount, int32_t flags, int32_t* size);
@@ -1246,17 +1246,17 @@ QORSR_API QorStatus qorsMelLinFBankInitAlloc_16s(FBankState_16s** state, int32_t
 
 /** size = bytes of the caller's block for qorsMelFBankInit_32s().
  *  Statuses: null; filterCount below 1, length outside 32 to 8192 (#qorStatusBadSize); flags not 2 (#qorStatusBadFBankFlag);
- * filterCount above L/2 (#qorStatusBadSize). */
+ *  filterCount above L/2 (#qorStatusBadSize). */
 QORSR_API QorStatus qorsMelFBankGetSize_32s(int32_t length, int32_t filterCount, int32_t flags, int32_t* size);
 
 /** An index-shaped mel bank in the caller's block, in fixed point: no floating-point arithmetic takes place. Frequencies are whole
  *  hertz, melMul and melDiv have 15 fraction bits, flags is 2. Mel values have 22 fraction bits; logarithms and exponentials are
- * taken by shifts and multiplications (Muller, "Elementary Functions"), and centres are rounded half up.
+ *  taken by shifts and multiplications (Muller, "Elementary Functions"), and centres are rounded half up.
  *
  *  Statuses: null; filterCount or highFrequency below 1, length outside 32 to 8192 (#qorStatusBadSize); flags not 2
  *  (#qorStatusBadFBankFlag); sampleFrequency outside 1 to 48000, lowFrequency below 0 (#qorStatusBadSize); highFrequency not above
  *  lowFrequency or above 24000 (#qorStatusBadFBankFrequency); melDiv outside 0x80001 to 0xFFFFFFF, melMul outside 0x80001 to
- * 0x3FFFFFFF
+ *  0x3FFFFFFF
  *  (#qorStatusBadArgument); filterCount above L/2 + 1 (#qorStatusBadSize; one more than the size function accepts). */
 QORSR_API QorStatus qorsMelFBankInit_32s(FBankState_32s* state, int32_t* order, int32_t length, int32_t sampleFrequency,
                                          int32_t lowFrequency, int32_t highFrequency, int32_t filterCount, int32_t melMul,
@@ -1382,7 +1382,7 @@ QORSR_API QorStatus qorsDCTLifter_32s16s_Sfs(const int32_t* source, int16_t* des
  *  **Streaming members** (`Delta`, `DeltaMul`, `DeltaDelta`, `DeltaDeltaMul`): an utterance arrives in blocks of `height` source
  *  rows, dense, width elements each. A block's rows are appended to the destination, and the derivatives that have all frames of
  *  their window are computed. `flags`: 1 (begin) marks the first block of an utterance, 2 (end) the last; other bits have no
- * effect.
+ *  effect.
  *  - With begin, the first source row becomes destination row 0. The block has at least B rows.
  *  - Without it, the caller points the destination so that rows 0 to B - 1 are the last B rows of the block before, as that call
  *    left them; the first source row becomes row B. B is the look-back:
@@ -1429,7 +1429,7 @@ QORSR_API QorStatus qorsDCTLifter_32s16s_Sfs(const int32_t* source, int16_t* des
  *  - `Win1`, `Win2`: differences and window sums wrap to 16 bits; their exact product with the multiplier is shifted and limited.
  *    Features are copied, or in `Mul` members multiplied, shifted and limited in the same way.
  *  - `DeltaDelta_Aurora`: features are shifted and limited (feature 12: truncated first); four times the delta, an exact integer,
- * is shifted by scaleFactor + 2 and limited; the acceleration's float sum is truncated, shifted and limited.
+ *    is shifted by scaleFactor + 2 and limited; the acceleration's float sum is truncated, shifted and limited.
  *  - `DeltaDeltaMul_Aurora`: features, deltas (the exact sum shifted right by 2) and accelerations (truncated) are limited to 16
  *    bits; their exact product with the table's entry is shifted and limited.
  *  - `EvalDelta`: differences wrap to 16 bits; the sum of their products with k, and its product with the multiplier, wrap to 32
@@ -1543,7 +1543,7 @@ QORSR_API QorStatus qorsEvalDeltaMul_16s_D2Sfs(int16_t* buffer, int32_t height, 
  *  Statuses, in order:
  *  - `UpdateMean`, `UpdateVar`, `UpdateWeight`: null; length below 1; any occupancy (total) negative, #qorStatusBadStatistic; any
  *    occupancy of magnitude up to the smallest normal number, #qorStatusZeroOccupancy, a warning with nothing written. A NaN
- * passes.
+ *    passes.
  *  - `NewVar`, `MeanVarAcc`: null; length below 1.
  *  - `AccCovarianceMatrix`: null; height or width below 1; a stride below width (`_D2`); #qorStatusNoMemory, for widths above 512.
  *
@@ -1705,26 +1705,26 @@ QORSR_API QorStatus qorsDcsClustLCompute_64f(const double* sum, const double* sq
  *  - **Search region.** A parallelogram of slopes 2 and 1/2, widened by delta (rows). In column i:
  *    upper = delta + 2 i if 3 i < 2 M - N, else M + delta + floor((i - N - 1) / 2), at most M - 1;
  *    lower = M - 2 N - delta + 2 i + 1 if 3 i > 4 N - 2 M - 2, else floor(i / 2) - delta, at least 0. A delta of M or more acts as
- * M - 1.
+ *    M - 1.
  *  - **Beam.** Behind column 0, cells above (least of the column) + beam + 1.1920929e-7 are dropped from the top, then from the
- * bottom, up to the first cell that is not above; one always stays. A negative beam, or a NaN, acts as 0.
+ *    bottom, up to the first cell that is not above; one always stays. A negative beam, or a NaN, acts as 0.
  *  - **Sentinel.** Where no path reaches the end the distance is 3.4028235e38, and the status #qorStatusOk. So it is for a negative
  *    delta, for N much above 2 M with a small delta, and, required, for two sequences of one row each, whatever they hold. Where
- * every cell of a column is infinite the distance is infinity. No path leads through a distance that is a NaN.
+ *    every cell of a column is infinite the distance is infinity. No path leads through a distance that is a NaN.
  *  - **Arithmetic.** Float. Up to a width of 13 the sum of squares and the root are float; above, the squares are summed in double,
  *    in four lanes over blocks of eight elements joined as (l0 + l2) + (l1 + l3), the rest one by one, and the root is a double
  *    that is rounded to float.
  *  - **Integer members** convert both sequences to float, exactly, and the beam from 32-bit integer to float; the distance is
  *    converted to 32 bits with the scale factor: times 2^-sf in float, to nearest, ties to even, saturated. The sentinel is scaled
- * too. `L2Low` computes the same as `L2`.
+ *    too. `L2Low` computes the same as `L2`.
  *
  *  Statuses: a null sequence or distance (row pointers are not tested); a height or the width below 1, in `_D2` also a stride below
  *  the width (#qorStatusBadSize, required); #qorStatusNoMemory. Integer members always allocate, float ones where
  *  2 floor4(M + 8) + 2 ceil4(N) is above 512 (floor4, ceil4: down and up to a multiple of 4).
  *
  *  H. Sakoe, S. Chiba, "Dynamic programming algorithm optimization for spoken word recognition", IEEE Trans. ASSP 26 (1978); L.
- * Rabiner, A. Rosenberg, S. Levinson, "Considerations in dynamic time warping algorithms for discrete word recognition", ibid.
- * (free ends).
+ *  Rabiner, A. Rosenberg, S. Levinson, "Considerations in dynamic time warping algorithms for discrete word recognition", ibid.
+ *  (free ends).
  *  @{ */
 QORSR_API QorStatus qorsDTW_L2_32f_D2L(const float* const* rows1, int32_t height1, const float* const* rows2, int32_t height2,
                                        int32_t width, float* distance, int32_t delta, float beam);

@@ -26,5 +26,5 @@ int main() {
   std::cout << qorsrGetLibVersion()->versionText << ": status " << status << ", means " << means[0] << " " << means[1] << ", "
             << allocations << " allocation(s)\n";
   return status == qorStatusOk && means[0] == 30 && means[1] == -40 && allocations > 0 && allocations == releases ? EXIT_SUCCESS
-                                                                                                               : EXIT_FAILURE;
+                                                                                                                  : EXIT_FAILURE;
 }
