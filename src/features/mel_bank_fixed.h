@@ -71,18 +71,14 @@ constexpr int64_t fixedBankBytes(int64_t n, int64_t half) {
   return 4 * n + 96 + 9 * pointers + 9 * pointers + rows + rows + 64;
 }
 
-// Rows of both kinds have room for H + 1 elements and begin on 32-byte boundaries.
-constexpr int64_t fixedRowElements(int64_t half) { return half + 8; }
-
 inline BankView<int32_t> placeFixedBank(FBankState_32s* bank, int32_t n, int32_t half) {
   std::byte* const begin = reinterpret_cast<std::byte*>(bank);
   std::byte* const centers = alignUp(begin + sizeof(FBankState_32s));
   std::byte* const rows = alignUp(centers + 4 * (int64_t{n} + 2));
-  const int64_t blockBytes = 4 * fixedRowElements(half) * (int64_t{n} + 2);
-  std::memset(rows, 0, static_cast<std::size_t>(2 * blockBytes));
+  std::memset(rows, 0, static_cast<std::size_t>(4 * rowElements(half) * n));
   bank->centers = static_cast<int32_t>(centers - begin);
-  bank->rising = static_cast<int32_t>(rows - begin);
-  bank->falling = bank->rising + static_cast<int32_t>(blockBytes);
+  bank->falling = static_cast<int32_t>(rows - begin);
+  bank->rising = bank->falling + static_cast<int32_t>(4 * risingStart(half));
   bank->flags = kIndexShaped;
   bank->filterCount = n;
   bank->binCount = half + 1;
