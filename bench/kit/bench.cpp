@@ -89,7 +89,11 @@ void printTask(const std::string& task, const std::map<std::string, double>& tim
         std::printf("  %11.2fx", otherTime->second / time->second);
       }
     }
-    if (ours->items > 0) std::printf("  %10.2f million %s/s", ours->items / time->second * 1e3, ours->unit.c_str());
+    if (ours->items > 0) {
+      const double perSecond = ours->items / time->second * 1e9;
+      const bool many = perSecond >= 1e6;
+      std::printf("  %10.2f %s %s/s", perSecond / (many ? 1e6 : 1e3), many ? "million" : "thousand", ours->unit.c_str());
+    }
     std::printf("\n");
   }
 }

@@ -1,0 +1,31 @@
+#include "front_end_plain.h"
+
+#include <cmath>
+
+#include "features/real_transform.cpp"  // NOLINT(bugprone-suspicious-include): a copy of its own, at the level of this module
+
+void programWindow(const float* samples, const float* window, int32_t frameLength, float* frame, int32_t fftLength) {
+  for (int32_t i = 0; i < frameLength; ++i) frame[i] = (samples[i + 1] - 0.97F * samples[i]) * window[i];
+  for (int32_t i = frameLength; i < fftLength; ++i) frame[i] = 0.0F;
+}
+
+void programLog(float* values, int32_t length, float floor) {
+  for (int32_t i = 0; i < length; ++i) values[i] = std::log(values[i] > floor ? values[i] : floor);
+}
+
+void plainEvalFBank(const float* spectrum, const float* weights, const int32_t* first, const int32_t* count, int32_t filters,
+                    float* result) {
+  for (int32_t k = 0; k < filters; ++k) {
+    float sum = 0;
+    for (int32_t i = 0; i < count[k]; ++i) sum += weights[i] * spectrum[first[k] + i];
+    result[k] = sum;
+    weights += count[k];
+  }
+}
+
+int64_t transformSetupBytes(int32_t order) { return qorsr::RealTransform::setupBytes(order); }
+int64_t transformWorkBytes(int32_t order) { return qorsr::RealTransform::workBytes(order); }
+void transformInit(void* setup, int32_t order) { qorsr::RealTransform::init(setup, order); }
+void transformForward(const void* setup, const float* samples, float* spectrum, void* work) {
+  static_cast<const qorsr::RealTransform*>(setup)->transform(samples, spectrum, work);
+}

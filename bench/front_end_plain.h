@@ -1,0 +1,21 @@
+// What the front-end benchmark opens by name at every level: the program's own part, plain loops, and the transform.
+#pragma once
+
+#include <cstdint>
+
+#define PLAIN_API extern "C" __attribute__((visibility("default")))
+
+// Pre-emphasis and window of one frame; the rest of the transform's length is zero.
+PLAIN_API void programWindow(const float* samples, const float* window, int32_t frameLength, float* frame, int32_t fftLength);
+// Natural logarithms, of at least the floor.
+PLAIN_API void programLog(float* values, int32_t length, float floor);
+
+// y[k] = sum over the bins of filter k; `first` and `count` say which, weights stand one filter behind the other.
+PLAIN_API void plainEvalFBank(const float* spectrum, const float* weights, const int32_t* first, const int32_t* count,
+                              int32_t filters, float* result);
+
+// The library's transform has no export of its own, so its source is compiled here too, with the library's flags.
+PLAIN_API int64_t transformSetupBytes(int32_t order);
+PLAIN_API int64_t transformWorkBytes(int32_t order);
+PLAIN_API void transformInit(void* setup, int32_t order);
+PLAIN_API void transformForward(const void* setup, const float* samples, float* spectrum, void* work);
