@@ -26,6 +26,10 @@ void catchInterrupts() {
   std::signal(SIGTERM, interrupt);
 }
 
+void stopIfInterrupted() {
+  if (interrupted != 0) throw Interrupted();
+}
+
 Progress::Progress(std::string title, size_t total, bool quiet)
     : title_(std::move(title)),
       total_(total),
@@ -38,7 +42,7 @@ Progress::~Progress() {
 }
 
 void Progress::step(const std::string& note) {
-  if (interrupted != 0) throw Interrupted();
+  stopIfInterrupted();
   ++done_;
   note_ = note;
   if (quiet_ || std::chrono::steady_clock::now() < next_ || done_ >= total_) return;

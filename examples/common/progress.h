@@ -10,6 +10,9 @@ namespace example {
 /** From here on Ctrl-C (or a request to terminate) makes the next step of any Progress throw Interrupted. */
 void catchInterrupts();
 
+/** Throws Interrupted after Ctrl-C, for long work that shows no Progress. */
+void stopIfInterrupted();
+
 class Progress {
  public:
   /** title: what is done; total: how many steps; quiet: nothing is shown. */

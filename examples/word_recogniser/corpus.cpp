@@ -100,7 +100,7 @@ Trial splitByIndex(const Corpus& corpus, const SplitOptions& options) {
       teaches = options.templates ? inTemplates : !inTests;
       asked = options.tests ? inTests : !inTemplates;
     } else if (options.leaveOut.empty()) {
-      teaches = seen[{recording.word, recording.speaker}]++ < options.perWord;
+      teaches = seen[{recording.word, recording.speaker}]++ < options.perWord.value_or(usualPerWord);
       asked = !teaches;
     }
     if (teaches) trial.templates.push_back(r);
@@ -120,6 +120,17 @@ Trial withoutSpeaker(const Corpus& corpus, const Trial& all, const std::string& 
   return trial;
 }
 
+std::vector<Trial> trialsOf(const Corpus& corpus, const SplitOptions& options) {
+  const Trial all = splitByIndex(corpus, options);
+  if (options.leaveOut.empty()) return {all};
+  std::vector<Trial> trials;
+  for (const std::string& speaker : corpus.speakers) {
+    if (options.leaveOut == "each" || options.leaveOut == speaker) trials.push_back(withoutSpeaker(corpus, all, speaker));
+  }
+  if (trials.empty()) throw example::Fault("there is no speaker '" + options.leaveOut + "' to leave out");
+  return trials;
+}
+
 size_t dropUntaught(const Corpus& corpus, Trial& trial) {
   std::set<std::string> taught;
   for (const size_t r : trial.templates) taught.insert(corpus.recordings[r].word);
@@ -130,6 +141,11 @@ size_t dropUntaught(const Corpus& corpus, Trial& trial) {
 
 int Corpus::wordNumber(const std::string& word) const { return placeIn(words, word); }
 int Corpus::speakerNumber(const std::string& speaker) const { return placeIn(speakers, speaker); }
+
+void Corpus::addWord(const std::string& word) {
+  if (wordNumber(word) < static_cast<int>(words.size())) return;
+  words.insert(std::upper_bound(words.begin(), words.end(), word, naturalLess), word);
+}
 
 int Corpus::lowestRate() const {
   int rate = example::highestRate;
@@ -194,17 +210,7 @@ bool IndexRanges::contains(int index) const {
 }
 
 std::vector<Trial> split(const Corpus& corpus, const SplitOptions& options, size_t& untaught) {
-  const Trial all = splitByIndex(corpus, options);
-  std::vector<Trial> trials;
-  if (options.leaveOut.empty()) {
-    trials.push_back(all);
-  } else if (options.leaveOut == "each") {
-    for (const std::string& speaker : corpus.speakers) trials.push_back(withoutSpeaker(corpus, all, speaker));
-  } else if (placeIn(corpus.speakers, options.leaveOut) < static_cast<int>(corpus.speakers.size())) {
-    trials.push_back(withoutSpeaker(corpus, all, options.leaveOut));
-  } else {
-    throw example::Fault("there is no speaker '" + options.leaveOut + "' to leave out");
-  }
+  std::vector<Trial> trials = trialsOf(corpus, options);
   untaught = 0;
   size_t tests = 0;
   for (Trial& trial : trials) {
@@ -219,6 +225,17 @@ std::vector<Trial> split(const Corpus& corpus, const SplitOptions& options, size
         "--leave-out)");
   }
   return trials;
+}
+
+Trial half(const Corpus& corpus, const SplitOptions& options) {
+  if (options.empty()) {
+    Trial all;
+    for (size_t r = 0; r < corpus.recordings.size(); ++r) all.templates.push_back(r);
+    all.tests = all.templates;
+    return all;
+  }
+  if (options.leaveOut == "each") throw example::Fault("one speaker can be left out here, not each in turn");
+  return trialsOf(corpus, options).front();
 }
 
 std::vector<bool> templatesOf(const Corpus& corpus, const std::vector<Trial>& trials) {

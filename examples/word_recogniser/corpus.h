@@ -30,6 +30,8 @@ struct Corpus {
   std::vector<Skipped> skipped;
 
   int wordNumber(const std::string& word) const;
+  /** Adds a word to the vocabulary, if it is new. */
+  void addWord(const std::string& word);
   int speakerNumber(const std::string& speaker) const;
   int lowestRate() const;
   double seconds() const;
@@ -54,10 +56,14 @@ class IndexRanges {
 };
 
 struct SplitOptions {
-  std::optional<IndexRanges> templates, tests;  ///< by index; without them the first perWord recordings of a word and speaker
-  int perWord = 5;
-  std::string leaveOut;  ///< a speaker, "each", or empty
+  std::optional<IndexRanges> templates, tests;  ///< by index
+  std::optional<int> perWord;                   ///< the first so many recordings of a word and speaker teach, the rest are tests
+  std::string leaveOut;                         ///< a speaker, "each", or empty
+
+  bool empty() const { return !templates && !tests && !perWord && leaveOut.empty(); }
 };
+
+inline constexpr int usualPerWord = 5;  ///< templates a word and speaker, where nothing is asked for
 
 /** One experiment: which recordings teach and which are recognised, as numbers of Corpus::recordings. */
 struct Trial {
@@ -68,6 +74,10 @@ struct Trial {
 /** The trials that the options ask for: one, or one a speaker. Tests of words without a template are dropped and counted in
  *  untaught. Throws Fault when a trial has no template or nothing remains to be recognised. */
 std::vector<Trial> split(const Corpus& corpus, const SplitOptions& options, size_t& untaught);
+
+/** The one trial that the options ask for, to be taught from or tested alone: without options both halves hold every recording.
+ * Throws Fault for "each". */
+Trial half(const Corpus& corpus, const SplitOptions& options);
 
 /** Which recordings are a template in some trial. */
 std::vector<bool> templatesOf(const Corpus& corpus, const std::vector<Trial>& trials);

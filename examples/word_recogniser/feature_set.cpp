@@ -1,6 +1,7 @@
 #include "feature_set.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <utility>
 
 #include "common/fault.h"
@@ -8,12 +9,30 @@
 #include "common/text.h"
 
 namespace words {
+namespace {
+
+void nameSkipped(const Corpus& corpus, size_t from) {
+  for (size_t i = from; i < corpus.skipped.size(); ++i) {
+    std::fprintf(stderr, "skipped %s: %s\n", corpus.skipped[i].file.c_str(), corpus.skipped[i].reason.c_str());
+  }
+  if (corpus.recordings.empty()) {
+    throw example::Fault("no usable recording: all " + std::to_string(corpus.skipped.size()) + " files were skipped");
+  }
+}
+
+}  // namespace
 
 Analysis FrontEnds::analyse(const example::Sound& sound, float tract) {
   const std::pair key(sound.rate, tract);
   auto place = made_.find(key);
   if (place == made_.end()) place = made_.emplace(key, FrontEnd(options_, sound.rate, tract)).first;
   return place->second.analyse(sound);
+}
+
+Corpus openCorpus(const std::filesystem::path& folder, bool quiet) {
+  Corpus corpus = readCorpus(folder, quiet);
+  nameSkipped(corpus, 0);
+  return corpus;
 }
 
 void settle(FrontEndOptions& options, const Corpus& corpus, float longestTract) {
@@ -30,6 +49,7 @@ void settle(FrontEndOptions& options, const Corpus& corpus, float longestTract) 
 std::vector<Matrix> analyseAll(FrontEnds& frontEnds, Corpus& corpus, bool quiet, example::Stopwatch& watch) {
   std::vector<Matrix> features;
   std::vector<Recording> kept;
+  const size_t skipped = corpus.skipped.size();
   {
     example::Progress progress("front-end", corpus.recordings.size(), quiet);
     for (Recording& recording : corpus.recordings) {
@@ -43,6 +63,7 @@ std::vector<Matrix> analyseAll(FrontEnds& frontEnds, Corpus& corpus, bool quiet,
     }
   }
   corpus.recordings = std::move(kept);
+  nameSkipped(corpus, skipped);
   return features;
 }
 

@@ -146,8 +146,8 @@ Analysis FrontEnd::analyse(const example::Sound& sound) {
 }
 
 Matrix FrontEnd::derive(const Analysis& analysis, int first, int count) const {
-  const int width = staticWidth();
-  Matrix features(count, this->width());
+  const int width = staticWidth(options_);
+  Matrix features(count, featureWidth(options_));
   std::vector<float> packed(static_cast<size_t>(count) * static_cast<size_t>(width));
   for (int f = 0; f < count; ++f) {
     const float* row = analysis.cepstra.row(first + f);
@@ -180,7 +180,7 @@ void FrontEnd::normalise(Matrix& features) const {
       for (size_t c = 0; c < width; ++c) scales[c] = 1 / std::sqrt(std::max(variances[c], smallestVariance));
     }
   }
-  const auto group = static_cast<size_t>(staticWidth());
+  const auto group = static_cast<size_t>(staticWidth(options_));
   if (options_.energyWeight > 0) scales[group - 1] *= options_.energyWeight;
   for (size_t c = group; c < width; ++c) scales[c] *= c < 2 * group ? options_.deltaWeight : options_.accelerationWeight;
   example::check(qorsNormalizeColumn_32f_D2(features.values.data(), features.columns, features.rows, means.data(), scales.data(),

@@ -61,10 +61,6 @@ class FrontEnd {
   /** Throws example::BadSound for a recording of too few frames. */
   Analysis analyse(const example::Sound& sound);
 
-  int rate() const { return rate_; }
-  /** Width of a feature vector. */
-  int width() const { return staticWidth() * (options_.deltas + 1); }
-
  private:
   struct FreeBank {
     void operator()(FBankState_32f* state) const { qorsFBankFree_32f(state); }
@@ -73,7 +69,6 @@ class FrontEnd {
     void operator()(DCTLifterState_32f* state) const { qorsDCTLifterFree_32f(state); }
   };
 
-  int staticWidth() const { return options_.cepstra + (options_.energyWeight > 0 ? 1 : 0); }
   void makeBank(float tract);
   void makeWindow();
   int frameCount(size_t samples) const;
@@ -88,6 +83,10 @@ class FrontEnd {
   std::unique_ptr<DCTLifterState_32f, FreeLifter> lifter_;
   std::vector<float> window_, emphasised_, frame_;
 };
+
+/** Width of the static features, and of whole feature vectors. */
+inline int staticWidth(const FrontEndOptions& options) { return options.cepstra + (options.energyWeight > 0 ? 1 : 0); }
+inline int featureWidth(const FrontEndOptions& options) { return staticWidth(options) * (options.deltas + 1); }
 
 /** The upper end of the mel bank that suits all rates of a corpus: a little below half the lowest. */
 float commonUpperHz(int lowestRate);

@@ -14,18 +14,6 @@
 namespace words {
 namespace {
 
-void nameSkipped(const Corpus& corpus, size_t from) {
-  for (size_t i = from; i < corpus.skipped.size(); ++i) {
-    std::fprintf(stderr, "skipped %s: %s\n", corpus.skipped[i].file.c_str(), corpus.skipped[i].reason.c_str());
-  }
-}
-
-void refuseEmpty(const Corpus& corpus) {
-  if (corpus.recordings.empty()) {
-    throw example::Fault("no usable recording: all " + std::to_string(corpus.skipped.size()) + " files were skipped");
-  }
-}
-
 float longestOf(const std::vector<float>& tracts) {
   return tracts.empty() ? 1.0F : std::max(1.0F, *std::max_element(tracts.begin(), tracts.end()));
 }
@@ -90,11 +78,11 @@ std::vector<Picture> drawPictures(const example::ReportFolder& folder, const Run
   example::Progress progress("pictures", chosen.size(), options.common.quiet);
   for (const Result* result : chosen) {
     const Recording& left = run.corpus.recordings[result->recording];
-    const Recording& right = run.corpus.recordings[result->decision.nearest];
+    const Recording& right = run.corpus.recordings[*result->decision.nearest];
     const Analysis leftAnalysis = frontEnds.analyse(left.sound), rightAnalysis = frontEnds.analyse(right.sound);
     const std::string image = "utterance" + std::to_string(pictures.size() + 1) + ".png";
-    problem = drawPair(folder.path() / image, {left.name, left.sound, leftAnalysis},
-                       {"nearest: " + right.name, right.sound, rightAnalysis}, options.frontEnd);
+    problem = drawPair(folder.path() / image, {left.name, left.sound, leftAnalysis, {}},
+                       {"nearest: " + right.name, right.sound, rightAnalysis, {}}, options.frontEnd);
     if (!problem.empty()) break;
     pictures.push_back({result, image});
     progress.step();
@@ -105,36 +93,37 @@ std::vector<Picture> drawPictures(const example::ReportFolder& folder, const Run
 }  // namespace
 
 void match(MatchOptions options) {
-  Corpus corpus = readCorpus(options.common.corpus, options.common.quiet);
-  nameSkipped(corpus, 0);
-  refuseEmpty(corpus);
+  Corpus corpus = openCorpus(options.common.corpus, options.common.quiet);
   settle(options.frontEnd, corpus, longestOf(options.tracts));
   example::ReportFolder folder(options.common.report);
 
   FrontEnds frontEnds(options.frontEnd);
   example::Stopwatch watch;
-  const size_t skipped = corpus.skipped.size();
   const std::vector<Matrix> features = analyseAll(frontEnds, corpus, options.common.quiet, watch);
-  nameSkipped(corpus, skipped);
-  refuseEmpty(corpus);
 
-  Run run{corpus, {}, {}, 0, {}, {}, described(options.split), described(options.frontEnd)};
+  Run run(corpus);
+  run.method = "template matching";
+  run.scoreName = "distance";
+  run.splitText = described(options.split);
+  run.pictureText =
+      "Left the utterance, right the nearest template of the recognised word, on one time axis: waveform (cut ends shaded), mel "
+      "spectrogram, cepstra.";
+  run.settings = described(options.frontEnd);
   for (const auto& setting : described(options.warp)) run.settings.push_back(setting);
   for (const float tract : options.tracts) {
     run.settings.emplace_back("vocal tract", example::fixed(static_cast<double>(tract), 2));
   }
   run.trials = split(corpus, options.split, run.untaught);
+  run.teachers = countedTemplates(corpus, run.trials);
   const TemplateCopies copies(run, frontEnds, options.tracts, watch);
   run.frontEnd = {corpus.seconds() + copies.seconds(), watch.seconds()};
   run.results = recogniseAll(run, features, copies, options, run.matching);
   const Score counts = score(corpus, run.results);
   printTable(run, counts);
-
   std::string problem;
   const std::vector<Picture> pictures = drawPictures(folder, run, frontEnds, options, problem);
-  if (!problem.empty()) std::fprintf(stderr, "no pictures: %s\n", problem.c_str());
   writeReport(folder, run, counts, pictures, problem);
-  std::printf("report     %s\n", (folder.publish() / "index.html").c_str());
+  tellReport(folder, problem);
 }
 
 }  // namespace words

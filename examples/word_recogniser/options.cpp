@@ -43,15 +43,14 @@ void addCommonOptions(CLI::App& app, CommonOptions& options) {
 }
 
 void addSplitOptions(CLI::App& app, SplitOptions& options) {
-  addRanges(app, "--templates", options.templates, "Indices of the templates, such as 0-4");
+  addRanges(app, "--templates,--train", options.templates, "Indices of the recordings that teach, such as 0-4");
   addRanges(app, "--tests", options.tests, "Indices of the recordings to be recognised, such as 5-19,30");
   app.add_option("--templates-per-word", options.perWord,
-                 "Without ranges: so many templates of each word and speaker, the rest are tests")
+                 "Without ranges: so many of each word and speaker teach, the rest are tests")
       ->check(CLI::Range(1, 1000000))
-      ->capture_default_str()
       ->group("Split");
   app.add_option("--leave-out", options.leaveOut,
-                 "A speaker whose words are recognised with the templates of the others; each: every speaker in turn")
+                 "A speaker whose words are recognised by what the others taught; each: every speaker in turn")
       ->type_name("SPEAKER")
       ->group("Split");
 }
@@ -100,6 +99,25 @@ void addWarpOptions(CLI::App& app, WarpOptions& options) {
       ->group("Warping");
 }
 
+void addTrainingOptions(CLI::App& app, TrainingOptions& options) {
+  const auto add = [&app](const char* name, auto& value, auto low, auto high, const char* help) {
+    app.add_option(name, value, help)->check(CLI::Range(low, high))->capture_default_str()->group("Models");
+  };
+  add("--states", options.states, 1, 100, "States of a word");
+  add("--gaussians", options.mixtures, 1, 100, "Gaussians of a state at most");
+  add("--iterations", options.iterations, 1, 1000, "Iterations of each stage of training at most");
+  add("--frames-per-gaussian", options.framesPerGaussian, 1, 1000000, "A Gaussian with fewer than twice as many is not split");
+  add("--variance-floor", options.varianceFloor, 1e-6F, 1.0F,
+      "Variances stay above this part of the variance of all training data");
+}
+
+std::vector<std::pair<std::string, std::string>> described(const TrainingOptions& options) {
+  return {{"states", std::to_string(options.states)},
+          {"Gaussians a state",
+           "up to " + std::to_string(options.mixtures) + ", for " + std::to_string(options.framesPerGaussian) + " frames each"},
+          {"variance floor", text(options.varianceFloor, 3) + " of all data"}};
+}
+
 std::vector<std::pair<std::string, std::string>> described(const FrontEndOptions& options) {
   std::string normalise;
   for (const auto& [name, value] : normaliseNames) {
@@ -130,7 +148,8 @@ std::string described(const SplitOptions& options) {
     result = "templates " + (options.templates ? options.templates->text() : "the rest") + ", tests " +
              (options.tests ? options.tests->text() : "the rest");
   } else if (options.leaveOut.empty()) {
-    result = std::to_string(options.perWord) + (options.perWord == 1 ? " template" : " templates") + " a word and speaker";
+    const int count = options.perWord.value_or(usualPerWord);
+    result = std::to_string(count) + (count == 1 ? " template" : " templates") + " a word and speaker";
   }
   if (!options.leaveOut.empty()) {
     result += result.empty() ? "" : "; ";

@@ -7,6 +7,7 @@
 #include "corpus.h"
 #include "front_end.h"
 #include "templates.h"
+#include "training.h"
 
 namespace words {
 
@@ -22,10 +23,12 @@ void addCommonOptions(CLI::App& app, CommonOptions& options);
 void addSplitOptions(CLI::App& app, SplitOptions& options);
 void addFrontEndOptions(CLI::App& app, FrontEndOptions& options);
 void addWarpOptions(CLI::App& app, WarpOptions& options);
+void addTrainingOptions(CLI::App& app, TrainingOptions& options);
 
 /** Settings in words, "name value" each, for the report. */
 std::vector<std::pair<std::string, std::string>> described(const FrontEndOptions& options);
 std::vector<std::pair<std::string, std::string>> described(const WarpOptions& options);
+std::vector<std::pair<std::string, std::string>> described(const TrainingOptions& options);
 std::string described(const SplitOptions& options);
 
 }  // namespace words

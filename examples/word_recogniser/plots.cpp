@@ -140,8 +140,13 @@ class Column {
   }
 
   std::string image(const std::string& what) const {
-    return "plot $" + id_ + "_" + what + " matrix using (" + fixed(frame_ / 2, 5) + "+$1*" + fixed(hop_, 5) +
-           "):($2+1):3 with image notitle\n";
+    std::string lines;
+    for (const double x : pictured_.boundaries) {
+      lines += "set arrow from first " + fixed(x, 4) + ",graph 0 to first " + fixed(x, 4) +
+               ",graph 1 nohead front lw 1 lc rgb '#30a0a0'\n";
+    }
+    return lines + "plot $" + id_ + "_" + what + " matrix using (" + fixed(frame_ / 2, 5) + "+$1*" + fixed(hop_, 5) +
+           "):($2+1):3 with image notitle\nunset arrow\n";
   }
 
   int number_;

@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "common/wav.h"
 #include "front_end.h"
@@ -14,6 +15,7 @@ struct Pictured {
   std::string title;
   const example::Sound& sound;
   const Analysis& analysis;
+  std::vector<double> boundaries;  ///< seconds at which lines are drawn, such as the boundaries of states
 };
 
 /** Draws waveform, mel spectrogram and cepstra of two utterances, side by side on one time axis. The frames outside the end points

@@ -21,16 +21,16 @@ constexpr size_t fewWords = 20;  // beyond that the confusion matrix is set smal
 
 std::string counted(const Tally& tally) { return std::to_string(tally.right) + " of " + std::to_string(tally.all); }
 
-size_t templateCount(const Run& run) {
-  const std::vector<bool> used = templatesOf(run.corpus, run.trials);
-  return static_cast<size_t>(std::count(used.begin(), used.end(), true));
-}
-
-std::string distanceText(float distance) { return fixed(static_cast<double>(distance), 4); }
+std::string scoreText(int word, float value) { return word < 0 ? "-" : fixed(static_cast<double>(value), 4); }
 
 std::string recordingName(const Run& run, const Result& result) { return run.corpus.recordings[result.recording].name; }
 std::string nearestName(const Run& run, const Result& result) {
-  return result.decision.word < 0 ? "-" : run.corpus.recordings[result.decision.nearest].name;
+  return result.decision.nearest ? run.corpus.recordings[*result.decision.nearest].name : "-";
+}
+
+std::string countedRecordings(const Corpus& corpus) {
+  return std::to_string(corpus.recordings.size()) + " recordings of " + std::to_string(corpus.words.size()) + " words by " +
+         std::to_string(corpus.speakers.size()) + " speakers, " + fixed(corpus.seconds(), 1) + " s";
 }
 
 void printTallies(const char* title, const std::vector<std::string>& names, const std::vector<Tally>& tallies) {
@@ -45,13 +45,16 @@ void printTallies(const char* title, const std::vector<std::string>& names, cons
 }
 
 std::string resultsTable(const Run& run) {
-  std::string text = "recording\tword\trecognised\tright\tdistance\tnearest\tsecond\tsecond distance\n";
+  std::string text = "recording\tword\trecognised\tright\t" + run.scoreName + "\tnearest\tsecond\tsecond " + run.scoreName + "\n";
   for (const Result& result : run.results) {
     const Decision& d = result.decision;
-    text += recordingName(run, result) + "\t" + run.corpus.recordings[result.recording].word + "\t" +
-            heardWord(run.corpus, d.word) + "\t" + (isRight(run.corpus, result) ? "yes" : "no") + "\t" +
-            (d.word < 0 ? "-" : distanceText(d.distance)) + "\t" + nearestName(run, result) + "\t" +
-            (d.secondWord < 0 ? "-\t-" : heardWord(run.corpus, d.secondWord) + "\t" + distanceText(d.secondDistance)) + "\n";
+    for (const std::string& cell :
+         {recordingName(run, result), run.corpus.recordings[result.recording].word, heardWord(run.corpus, d.word),
+          std::string(isRight(run.corpus, result) ? "yes" : "no"), scoreText(d.word, d.score), nearestName(run, result),
+          d.secondWord < 0 ? std::string("-") : heardWord(run.corpus, d.secondWord)}) {
+      text += cell + "\t";
+    }
+    text += scoreText(d.secondWord, d.secondScore) + "\n";
   }
   return text;
 }
@@ -106,15 +109,15 @@ std::string talliesHtml(const std::string& heading, const std::vector<std::strin
 }
 
 std::string wrongHtml(const Run& run) {
+  const std::string& name = run.scoreName;
   std::vector<std::vector<std::string>> rows = {
-      {"recording", "recognised", "nearest template", "distance", "second word", "its distance"}};
+      {"recording", "recognised", "nearest template", name, "second word", "its " + name}};
   size_t wrong = 0;
   for (const Result& result : run.results) {
     if (isRight(run.corpus, result) || ++wrong > tabulatedWrong) continue;
     const Decision& d = result.decision;
-    rows.push_back({recordingName(run, result), heardWord(run.corpus, d.word), nearestName(run, result),
-                    d.word < 0 ? "-" : distanceText(d.distance), d.secondWord < 0 ? "-" : heardWord(run.corpus, d.secondWord),
-                    d.secondWord < 0 ? "-" : distanceText(d.secondDistance)});
+    rows.push_back({recordingName(run, result), heardWord(run.corpus, d.word), nearestName(run, result), scoreText(d.word, d.score),
+                    d.secondWord < 0 ? "-" : heardWord(run.corpus, d.secondWord), scoreText(d.secondWord, d.secondScore)});
   }
   if (wrong == 0) return "<p>None.</p>\n";
   const std::string rest =
@@ -124,16 +127,18 @@ std::string wrongHtml(const Run& run) {
 
 std::string pictureHtml(const Run& run, const Picture& picture) {
   const Result& result = *picture.result;
-  const bool right = isRight(run.corpus, result);
-  return "<figure><figcaption><b>" + escaped(recordingName(run, result)) + "</b>: <span class=\"" + (right ? "right" : "wrong") +
-         "\">recognised as &ldquo;" + escaped(heardWord(run.corpus, result.decision.word)) +
-         "&rdquo;</span> <span class=\"dim\">by " + escaped(nearestName(run, result)) + " at a distance of " +
-         distanceText(result.decision.distance) +
-         (result.decision.secondWord < 0 ? ""
-                                         : "; next &ldquo;" + escaped(heardWord(run.corpus, result.decision.secondWord)) +
-                                               "&rdquo; at " + distanceText(result.decision.secondDistance)) +
-         "</span></figcaption>\n<img src=\"" + escaped(picture.image) + "\" alt=\"" + escaped(recordingName(run, result)) +
-         " and its nearest template\" loading=\"lazy\"></figure>\n";
+  const Decision& d = result.decision;
+  const std::string name = escaped(recordingName(run, result));
+  std::string caption = "<b>" + name + "</b>: <span class=\"" + (isRight(run.corpus, result) ? "right" : "wrong") +
+                        "\">recognised as &ldquo;" + escaped(heardWord(run.corpus, d.word)) +
+                        "&rdquo;</span> <span class=\"dim\">" + run.scoreName + " " + scoreText(d.word, d.score);
+  if (d.nearest) caption += ", by " + escaped(nearestName(run, result));
+  if (d.secondWord >= 0) {
+    caption +=
+        "; next &ldquo;" + escaped(heardWord(run.corpus, d.secondWord)) + "&rdquo;, " + scoreText(d.secondWord, d.secondScore);
+  }
+  return "<figure><figcaption>" + caption + "</span></figcaption>\n<img src=\"" + escaped(picture.image) + "\" alt=\"" + name +
+         "\" loading=\"lazy\"></figure>\n";
 }
 
 std::string settingsHtml(const Run& run) {
@@ -151,12 +156,16 @@ std::string skippedHtml(const Run& run) {
 
 }  // namespace
 
+std::string countedTemplates(const Corpus& corpus, const std::vector<Trial>& trials) {
+  const std::vector<bool> used = templatesOf(corpus, trials);
+  return std::to_string(std::count(used.begin(), used.end(), true)) + " templates";
+}
+
 void printTable(const Run& run, const Score& score) {
   const Corpus& corpus = run.corpus;
-  std::printf("%zu recordings of %zu words by %zu speakers, %.1f s; %s\n", corpus.recordings.size(), corpus.words.size(),
-              corpus.speakers.size(), corpus.seconds(), run.splitText.c_str());
-  std::printf("%zu templates, %zu tests, %zu files skipped\n\n", templateCount(run), run.results.size(), corpus.skipped.size());
-  if (run.untaught > 0) std::printf("%zu recordings not tested: no template says their word\n\n", run.untaught);
+  std::printf("%s; %s\n", countedRecordings(corpus).c_str(), run.splitText.c_str());
+  std::printf("%s, %zu tests, %zu files skipped\n\n", run.teachers.c_str(), run.results.size(), corpus.skipped.size());
+  if (run.untaught > 0) std::printf("%zu recordings not tested: nothing teaches their word\n\n", run.untaught);
   std::printf("accuracy   %s   %s\n", percent(score.all.right, score.all.all).c_str(), counted(score.all).c_str());
   printTallies("by speaker", corpus.speakers, score.bySpeaker);
   printTallies("by word", corpus.words, score.byWord);
@@ -181,31 +190,31 @@ std::vector<const Result*> chooseForPictures(const Run& run, size_t mostWrong) {
 void writeReport(const example::ReportFolder& folder, const Run& run, const Score& score, const std::vector<Picture>& pictures,
                  const std::string& pictureProblem) {
   const Corpus& corpus = run.corpus;
-  std::string body = "<h1>Isolated words by template matching</h1>\n<p class=\"dim\">" + std::to_string(corpus.recordings.size()) +
-                     " recordings of " + std::to_string(corpus.words.size()) + " words by " +
-                     std::to_string(corpus.speakers.size()) + " speakers; " + std::to_string(templateCount(run)) + " templates, " +
-                     std::to_string(run.results.size()) + " tests; " + escaped(run.splitText) + "</p>\n<p><span class=\"big\">" +
-                     percent(score.all.right, score.all.all) + "</span> recognised (" + counted(score.all) +
-                     ")</p>\n<p>Front-end " + timesRealTime(run.frontEnd.speech, run.frontEnd.work) + ", matching " +
-                     timesRealTime(run.matching.speech, run.matching.work) + ", on one processor core.</p>\n";
+  const std::string title = "Isolated words by " + run.method;
+  std::string body = "<h1>" + title + "</h1>\n<p class=\"dim\">" + escaped(countedRecordings(corpus)) + "; " +
+                     escaped(run.teachers) + ", " + std::to_string(run.results.size()) + " tests; " + escaped(run.splitText) +
+                     "</p>\n<p><span class=\"big\">" + percent(score.all.right, score.all.all) + "</span> recognised (" +
+                     counted(score.all) + ")</p>\n<p>Front-end " + timesRealTime(run.frontEnd.speech, run.frontEnd.work) +
+                     ", matching " + timesRealTime(run.matching.speech, run.matching.work) + ", on one processor core.</p>\n";
   if (run.untaught > 0)
-    body += "<p>" + std::to_string(run.untaught) + " recordings were not tested: no template says their word.</p>\n";
+    body += "<p>" + std::to_string(run.untaught) + " recordings were not tested: nothing teaches their word.</p>\n";
   body += "<h2>Confusion matrix</h2>\n<p class=\"dim\">Rows: the word that was said. Columns: the word that was recognised.</p>\n" +
           confusionHtml(run, score) + "<div class=\"side\"><div><h2>By speaker</h2>\n" +
           talliesHtml("speaker", corpus.speakers, score.bySpeaker) + "</div><div><h2>By word</h2>\n" +
           talliesHtml("word", corpus.words, score.byWord) + "</div><div><h2>Settings</h2>\n" + settingsHtml(run) + "</div></div>\n";
   body += "<h2>Wrong utterances</h2>\n" + wrongHtml(run);
   if (!pictureProblem.empty()) body += "<h2>Pictures</h2>\n<p>Some or all are missing: " + escaped(pictureProblem) + ".</p>\n";
-  if (!pictures.empty()) {
-    body +=
-        "<h2>Utterances and their nearest templates</h2>\n<p class=\"dim\">Left the utterance, right the nearest template of the "
-        "recognised word, on one time axis: waveform (cut ends shaded), mel spectrogram, cepstra.</p>\n";
-  }
+  if (!pictures.empty()) body += "<h2>Pictures of utterances</h2>\n<p class=\"dim\">" + escaped(run.pictureText) + "</p>\n";
   for (const Picture& picture : pictures) body += pictureHtml(run, picture);
   body += skippedHtml(run);
   example::writeFile(folder.path() / "results.tsv", resultsTable(run));
   example::writeFile(folder.path() / "confusion.tsv", confusionTable(run, score));
-  example::writeFile(folder.path() / "index.html", example::htmlPage("Isolated words by template matching", body));
+  example::writeFile(folder.path() / "index.html", example::htmlPage(title, body));
+}
+
+void tellReport(example::ReportFolder& folder, const std::string& pictureProblem) {
+  if (!pictureProblem.empty()) std::fprintf(stderr, "no pictures: %s\n", pictureProblem.c_str());
+  std::printf("report     %s\n", (folder.publish() / "index.html").c_str());
 }
 
 }  // namespace words

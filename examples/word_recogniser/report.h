@@ -18,16 +18,22 @@ struct Speed {
 
 /** All that a report tells of one run. */
 struct Run {
+  explicit Run(const Corpus& itsCorpus) : corpus(itsCorpus) {}
+
   const Corpus& corpus;
+  std::string method;     ///< "template matching"
+  std::string scoreName;  ///< of Decision::score: "distance"
+  std::string teachers;   ///< what decides: "150 templates"
   std::vector<Result> results;
   std::vector<Trial> trials;
-  size_t untaught = 0;  ///< recordings not recognised, since no template says their word
+  size_t untaught = 0;  ///< recordings not recognised, since nothing teaches their word
   Speed frontEnd, matching;
   std::string splitText;
+  std::string pictureText;  ///< what pictures show
   std::vector<std::pair<std::string, std::string>> settings;
 };
 
-/** A picture of an utterance beside its nearest template; file names are relative to the report. */
+/** A picture of an utterance beside what it is compared with; file names are relative to the report. */
 struct Picture {
   const Result* result;
   std::string image;
@@ -42,5 +48,11 @@ std::vector<const Result*> chooseForPictures(const Run& run, size_t mostWrong);
 /** Writes index.html, and results.tsv and confusion.tsv, which hold no times and so are the same for the same run. */
 void writeReport(const example::ReportFolder& folder, const Run& run, const Score& score, const std::vector<Picture>& pictures,
                  const std::string& pictureProblem);
+
+/** The report takes its name, which is told on stdout; on stderr why pictures are missing. */
+void tellReport(example::ReportFolder& folder, const std::string& pictureProblem);
+
+/** "150 templates": the recordings that are a template in some trial. */
+std::string countedTemplates(const Corpus& corpus, const std::vector<Trial>& trials);
 
 }  // namespace words

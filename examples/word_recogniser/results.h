@@ -2,13 +2,20 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "corpus.h"
-#include "templates.h"
 
 namespace words {
+
+/** What was recognised, by whatever means. */
+struct Decision {
+  int word = -1, secondWord = -1;    ///< best and second best; -1: nothing fits at all
+  float score = 0, secondScore = 0;  ///< a distance or a log likelihood, a frame
+  std::optional<size_t> nearest;     ///< where templates decide: the recording that is the nearest one of the best word
+};
 
 struct Result {
   size_t recording;  ///< of Corpus::recordings
@@ -31,7 +38,7 @@ struct Score {
 };
 
 bool isRight(const Corpus& corpus, const Result& result);
-/** The word of a decision; "(nothing)" when no template could be reached. */
+/** The word of a decision; "(nothing)" when nothing fits. */
 std::string heardWord(const Corpus& corpus, int word);
 Score score(const Corpus& corpus, const std::vector<Result>& results);
 

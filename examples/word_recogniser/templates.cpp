@@ -58,20 +58,20 @@ Decision Templates::recognise(const Matrix& features, int delta) const {
     if (d < unreachable) byWord[static_cast<size_t>(candidate.word)].push_back({d, candidate.recording});
   }
   Decision decision;
-  decision.distance = decision.secondDistance = unreachable;
+  decision.score = decision.secondScore = unreachable;
   for (int word = 0; word < words_; ++word) {
     std::vector<Near>& near = byWord[static_cast<size_t>(word)];
     if (near.empty()) continue;
     const float d = meanOfNearest(near, static_cast<size_t>(options_.nearest));
-    if (d < decision.distance) {
+    if (d < decision.score) {
       decision.secondWord = decision.word;
-      decision.secondDistance = decision.distance;
+      decision.secondScore = decision.score;
       decision.word = word;
-      decision.distance = d;
+      decision.score = d;
       decision.nearest = near.front().recording;
-    } else if (d < decision.secondDistance) {
+    } else if (d < decision.secondScore) {
       decision.secondWord = word;
-      decision.secondDistance = d;
+      decision.secondScore = d;
     }
   }
   return decision;

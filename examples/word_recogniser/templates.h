@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "front_end.h"
+#include "results.h"
 
 namespace words {
 
@@ -15,13 +16,7 @@ struct WarpOptions {
   int nearest = 2;            ///< a word's distance is the mean of so many of its nearest templates
 };
 
-/** What was recognised. Distances are a frame of the longer sequence. */
-struct Decision {
-  int word = -1, secondWord = -1;  ///< best and second best; -1: no template could be reached by any path
-  float distance = 0, secondDistance = 0;
-  size_t nearest = 0;  ///< the recording that is the nearest template of the best word
-};
-
+/** Distances are a frame of the longer sequence. */
 class Templates {
  public:
   explicit Templates(const WarpOptions& options) : options_(options) {}

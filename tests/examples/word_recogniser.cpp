@@ -1,66 +1,9 @@
 // word_recogniser on small corpora made on the spot: accuracy, every kind of bad input, and reports that are whole or absent.
-#include <algorithm>
-#include <sstream>
-
-#include "examples/program.h"
+#include "examples/word_recogniser.h"
 
 namespace {
 
-using program::contents;
-using program::Folder;
-using program::Outcome;
-namespace fs = std::filesystem;
-
-constexpr const char* wordNames[] = {"uno", "due", "tre", "sei"};
-constexpr const char* speakerNames[] = {"anna", "bruno"};
-
-fs::path makeCorpus(const Folder& folder, int indices, const std::vector<int>& rates = {8000}) {
-  const fs::path corpus = folder / "corpus";
-  fs::create_directory(corpus);
-  for (int word = 0; word < 4; ++word) {
-    for (int speaker = 0; speaker < 2; ++speaker) {
-      for (int index = 0; index < indices; ++index) {
-        const int rate = rates[static_cast<size_t>(word + speaker + index) % rates.size()];
-        const std::string name = std::string(wordNames[word]) + "_" + speakerNames[speaker] + "_" + std::to_string(index) + ".wav";
-        program::write(corpus / name, program::wav(program::spoken(word, speaker, index, rate), rate));
-      }
-    }
-  }
-  return corpus;
-}
-
-Outcome recognise(const std::string& arguments, const std::string& environment = "") {
-  return program::run(WORD_RECOGNISER, arguments, environment);
-}
-
-std::string quote(const fs::path& path) { return std::string("'").append(path.string()).append("'"); }
-
-// The accuracy line's two numbers, "32 of 32".
-std::string accuracy(const Outcome& outcome) {
-  std::istringstream lines(outcome.out);
-  for (std::string line; std::getline(lines, line);) {
-    if (line.rfind("accuracy", 0) == 0) return line.substr(line.rfind("   ") + 3);
-  }
-  return "no accuracy line";
-}
-
-size_t lineCount(const std::string& text) { return static_cast<size_t>(std::count(text.begin(), text.end(), '\n')); }
-
-std::vector<std::string> names(const fs::path& folder) {
-  std::vector<std::string> result;
-  for (const auto& entry : fs::directory_iterator(folder)) result.push_back(entry.path().filename().string());
-  std::sort(result.begin(), result.end());
-  return result;
-}
-
-// A run that is refused: the exit code, one line on stderr that holds the words, and nothing left in the folder but what was there.
-void expectRefusal(const Folder& folder, const std::string& arguments, const std::string& words) {
-  const std::vector<std::string> before = names(folder.path());
-  const Outcome outcome = recognise("match " + arguments + " --quiet --report " + quote(folder / "report"));
-  EXPECT_EQ(outcome.code, 1) << outcome.err;
-  EXPECT_NE(outcome.err.find(words), std::string::npos) << outcome.err;
-  EXPECT_EQ(names(folder.path()), before);
-}
+using namespace word_recogniser;
 
 TEST(WordRecogniser, RecognisesTheSameSpeakers) {
   const Folder folder;
@@ -177,21 +120,21 @@ TEST(WordRecogniser, NamesCountsAndSkipsBadFiles) {
 
 TEST(WordRecogniser, RefusesWhatItCannotWorkOn) {
   const Folder folder;
-  expectRefusal(folder, quote(folder / "nowhere"), "does not exist");
+  expectRefusal(folder, "match " + quote(folder / "nowhere"), "does not exist");
   fs::create_directory(folder / "empty");
-  expectRefusal(folder, quote(folder / "empty"), "is empty");
+  expectRefusal(folder, "match " + quote(folder / "empty"), "is empty");
   program::write(folder / "file", "text");
-  expectRefusal(folder, quote(folder / "file"), "is not a folder");
+  expectRefusal(folder, "match " + quote(folder / "file"), "is not a folder");
   fs::create_directory(folder / "bad");
   program::write(folder / "bad" / "uno_anna_1.wav", "text");
-  expectRefusal(folder, quote(folder / "bad"), "no usable recording: all 1 files were skipped");
+  expectRefusal(folder, "match " + quote(folder / "bad"), "no usable recording: all 1 files were skipped");
   const std::string corpus = quote(makeCorpus(folder, 2));
-  expectRefusal(folder, corpus + " --leave-out carla", "there is no speaker 'carla'");
-  expectRefusal(folder, corpus + " --templates 7-9", "no recording is a template");
-  expectRefusal(folder, corpus + " --templates-per-word 2", "no recording is left to be recognised");
-  expectRefusal(folder, corpus + " --templates 0 --high-hz 4100", "above half the lowest rate");
-  expectRefusal(folder, corpus + " --templates 0 --low-hz 3900", "not below its upper end");
-  expectRefusal(folder, corpus + " --templates 0 --cepstra 30", "more cepstra than filters");
+  expectRefusal(folder, "match " + corpus + " --leave-out carla", "there is no speaker 'carla'");
+  expectRefusal(folder, "match " + corpus + " --templates 7-9", "no recording is a template");
+  expectRefusal(folder, "match " + corpus + " --templates-per-word 2", "no recording is left to be recognised");
+  expectRefusal(folder, "match " + corpus + " --templates 0 --high-hz 4100", "above half the lowest rate");
+  expectRefusal(folder, "match " + corpus + " --templates 0 --low-hz 3900", "not below its upper end");
+  expectRefusal(folder, "match " + corpus + " --templates 0 --cepstra 30", "more cepstra than filters");
 }
 
 TEST(WordRecogniser, RefusesWrongOptions) {

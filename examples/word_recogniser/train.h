@@ -1,0 +1,29 @@
+// Sub-command "train": word models from recordings, into a model file.
+#pragma once
+
+#include <filesystem>
+#include <vector>
+
+#include "feature_set.h"
+#include "options.h"
+#include "training.h"
+
+namespace words {
+
+struct TrainOptions {
+  CommonOptions common;
+  SplitOptions split;
+  FrontEndOptions frontEnd;
+  TrainingOptions training;
+  std::filesystem::path model = "words.model";
+};
+
+/** Trains, shows the likelihood of each iteration, writes the model file and a report. Throws example::Fault where it cannot. */
+void trainCommand(TrainOptions options);
+
+/** The training data: one lesson a word of the corpus, from the recordings that the trial teaches with. Words without any are left
+ * out where that is asked for. */
+std::vector<Lesson> lessonsOf(const Corpus& corpus, const std::vector<Matrix>& features, const std::vector<size_t>& recordings,
+                              bool onlyTaught);
+
+}  // namespace words
