@@ -2,8 +2,8 @@
 //
 //   column: ((r0 + r1) + (r2 + r3)) + (r4 + r5) ..., an odd last row last; columns are independent of each other.
 //   row:    four lanes; x[8k + j] + x[8k + 4 + j] joins lane j, a last group of four joins the lanes, up to three remaining
-//   elements
-//           join lanes 0 to 2 (required: in the last row of an odd height they join lane 0, one by one); (l0 + l1) + (l2 + l3).
+//           elements join lanes 0 to 2 (required: in the last row of an odd height they join lane 0, one by one);
+//           (l0 + l1) + (l2 + l3).
 //   single: eight lanes of doubles joined by halves, the tail in lane 0; one column of row pointers: four sums over rows.
 //
 // Sums run in Acc: float for int16 and float elements, double for double.

@@ -11,8 +11,7 @@
 // check() makes the correct call (qorStatusOk or a warning), then each fault alone, then each pair: the fault listed first must
 // decide. After every faulty call the watched areas hold what they held before. A name begins with the argument that it spoils
 // ("width zero", "null source"); two faults of one argument are not paired, and neither are two of which one names the argument of
-// the other
-// ("stride below width", "width zero"): the second would undo the first.
+// the other ("stride below width", "width zero"): the second would undo the first.
 #pragma once
 
 #include <gtest/gtest.h>
