@@ -1744,6 +1744,54 @@ QORSR_API QorStatus qorsDTW_L2Low_16s32s_D2Sfs(const int16_t* source1, int32_t h
                                                int32_t scaleFactor);
 /** @} */
 
+/** @defgroup singular_values Singular value decomposition
+ *  A = U diag(w) V' for a matrix A of `height` m rows and `width` n columns, m below, at or above n. U has the shape of A, w holds
+ * n values, V is n x n and not transposed: its column k is the right singular vector of w[k].
+ *
+ *  Householder reduction to bidiagonal form, accumulation of the reflections, then implicit-shift QR sweeps. An element counts as
+ *  zero when its magnitude plus the norm of the bidiagonal form equals that norm. Values are nonnegative: the sign goes to V. With
+ * m below n, n - m values are zero and so are n - m columns of U. A zero matrix gives w = 0, V the identity and ones on the
+ * diagonal of U.
+ *
+ *  - `SVD` leaves the values in the order in which the sweeps find them; `SVDSort` orders them downward, the first found of equal
+ *    values first, and the columns of U and V with them.
+ *  - `_I`: U takes the place of A; otherwise the source stays as it is. In `_D2` A, U and V share `stride`; nothing is written
+ *    between the rows.
+ *  - `limit`: of attempts for each value; a value that needs a sweep needs a limit of 2 or more, 30 is usual. When it is reached:
+ *    #qorStatusNoConvergence, with the partial state in w, U and V, unsorted. A NaN or an infinity in A ends in that status or in
+ *    results that hold NaN, always within the limit.
+ *  - Both layouts give the same bits. Sums are grouped in four and eight lanes.
+ *
+ *  Statuses, in order: null; height, width or limit below 1, in `_D2` also a stride below width (#qorStatusBadSize, required);
+ *  #qorStatusNoMemory with nothing written; #qorStatusNoConvergence.
+ *
+ *  Source of the method: G. Golub, C. Reinsch, "Singular Value Decomposition and Least Squares Solutions", Numer. Math. 14 (1970).
+ *  @{ */
+
+QORSR_API QorStatus qorsSVD_64f_D2(const double* source, double* u, int32_t height, double* w, double* v, int32_t width,
+                                   int32_t stride, int32_t limit);
+QORSR_API QorStatus qorsSVD_64f_D2L(const double* const* source, double* const* u, int32_t height, double* w, double* const* v,
+                                    int32_t width, int32_t limit);
+QORSR_API QorStatus qorsSVD_64f_D2_I(double* matrix, int32_t height, double* w, double* v, int32_t width, int32_t stride,
+                                     int32_t limit);
+QORSR_API QorStatus qorsSVD_64f_D2L_I(double* const* rows, int32_t height, double* w, double* const* v, int32_t width,
+                                      int32_t limit);
+QORSR_API QorStatus qorsSVDSort_64f_D2(const double* source, double* u, int32_t height, double* w, double* v, int32_t width,
+                                       int32_t stride, int32_t limit);
+QORSR_API QorStatus qorsSVDSort_64f_D2L(const double* const* source, double* const* u, int32_t height, double* w, double* const* v,
+                                        int32_t width, int32_t limit);
+QORSR_API QorStatus qorsSVDSort_64f_D2_I(double* matrix, int32_t height, double* w, double* v, int32_t width, int32_t stride,
+                                         int32_t limit);
+QORSR_API QorStatus qorsSVDSort_64f_D2L_I(double* const* rows, int32_t height, double* w, double* const* v, int32_t width,
+                                          int32_t limit);
+
+/** Turns two columns of a matrix (Givens): with a = row[secondColumn], b = row[firstColumn] of each row, row[secondColumn] = c a +
+ * s b and row[firstColumn] = b c - a s. Statuses: null; width or height below 1 or a column outside 0 to width - 1
+ * (#qorStatusBadSize). */
+QORSR_API QorStatus qorsQRTransColumn_64f_D2L(double* const* rows, int32_t width, int32_t height, int32_t firstColumn,
+                                              int32_t secondColumn, double c, double s);
+/** @} */
+
 #ifdef __cplusplus
 }
 #endif

@@ -1051,6 +1051,8 @@ class Tail {
       if (n == 3) return Part{p[0], p[1], p[2], fill};
       if (n == 2) return Part{p[0], p[1], fill, fill};
       if (n == 1) return Part{p[0], fill, fill, fill};
+    } else if constexpr (kPart == 2) {
+      if (n == 1) return Part{p[0], fill};
     } else if constexpr (kPart > 1) {
       for (int i = 0; i < n; ++i) v[i] = p[i];
     }
