@@ -1711,9 +1711,9 @@ QORSR_API QorStatus qorsDcsClustLCompute_64f(const double* sum, const double* sq
  *  - **Sentinel.** Where no path reaches the end the distance is 3.4028235e38, and the status #qorStatusOk. So it is for a negative
  *    delta, for N much above 2 M with a small delta, and, required, for two sequences of one row each, whatever they hold. Where
  *    every cell of a column is infinite the distance is infinity. No path leads through a distance that is a NaN.
- *  - **Arithmetic.** Float. Up to a width of 13 the sum of squares and the root are float; above, the squares are summed in double,
- *    in four lanes over blocks of eight elements joined as (l0 + l2) + (l1 + l3), the rest one by one, and the root is a double
- *    that is rounded to float.
+ *  - **Arithmetic.** Float. Up to a width of 13 the sum of squares, taken in pairs of elements, and the root are float; above, the
+ *    squares are summed in double, in four lanes over blocks of eight elements joined as (l0 + l2) + (l1 + l3), the rest one by one,
+ *    and the root is a double that is rounded to float.
  *  - **Integer members** convert both sequences to float, exactly, and the beam from 32-bit integer to float; the distance is
  *    converted to 32 bits with the scale factor: times 2^-sf in float, to nearest, ties to even, saturated. The sentinel is scaled
  *    too. `L2Low` computes the same as `L2`.

@@ -121,6 +121,22 @@ inline auto truncated(V a) {
   return v;
 }
 
+// Lanes converted to a wider type, exact. GCC 12 splits what __builtin_convertvector widens into two halves of half a register.
+template <class To, class From>
+inline To widened(From a) {
+#if defined(__AVX512F__)
+  if constexpr (std::is_same_v<From, Vector<float, 8>>) return _mm512_cvtps_pd(a);
+  if constexpr (std::is_same_v<From, Vector<int32_t, 8>>) return _mm512_cvtepi32_pd(__m256i(a));
+  if constexpr (std::is_same_v<From, Vector<int16_t, 16>>) return To(_mm512_cvtepi16_epi32(__m256i(a)));
+#endif
+#if defined(__AVX2__)
+  if constexpr (std::is_same_v<From, Vector<float, 4>>) return _mm256_cvtps_pd(a);
+  if constexpr (std::is_same_v<From, Vector<int32_t, 4>>) return _mm256_cvtepi32_pd(__m128i(a));
+  if constexpr (std::is_same_v<From, Vector<int16_t, 8>>) return To(_mm256_cvtepi16_epi32(__m128i(a)));
+#endif
+  return __builtin_convertvector(a, To);
+}
+
 // int16 to 32-bit lanes: SSE3 has no widening load, so the low halves are interleaved and shifted down.
 template <int W>
 inline Vector<int32_t, W> widenInt16(const int16_t* p) {
@@ -132,7 +148,7 @@ inline Vector<int32_t, W> widenInt16(const int16_t* p) {
     return Vector<int32_t, 4>(_mm_srai_epi32(_mm_unpacklo_epi16(packed, packed), 16));
 #endif
   } else {
-    return __builtin_convertvector(load<Vector<int16_t, W>>(p), Vector<int32_t, W>);
+    return widened<Vector<int32_t, W>>(load<Vector<int16_t, W>>(p));
   }
 }
 
@@ -147,12 +163,8 @@ inline Vector<double, W> widenToDouble(const From* p) {
   } else if constexpr (W == 2 && std::is_same_v<From, int32_t>) {
     return _mm_cvtepi32_pd(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)));
 #endif
-#if defined(__AVX2__)
-  } else if constexpr (W == 4 && std::is_same_v<From, float>) {
-    return _mm256_cvtps_pd(_mm_loadu_ps(p));
-#endif
   } else {
-    return __builtin_convertvector(load<Vector<From, W>>(p), Vector<double, W>);
+    return widened<Vector<double, W>>(load<Vector<From, W>>(p));
   }
 }
 
@@ -168,7 +180,7 @@ inline Vector<double, W> widenInt16ToDouble(const int16_t* p) {
   }
 #endif
   if constexpr (W == 1) return *p;
-  return __builtin_convertvector(widenInt16<W>(p), Vector<double, W>);
+  return widened<Vector<double, W>>(widenInt16<W>(p));
 }
 
 // Whether x < y in every lane; a NaN is not below anything.
@@ -229,9 +241,9 @@ inline Vector<double, W> widenHalf(V v) {
     if constexpr (Upper) return static_cast<double>(v[1]);
     if constexpr (!Upper) return static_cast<double>(v[0]);
   } else if constexpr (Upper) {
-    return __builtin_convertvector(Vector<float, W>(upper(v, std::make_index_sequence<W>())), Vector<double, W>);
+    return widened<Vector<double, W>>(Vector<float, W>(upper(v, std::make_index_sequence<W>())));
   } else {
-    return __builtin_convertvector(pick<Vector<float, W>>(v, std::make_index_sequence<W>()), Vector<double, W>);
+    return widened<Vector<double, W>>(pick<Vector<float, W>>(v, std::make_index_sequence<W>()));
   }
 }
 
@@ -517,7 +529,7 @@ inline Lanes<double, N> widen(const Lanes<float, N>& a) {
     if constexpr (N == 1) {
       v.part[i] = static_cast<double>(a.part[i]);
     } else if constexpr (kRatio == 1) {
-      v.part[i] = __builtin_convertvector(a.part[i], typename L::Part);
+      v.part[i] = native::widened<typename L::Part>(a.part[i]);
     } else {
       const auto half = a.part[i / 2];
       v.part[i] = i % 2 == 0 ? native::widenHalf<L::kPart, false>(half) : native::widenHalf<L::kPart, true>(half);
@@ -677,7 +689,7 @@ inline Lanes<float, 4> joinNeighbours4(const Lanes<float, 4>& a, const Lanes<flo
 // Every lane shifted by one count below the width: right with copies of the sign, left modulo two to the width.
 template <class T, int N>
 inline Lanes<T, N> shiftRight(const Lanes<T, N>& a, int count) {
-  return Lanes<T, N>::each(a, [=](auto x) { return static_cast<decltype(x)>(x >> count); });
+  return a >> count;
 }
 template <class T, int N>
 inline Lanes<T, N> shiftLeft(const Lanes<T, N>& a, int count) {
@@ -709,29 +721,6 @@ inline V subtractSaturated(V a, V b) {
   }
 }
 
-// Two vectors of int32 limited to 16 bits, in one.
-template <int W>
-inline Vector<int16_t, 2 * W> narrowSaturated(Vector<int32_t, W> a, Vector<int32_t, W> b) {
-  using V [[maybe_unused]] = Vector<int16_t, 2 * W>;
-#if defined(__AVX512BW__)
-  if constexpr (W == 16) {
-    return V(_mm512_permutexvar_epi64(_mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7), _mm512_packs_epi32(__m512i(a), __m512i(b))));
-  }
-#endif
-#if defined(__AVX2__)
-  if constexpr (W == 8) return V(_mm256_permute4x64_epi64(_mm256_packs_epi32(__m256i(a), __m256i(b)), 0xD8));
-#endif
-#if defined(__SSE3__)
-  if constexpr (W == 4) return V(_mm_packs_epi32(__m128i(a), __m128i(b)));
-#endif
-  V v;
-  for (int i = 0; i < W; ++i) {
-    v[i] = static_cast<int16_t>(a[i] < -32768 ? -32768 : a[i] > 32767 ? 32767 : a[i]);
-    v[W + i] = static_cast<int16_t>(b[i] < -32768 ? -32768 : b[i] > 32767 ? 32767 : b[i]);
-  }
-  return v;
-}
-
 }  // namespace native
 
 template <int N>
@@ -739,29 +728,28 @@ inline Lanes<int16_t, N> subtractSaturated(const Lanes<int16_t, N>& a, const Lan
   return Lanes<int16_t, N>::each(a, b, [](auto x, auto y) { return native::subtractSaturated(x, y); });
 }
 
-// Lanes limited to -32768 to 32767.
-template <int N>
-inline Lanes<int16_t, N> narrowSaturated(const Lanes<int32_t, N>& a) {
-  using L = Lanes<int16_t, N>;
-  L v;
-  for (int i = 0; i < L::kParts; ++i) {
-    if constexpr (N == 1) {
-      v.part[i] = static_cast<int16_t>(a.part[i] < -32768 ? -32768 : a.part[i] > 32767 ? 32767 : a.part[i]);
-    } else if constexpr (L::kPart == Lanes<int32_t, N>::kPart) {
-      const auto limited = native::max(native::min(a.part[i], Lanes<int32_t, N>(32767).part[0]), Lanes<int32_t, N>(-32768).part[0]);
-      v.part[i] = __builtin_convertvector(limited, typename L::Part);
-    } else {
-      v.part[i] = native::narrowSaturated<L::kPart / 2>(a.part[2 * i], a.part[2 * i + 1]);
-    }
-  }
-  return v;
-}
-
 // ---- Whole numbers in one native register ----
 
 // As many as one native register holds.
 template <class T>
 inline constexpr int kNativeLanes = kNativeBytes / static_cast<int>(sizeof(T));
+
+namespace native {
+template <int K, class V, std::size_t... I>
+inline V shiftIn(V a, V b, std::index_sequence<I...>) {
+  constexpr int kCount = sizeof...(I);
+  return __builtin_shufflevector(a, b, (kCount - K + static_cast<int>(I))...);
+}
+}  // namespace native
+
+// The last K lanes of a, then the first N - K of b: lane i is element i - K where a and b are loaded side by side.
+template <int K, class T, int N>
+inline Lanes<T, N> shiftIn(const Lanes<T, N>& a, const Lanes<T, N>& b) {
+  static_assert(Lanes<T, N>::kParts == 1 && K <= N);
+  Lanes<T, N> v;
+  v.part[0] = native::shiftIn<K>(a.part[0], b.part[0], std::make_index_sequence<static_cast<std::size_t>(N)>());
+  return v;
+}
 
 namespace native {
 template <class V, std::size_t... I>
@@ -890,6 +878,25 @@ inline Lanes<int16_t, 2 * N> saturated(const Lanes<int32_t, N>& lower, const Lan
   for (int i = 0; i < 2 * N; ++i) {
     const int32_t x = i < N ? lower.part[0][i] : upper.part[0][i - N];
     v.part[0][i] = static_cast<int16_t>(x < INT16_MIN ? INT16_MIN : x > INT16_MAX ? INT16_MAX : x);
+  }
+  return v;
+}
+
+// Lanes limited to -32768 to 32767.
+template <int N>
+inline Lanes<int16_t, N> narrowSaturated(const Lanes<int32_t, N>& a) {
+  using L = Lanes<int16_t, N>;
+  L v;
+  for (int i = 0; i < L::kParts; ++i) {
+    if constexpr (N == 1) {
+      v.part[i] = static_cast<int16_t>(a.part[i] < -32768 ? -32768 : a.part[i] > 32767 ? 32767 : a.part[i]);
+    } else if constexpr (L::kPart == Lanes<int32_t, N>::kPart) {
+      const auto limited = native::max(native::min(a.part[i], Lanes<int32_t, N>(32767).part[0]), Lanes<int32_t, N>(-32768).part[0]);
+      v.part[i] = __builtin_convertvector(limited, typename L::Part);
+    } else {
+      using Half = Lanes<int32_t, L::kPart / 2>;
+      v.part[i] = saturated(std::bit_cast<Half>(a.part[2 * i]), std::bit_cast<Half>(a.part[2 * i + 1])).part[0];
+    }
   }
   return v;
 }

@@ -176,7 +176,7 @@ class ExactDots {
       for (auto& s : sums) s = Sums(0);
     }
     void add(const FourRows<int16_t>& rows, int32_t column, const int16_t* vector) {
-      const Elements v = Elements::load(vector), high = shiftRight(v, 8), low = v - shiftLeft(high, 8);
+      const Elements v = Elements::load(vector), high = v >> 8, low = v - shiftLeft(high, 8);
       for (int i = 0; i < 4; ++i) {
         const Elements x = Elements::load(rows[i] + column);
         sums[i] += pairDots(x, low);

@@ -82,7 +82,7 @@ QorStatus normalizeColumnsScaled(Rows rows, int32_t height, const int16_t* means
   if (scaleFactor < 0) {
     normalize([=](const auto& product) { return shiftLeft(product, count); });
   } else {
-    normalize([=](const auto& product) { return shiftRight(product, count); });
+    normalize([=](const auto& product) { return product >> count; });
   }
   return qorStatusOk;
 }

@@ -5,8 +5,8 @@
 // d is the Euclidean distance of two rows. Cells are independent within a column, so a column is computed several cells at a time.
 // Minimum before sum and sum before minimum give the same bits, since rounding is monotonic. A minimum never takes a NaN.
 //
-//   Widths 1 to 13: d = sqrt of the float sum of squares, in the order of the elements; the shorter sequence is transposed first,
-//   so that neighbouring cells are neighbours in memory.
+//   Widths 1 to 13: d = sqrt of the float sum of squares, added in pairs of elements; the shorter sequence is transposed first, so
+//   that neighbouring cells are neighbours in memory, and the distances to two rows of the longer one share what is loaded.
 //   Wider rows: squares are rounded to float and summed in four lanes of doubles over blocks of eight elements (element e in lane e
 //   mod 4), lanes joined by halves, the rest added one by one; the root is taken in double. Required: the threshold is visible.
 //
@@ -31,50 +31,86 @@ inline constexpr float kInfinity = std::numeric_limits<float>::infinity();
 inline constexpr int kWidestNarrowRow = 13;
 inline constexpr int kMostCells = 16;  // cells of a column that any kernel computes at a time
 
-// ---- Local distances: cells j, j + 1, ... of one column ----
+// ---- Local distances ----
+//
+// d0[j] and d1[j] for first <= j < end: the distances of row j of the shorter sequence to two rows of the longer one. Up to
+// kMostCells - 1 cells behind end are written too.
 
 // W elements a row, W known to the compiler.
 template <int W>
 class NarrowDistances {
  public:
-  static constexpr int kCells = kNativeBytes == 64 ? 16 : 8;
-  using Cells = Lanes<float, kCells>;
-
   static int64_t areaElements(int32_t rowCount) { return W * pitch(rowCount); }
 
   // Transposes the rows of the shorter sequence into `area`; what is computed beyond the last row is not used.
   template <class Rows>
   NarrowDistances(const Rows& rows, int32_t rowCount, int32_t /*width*/, float* area) : area_(area), pitch_(pitch(rowCount)) {
-    for (int32_t j = 0; j < rowCount; ++j) {
+    int32_t j = 0;
+    for (; j <= rowCount - 4; j += 4) transposeFour(rows[j], rows[j + 1], rows[j + 2], rows[j + 3], area + j);
+    for (; j < rowCount; ++j) {
       const float* row = rows[j];
       for (int e = 0; e < W; ++e) area[e * pitch_ + j] = row[e];
     }
     for (int e = 0; e < W; ++e) std::fill_n(area + e * pitch_ + rowCount, kMostCells, 0.0F);
   }
 
-  // The distances to one row of the longer sequence.
-  class Column {
-   public:
-    Column(const NarrowDistances& shorter, const float* row) : area_(shorter.area_), pitch_(shorter.pitch_) {
-      for (int e = 0; e < W; ++e) row_[e] = Cells(row[e]);
+  [[gnu::noinline]] void toRows(const float* row0, const float* row1, int64_t first, int64_t end, float* d0, float* d1) const {
+    Native y0[W], y1[W];
+    for (int e = 0; e < W; ++e) {
+      y0[e] = Native(row0[e]);
+      y1[e] = Native(row1[e]);
     }
-
-    Cells at(int64_t j) const {
-      Cells sum = square(Cells::load(area_ + j) - row_[0]);
-      for (int e = 1; e < W; ++e) sum += square(Cells::load(area_ + e * pitch_ + j) - row_[e]);
-      return sqrt(sum);
-    }
-
-   private:
-    static Cells square(const Cells& x) { return x * x; }
-
-    const float* area_;
-    int64_t pitch_;
-    Cells row_[W];
-  };
+    constexpr int kBlock = kNativeBytes == 16 ? 8 : kNativeLanes<float>;
+    int64_t j = first;
+    for (; j < end - kBlock / 2; j += kBlock) block<kBlock>(j, y0, y1, d0, d1);
+    if (j < end) block<kBlock / 2>(j, y0, y1, d0, d1);
+  }
 
  private:
+  using Native = Lanes<float, kNativeLanes<float>>;
+
   static int64_t pitch(int32_t rowCount) { return int64_t{rowCount} + kMostCells; }
+
+  void transposeFour(const float* a, const float* b, const float* c, const float* d, float* area) const {
+    using Four = Lanes<float, 4>;
+    int e = 0;
+    for (; e <= W - 4; e += 4) {
+      const Turned turned = turn4(Four::load(a + e), Four::load(b + e), Four::load(c + e), Four::load(d + e));
+      for (int k = 0; k < 4; ++k) turned.lane[k].store(area + (e + k) * pitch_);
+    }
+    for (; e < W; ++e) Four::of(a[e], b[e], c[e], d[e]).store(area + e * pitch_);
+  }
+
+  // Squares are added in pairs of elements: ((q0 + q1) + (q2 + q3)) + ...
+  template <int N>
+  [[gnu::always_inline]] void block(int64_t j, const Native* y0, const Native* y1, float* d0, float* d1) const {
+    Lanes<float, N> sum0, sum1;
+    for (int e = 0; e < W; e += 2) {
+      const auto x = Lanes<float, N>::load(area_ + e * pitch_ + j);
+      auto q0 = squaredDifference(x, y0[e]), q1 = squaredDifference(x, y1[e]);
+      if (e + 1 < W) {
+        const auto next = Lanes<float, N>::load(area_ + (e + 1) * pitch_ + j);
+        q0 += squaredDifference(next, y0[e + 1]);
+        q1 += squaredDifference(next, y1[e + 1]);
+      }
+      sum0 = e == 0 ? q0 : sum0 + q0;
+      sum1 = e == 0 ? q1 : sum1 + q1;
+    }
+    sqrt(sum0).store(d0 + j);
+    sqrt(sum1).store(d1 + j);
+  }
+
+  // One register of y serves all parts of x.
+  template <int N>
+  static Lanes<float, N> squaredDifference(const Lanes<float, N>& x, const Native& y) {
+    Lanes<float, N> d;
+    if constexpr (N >= kNativeLanes<float>) {
+      d = Lanes<float, N>::each(x, [&](auto part) { return part - y.part[0]; });
+    } else {
+      d = x - lowerHalf(y);
+    }
+    return d * d;
+  }
 
   const float* area_;
   int64_t pitch_;
@@ -84,48 +120,59 @@ class NarrowDistances {
 template <class Rows>
 class WideDistances {
  public:
-  static constexpr int kCells = 4;
-  using Cells = Lanes<float, kCells>;
-
   static int64_t areaElements(int32_t) { return 0; }
 
   WideDistances(const Rows& rows, int32_t rowCount, int32_t width, float*) : rows_(rows), last_(rowCount - 1), width_(width) {}
 
-  class Column {
-   public:
-    Column(const WideDistances& shorter, const float* row) : shorter_(shorter), row_(row) {}
-
-    Cells at(int64_t j) const {
-      const float* rows[kCells];
-      for (int k = 0; k < kCells; ++k) rows[k] = shorter_.rows_[std::min<int64_t>(j + k, shorter_.last_)];
-      Lanes<double, 4> lanes[kCells];
-      for (auto& l : lanes) l = Lanes<double, 4>(0.0);
-      int32_t c = 0;
-      for (; c <= shorter_.width_ - 8; c += 8) {
-        const auto y0 = Lanes<float, 4>::load(row_ + c), y1 = Lanes<float, 4>::load(row_ + c + 4);
-        for (int k = 0; k < kCells; ++k) {
-          const auto d0 = Lanes<float, 4>::load(rows[k] + c) - y0, d1 = Lanes<float, 4>::load(rows[k] + c + 4) - y1;
-          lanes[k] += widen(d0 * d0);
-          lanes[k] += widen(d1 * d1);
-        }
-      }
-      double sums[kCells];
-      for (int k = 0; k < kCells; ++k) {
-        sums[k] = joinHalves(lanes[k]);
-        for (int32_t e = c; e < shorter_.width_; ++e) {
-          const float d = rows[k][e] - row_[e];
-          sums[k] += static_cast<double>(d * d);
-        }
-      }
-      return narrow(sqrt(Lanes<double, kCells>::load(sums)));
+  [[gnu::noinline]] void toRows(const float* row0, const float* row1, int64_t first, int64_t end, float* d0, float* d1) const {
+    for (int64_t j = first; j < end; j += 4) {
+      const float* rows[4];
+      for (int k = 0; k < 4; ++k) rows[k] = rows_[std::min<int64_t>(j + k, last_)];
+      four(rows, row0).store(d0 + j);
+      four(rows, row1).store(d1 + j);
     }
-
-   private:
-    const WideDistances& shorter_;
-    const float* row_;
-  };
+  }
 
  private:
+  using Four = Lanes<float, 4>;
+
+  // The distances of four rows to one.
+  Four four(const float* const* rows, const float* y) const {
+    Lanes<double, 4> lanes[4];
+    const auto eight = [&](int k, int32_t c, const Lanes<double, 4>& sum) {
+      const auto d = Lanes<float, 8>::load(rows[k] + c) - Lanes<float, 8>::load(y + c);
+      const Lanes<double, 8> squares = widen(d * d);
+      return sum + lowerHalf(squares) + upperHalf(squares);
+    };
+    for (int k = 0; k < 4; ++k) lanes[k] = eight(k, 0, Lanes<double, 4>(0.0));
+    int32_t c = 8;
+    for (; c <= width_ - 8; c += 8) {
+      for (int k = 0; k < 4; ++k) lanes[k] = eight(k, c, lanes[k]);
+    }
+    Lanes<double, 2> halves[4];
+    for (int k = 0; k < 4; ++k) halves[k] = lowerHalf(lanes[k]) + upperHalf(lanes[k]);
+    Lanes<double, 4> sums = joinHalvesOfSets<4>(halves);
+    const auto turned = [&](int32_t at) {
+      return turn4(Four::load(rows[0] + at), Four::load(rows[1] + at), Four::load(rows[2] + at), Four::load(rows[3] + at));
+    };
+    const auto add = [&](const Four& x, int32_t at) {
+      const Four d = x - Four(y[at]);
+      sums += widen(d * d);
+    };
+    if (c <= width_ - 4) {
+      const Turned four = turned(c);
+      for (int k = 0; k < 4; ++k) add(four.lane[k], c + k);
+      c += 4;
+    }
+    if (c < width_) {
+      const Turned last = turned(width_ - 4);
+      if (c <= width_ - 3) add(last.lane[1], width_ - 3);
+      if (c <= width_ - 2) add(last.lane[2], width_ - 2);
+      add(last.lane[3], width_ - 1);
+    }
+    return narrow(sqrt(sums));
+  }
+
   Rows rows_;
   int64_t last_;
   int32_t width_;
@@ -160,29 +207,25 @@ inline constexpr struct Beyond {
   constexpr Beyond() { std::fill_n(of + kMostCells, kMostCells, kInfinity); }
 } kBeyond;
 
-// current[j] = min(previous[j], previous[j-1], previous[j-2]) + d(j) for the active cells; returns the least of them. Cells on
-// either side are set to infinity, as many as one step of the next column reads.
-template <class Column>
-inline float advance(const Column& distances, const float* previous, float* current, ActiveCells active) {
-  using Cells = decltype(distances.at(0));
-  constexpr int kCells = static_cast<int>(sizeof(Cells) / sizeof(float));
+// current[j] = min(previous[j], previous[j-1], previous[j-2]) + distance[j] for the active cells; returns the least of them. Cells
+// on either side become infinite, as many as one step of the next column reads.
+[[gnu::noinline]] inline float advance(const float* distance, const float* previous, float* current, ActiveCells active) {
+  constexpr int kCells = kNativeLanes<float>;
+  using Cells = Lanes<float, kCells>;
   const Cells unreachable(kInfinity);
-  const auto cells = [&](int64_t j) {
-    const Cells best = min(Cells::load(previous + j - 2), unreachable);
-    return min(Cells::load(previous + j), min(Cells::load(previous + j - 1), best)) + distances.at(j);
+  const auto block = [=](int64_t j, const Cells& d) {
+    const Cells best = min(Cells::load(previous + j - 1), min(Cells::load(previous + j - 2), unreachable));
+    const Cells value = min(Cells::load(previous + j), best) + d;
+    value.store(current + j);
+    return value;
   };
   Cells least = unreachable;
   unreachable.store(current + active.first - kCells);
   int64_t j = active.first;
-  for (; j <= active.end - kCells; j += kCells) {
-    const Cells value = cells(j);
-    value.store(current + j);
-    least = min(value, least);
-  }
+  for (; j <= active.end - kCells; j += kCells) least = min(block(j, Cells::load(distance + j)), least);
   if (j < active.end) {
-    const Cells value = cells(j) + Cells::load(kBeyond.of + kMostCells - (active.end - j));
-    value.store(current + j);
-    least = min(value, least);
+    const Cells beyond = Cells::load(kBeyond.of + kMostCells - (active.end - j));
+    least = min(block(j, Cells::load(distance + j) + beyond), least);
   }
   unreachable.store(current + active.end);
   return leastLane(least);
@@ -195,23 +238,43 @@ inline ActiveCells prune(float* column, ActiveCells active, float limit) {
   return active;
 }
 
-// `previous` and `current` hold a column each, with kMostCells of room on either side.
+// Two columns of accumulated distances and two of local ones, with kMostCells of room on either side.
+struct WarpColumns {
+  float *previous, *current, *distance0, *distance1;
+
+  static int64_t pitch(int64_t cells) { return (cells + 3 * kMostCells - 1) / kMostCells * kMostCells; }
+  static int64_t areaElements(int64_t cells) { return 4 * pitch(cells); }
+
+  WarpColumns(float* area, int64_t cells)
+      : previous(area + kMostCells),
+        current(previous + pitch(cells)),
+        distance0(current + pitch(cells)),
+        distance1(distance0 + pitch(cells)) {
+    std::fill_n(area, areaElements(cells), 0.0F);
+  }
+};
+
 template <class Distances, class Rows>
-float warp(const Distances& distances, const Rows& longer, const WarpBand& band, float beam, float* previous, float* current) {
-  using Column = typename Distances::Column;
+float warp(const Distances& distances, const Rows& longer, const WarpBand& band, float beam, WarpColumns columns) {
   ActiveCells active{0, band.delta + 1};
-  // Every cell of the first column is a free start: a column of zeros stands in front of it. It is not pruned.
-  std::fill_n(previous - kMostCells, band.shorter + 2 * kMostCells, 0.0F);
-  advance(Column(distances, longer[0]), previous, current, active);
+  // Every cell of the first column is a free start: the column of zeros stands in front of it. It is not pruned.
+  distances.toRows(longer[0], longer[0], 0, active.end, columns.distance0, columns.distance1);
+  advance(columns.distance0, columns.previous, columns.current, active);
   beam = (beam > 0.0F ? beam : 0.0F) + std::numeric_limits<float>::epsilon();
   float least = kUnreachableEnd;  // required: also the distance of two sequences of one row, which are not compared
   for (int64_t i = 1; i < band.longer; ++i) {
-    std::swap(previous, current);
     active = {std::max(active.first, band.lower(i)), std::min(active.end + 2, band.upper(i) + 1)};
     if (active.end <= active.first) return kUnreachableEnd;
-    least = advance(Column(distances, longer[i]), previous, current, active);
+    if (i % 2 == 1) {  // the distances of this column and of the next one, which has two cells more at most
+      const int64_t last = std::min(i + 1, band.longer - 1), end = std::min(active.end + 2, band.shorter);
+      distances.toRows(longer[i], longer[last], active.first, end, columns.distance0, columns.distance1);
+    } else {
+      std::swap(columns.distance0, columns.distance1);
+    }
+    std::swap(columns.previous, columns.current);
+    least = advance(columns.distance0, columns.previous, columns.current, active);
     if (least >= kUnreachableEnd) return least;
-    active = prune(current, active, beam + least);
+    active = prune(columns.current, active, beam + least);
   }
   return least;
 }
@@ -222,18 +285,18 @@ float warp(const Distances& distances, const Rows& longer, const WarpBand& band,
 // fours; beyond, it is allocated. Only a shorter sequence of up to 124 rows meets the limit.
 inline constexpr int64_t kStackElements = 512;
 inline constexpr int kStackRows = 124;
-inline constexpr int kStackArea = 2 * (kStackRows + 2 * kMostCells) + kWidestNarrowRow * (kStackRows + kMostCells);
+inline constexpr int kStackArea = 4 * (kStackRows + 3 * kMostCells) + kWidestNarrowRow * (kStackRows + kMostCells) + kMostCells;
 
 template <class Distances, class Rows>
 QorStatus warpWith(Rows longer, Rows shorter, const WarpBand& band, int32_t width, float* distance, float beam) {
   const auto rowCount = static_cast<int32_t>(band.shorter);
-  const int64_t column = band.shorter + 2 * kMostCells, area = 2 * column + Distances::areaElements(rowCount);
+  const int64_t columns = WarpColumns::areaElements(band.shorter), area = columns + Distances::areaElements(rowCount) + kMostCells;
   const bool onStack = 2 * ((band.shorter + 8) / 4 * 4) + 2 * ((band.longer + 3) / 4 * 4) <= kStackElements;
   const Scratch<float, kStackArea> storage(onStack ? area : std::max<int64_t>(area, kStackArea + 1));
   if (!storage) return qorStatusNoMemory;
-  float* const previous = storage.get() + kMostCells;
-  const Distances distances(shorter, rowCount, width, storage.get() + 2 * column);
-  *distance = warp(distances, longer, band, beam, previous, previous + column);
+  float* const base = alignUp(storage.get(), 64);
+  const Distances distances(shorter, rowCount, width, base + columns);
+  *distance = warp(distances, longer, band, beam, WarpColumns(base, band.shorter));
   return qorStatusOk;
 }
 

@@ -155,7 +155,7 @@ void expectWholeNumbers() {
       difference.push_back(static_cast<int16_t>(std::clamp(a[i] - b[i], -32768, 32767)));
       least = std::min(least, x[i]);
     }
-    ASSERT_BITS(valuesOf(shiftRight(lx, count)), right);
+    ASSERT_BITS(valuesOf(lx >> count), right);
     ASSERT_BITS(valuesOf(shiftLeft(lx, count)), left);
     ASSERT_BITS(valuesOf(narrowSaturated(lx)), narrow);
     ASSERT_BITS(valuesOf(subtractSaturated(la, lb)), difference);

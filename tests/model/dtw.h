@@ -11,7 +11,8 @@
 
 namespace model {
 
-// Euclidean distance of two rows. Up to 13 elements all is float; above, squares are summed in double, in four lanes.
+// Euclidean distance of two rows. Up to 13 elements all is float, and squares are added in pairs, ((q0 + q1) + (q2 + q3)) + ..., an
+// odd last one alone; above, they are summed in double, in four lanes.
 inline float rowDistance(const std::vector<float>& x, const std::vector<float>& y) {
   const std::size_t width = x.size();
   const auto squaredDifference = [&](std::size_t e) {
@@ -19,8 +20,11 @@ inline float rowDistance(const std::vector<float>& x, const std::vector<float>& 
     return d * d;
   };
   if (width <= 13) {
-    float sum = squaredDifference(0);
-    for (std::size_t e = 1; e < width; ++e) sum = sum + squaredDifference(e);
+    const auto pair = [&](std::size_t e) {
+      return e + 1 < width ? squaredDifference(e) + squaredDifference(e + 1) : squaredDifference(e);
+    };
+    float sum = pair(0);
+    for (std::size_t e = 2; e < width; e += 2) sum = sum + pair(e);
     return std::sqrt(sum);
   }
   double lane[4] = {0, 0, 0, 0};
