@@ -78,7 +78,7 @@ class FrontEnd {
 
   FrontEndOptions options_;
   int rate_, frameLength_, hop_, transformLength_ = 0;
-  float preEmphasis_, scale_ = 1;
+  float preEmphasis_;
   std::unique_ptr<FBankState_32f, FreeBank> bank_;
   std::unique_ptr<DCTLifterState_32f, FreeLifter> lifter_;
   std::vector<float> window_, emphasised_, frame_;
