@@ -1759,7 +1759,8 @@ QORSR_API QorStatus qorsDTW_L2Low_16s32s_D2Sfs(const int16_t* source1, int32_t h
  *    between the rows.
  *  - `limit`: of attempts for each value; a value that needs a sweep needs a limit of 2 or more, 30 is usual. When it is reached:
  *    #qorStatusNoConvergence, with the partial state in w, U and V, unsorted. A NaN or an infinity in A ends in that status or in
- *    results that hold NaN, always within the limit.
+ *    results that hold NaN, always within the limit; so may a matrix whose values have
+ *    squares outside the range of a double.
  *  - Both layouts give the same bits. Sums are grouped in four and eight lanes.
  *
  *  Statuses, in order: null; height, width or limit below 1, in `_D2` also a stride below width (#qorStatusBadSize, required);
