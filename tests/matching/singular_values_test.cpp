@@ -20,6 +20,7 @@
 #endif
 
 namespace {
+long double wide(double x) { return static_cast<long double>(x); }
 
 using Table = model::Table<double>;
 constexpr double kUnit = 0x1p-53;
@@ -130,15 +131,15 @@ void expectDecomposition(const Table& a, const Decomposition& d, double scaleOfA
   for (std::size_t r = 0; r < m; ++r) {
     for (std::size_t c = 0; c < n; ++c) {
       long double sum = 0;
-      for (std::size_t k = 0; k < n; ++k) sum += static_cast<long double>(d.u[r][k]) * d.w[k] * d.v[c][k];
+      for (std::size_t k = 0; k < n; ++k) sum += wide(d.u[r][k]) * wide(d.w[k]) * wide(d.v[c][k]);
       ASSERT_NEAR(static_cast<double>(sum), a[r][c], bound * scaleOfA) << "residual at " << r << ", " << c;
     }
   }
   for (std::size_t i = 0; i < n; ++i) {
     for (std::size_t j = 0; j <= i; ++j) {
       long double uu = 0, vv = 0;
-      for (std::size_t r = 0; r < m; ++r) uu += static_cast<long double>(d.u[r][i]) * d.u[r][j];
-      for (std::size_t r = 0; r < n; ++r) vv += static_cast<long double>(d.v[r][i]) * d.v[r][j];
+      for (std::size_t r = 0; r < m; ++r) uu += wide(d.u[r][i]) * wide(d.u[r][j]);
+      for (std::size_t r = 0; r < n; ++r) vv += wide(d.v[r][i]) * wide(d.v[r][j]);
       const bool has = m >= n || (d.w[i] > bound * scaleOfA && d.w[j] > bound * scaleOfA);
       if (has) {
         ASSERT_NEAR(static_cast<double>(uu), i == j ? 1.0 : 0.0, bound) << "U, columns " << i << ", " << j;
