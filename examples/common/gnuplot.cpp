@@ -46,13 +46,18 @@ int runGnuplot(const fs::path& script, const fs::path& log) {
   return WIFEXITED(status) ? WEXITSTATUS(status) : 128;
 }
 
-std::string firstLineWithWords(const fs::path& log) {
+// What gnuplot complained of. It repeats the wrong command first and marks the place with ^.
+std::string complaint(const fs::path& log) {
   std::ifstream in(log);
+  std::string first;
   for (std::string line; std::getline(in, line);) {
     const size_t begin = line.find_first_not_of(" \t^");
-    if (begin != std::string::npos) return line.substr(begin);
+    if (begin == std::string::npos) continue;
+    line.erase(0, begin);
+    if (line.find(" line ") != std::string::npos) return line;
+    if (first.empty()) first = line;
   }
-  return "no message";
+  return first.empty() ? "no message" : first;
 }
 
 }  // namespace
@@ -66,9 +71,9 @@ std::string drawPng(const fs::path& png, int width, int height, const std::strin
   if (status == -1 || status == 127) {
     problem = std::string("gnuplot cannot be run (") + std::strerror(status == -1 ? errno : ENOENT) + "); install gnuplot-nox";
   } else if (status != 0) {
-    problem = "gnuplot failed: " + firstLineWithWords(log);
+    problem = "gnuplot failed: " + complaint(log);
   } else if (!fs::exists(png) || fs::file_size(png) == 0) {
-    problem = "gnuplot drew nothing: " + firstLineWithWords(log);
+    problem = "gnuplot drew nothing: " + complaint(log);
   }
   std::error_code ignored;
   fs::remove(scriptFile, ignored);

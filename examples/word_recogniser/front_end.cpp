@@ -11,9 +11,6 @@
 namespace words {
 namespace {
 
-// The mel scale of O'Shaughnessy, "Speech Communication" (1987): 1127 ln(1 + f / 700).
-constexpr float melMul = 1127.01048F, melDiv = 700.0F;
-constexpr int transformFront = 4, melShaped = 1;
 constexpr double coarsestBinHz = 32;
 constexpr float referenceRate = 16000;
 constexpr float smallestVariance = 1e-6F;
@@ -67,9 +64,10 @@ void FrontEnd::makeBank(float tract) {
   while (true) {
     FBankState_32f* bank = nullptr;
     int32_t order = 0;
-    example::check(qorsMelFBankInitAlloc_32f(&bank, &order, length, static_cast<float>(rate_), options_.lowHz * tract,
-                                             options_.highHz * tract, options_.filters, melMul, melDiv, melShaped | transformFront),
-                   "qorsMelFBankInitAlloc_32f");
+    example::check(
+        qorsMelFBankInitAlloc_32f(&bank, &order, length, static_cast<float>(rate_), options_.lowHz * tract, options_.highHz * tract,
+                                  options_.filters, example::melMul, example::melDiv, example::melShaped | example::transformFront),
+        "qorsMelFBankInitAlloc_32f");
     bank_.reset(bank);
     transformLength_ = 1 << order;
     example::check(qorsFBankGetCenters_32f(bank, centers.data()), "qorsFBankGetCenters_32f");

@@ -3,12 +3,11 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 #include <string>
 #include <vector>
 
+#include "common/filter_bank.h"
 #include "common/wav.h"
-#include "qorsr.h"
 
 namespace words {
 
@@ -62,13 +61,6 @@ class FrontEnd {
   Analysis analyse(const example::Sound& sound);
 
  private:
-  struct FreeBank {
-    void operator()(FBankState_32f* state) const { qorsFBankFree_32f(state); }
-  };
-  struct FreeLifter {
-    void operator()(DCTLifterState_32f* state) const { qorsDCTLifterFree_32f(state); }
-  };
-
   void makeBank(float tract);
   void makeWindow();
   int frameCount(size_t samples) const;
@@ -79,8 +71,8 @@ class FrontEnd {
   FrontEndOptions options_;
   int rate_, frameLength_, hop_, transformLength_ = 0;
   float preEmphasis_;
-  std::unique_ptr<FBankState_32f, FreeBank> bank_;
-  std::unique_ptr<DCTLifterState_32f, FreeLifter> lifter_;
+  example::FilterBank bank_;
+  example::CosineTransform lifter_;
   std::vector<float> window_, emphasised_, frame_;
 };
 

@@ -4,11 +4,7 @@
 //   word_recogniser train CORPUS ...      trains hidden Markov models, a word each, and writes them to a file
 //   word_recogniser test CORPUS ...       by the models of such a file
 //   word_recogniser compare CORPUS ...    templates and models side by side, clean and in noise
-#include <cstdio>
-#include <exception>
-
-#include "common/fault.h"
-#include "common/progress.h"
+#include "common/command_line.h"
 #include "compare.h"
 #include "match.h"
 #include "test.h"
@@ -67,7 +63,9 @@ void addCompare(CLI::App& app, words::CompareOptions& options) {
   compare->callback([&options] { words::compareCommand(options); });
 }
 
-int run(int argc, char** argv) {
+}  // namespace
+
+int main(int argc, char** argv) {
   CLI::App app("Recognises isolated spoken words in a folder of recordings WORD_SPEAKER_INDEX.wav.");
   app.require_subcommand(1);
   words::MatchOptions match;
@@ -78,25 +76,5 @@ int run(int argc, char** argv) {
   addTrain(app, train);
   addTest(app, test);
   addCompare(app, compare);
-  try {
-    app.parse(argc, argv);
-  } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? 0 : example::exitUsage;
-  }
-  return 0;
-}
-
-}  // namespace
-
-int main(int argc, char** argv) {
-  example::catchInterrupts();
-  try {
-    return run(argc, argv);
-  } catch (const example::Interrupted& interrupted) {
-    std::fprintf(stderr, "word_recogniser: %s; nothing was written\n", interrupted.what());
-    return example::exitInterrupted;
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "word_recogniser: %s\n", error.what());
-    return example::exitRefused;
-  }
+  return example::runProgram("word_recogniser", app, argc, argv, [] {});  // the sub-commands act
 }

@@ -5,35 +5,19 @@
 #include <vector>
 
 #include "common/gnuplot.h"
+#include "common/sound_plot.h"
 #include "common/text.h"
 
 namespace words {
 namespace {
 
 using example::fixed;
+using example::melTics;
 using example::quoted;
 
 constexpr int pictureWidth = 1200, pictureHeight = 760;
 constexpr size_t mostPoints = 1600;       // of a waveform: what the picture's width can show
 constexpr float decibels = 8.685889638F;  // of a natural logarithm of magnitudes
-
-// Least and greatest of groups of samples in turn, so that the drawn line covers what a full one would.
-std::string waveform(const std::string& name, const example::Sound& sound) {
-  const std::vector<float>& samples = sound.samples;
-  const size_t group = std::max<size_t>(1, 2 * samples.size() / mostPoints);
-  std::vector<double> x;
-  std::vector<float> y;
-  for (size_t begin = 0; begin < samples.size(); begin += group) {
-    const auto first = samples.begin() + static_cast<std::ptrdiff_t>(begin);
-    const auto [least, most] =
-        std::minmax_element(first, first + static_cast<std::ptrdiff_t>(std::min(group, samples.size() - begin)));
-    for (const float value : {*least, *most}) {
-      x.push_back(static_cast<double>(begin) / sound.rate);
-      y.push_back(value);
-    }
-  }
-  return example::curveBlock(name, x, y);
-}
 
 // Filters upwards, frames to the right, in decibels below the loudest.
 std::string melImage(const std::string& name, const Matrix& logMel) {
@@ -63,12 +47,6 @@ std::string cepstraImage(const std::string& name, const Matrix& cepstra) {
   return example::matrixBlock(name, image.values.data(), static_cast<size_t>(image.rows), static_cast<size_t>(image.columns));
 }
 
-float largest(const example::Sound& sound) {
-  float peak = 1e-6F;
-  for (const float sample : sound.samples) peak = std::max(peak, std::fabs(sample));
-  return peak;
-}
-
 // Where a panel stands: column 0 left, 1 right; rows from the top. Only the right column has scales of colours and no axis labels.
 std::string panel(int column, int row, const std::string& label) {
   constexpr double left[] = {0.07, 0.525}, width = 0.39;
@@ -95,10 +73,10 @@ class Column {
  private:
   std::string wavePanel() const {
     const Analysis& analysis = pictured_.analysis;
-    const std::string peak = fixed(1.1 * static_cast<double>(largest(pictured_.sound)), 5);
+    const std::string peak = fixed(1.1 * static_cast<double>(example::peak(pictured_.sound)), 5);
     const int last = analysis.firstFrame + analysis.features.rows;
-    std::string script = waveform(id_ + "_wave", pictured_.sound) + panel(number_, 0, "amplitude") + "set title " +
-                         quoted(pictured_.title) + " noenhanced font ',12'\nset xrange [0:" + fixed(seconds_, 4) +
+    std::string script = example::waveformBlock(id_ + "_wave", pictured_.sound, mostPoints) + panel(number_, 0, "amplitude") +
+                         "set title " + quoted(pictured_.title) + " noenhanced font ',12'\nset xrange [0:" + fixed(seconds_, 4) +
                          "]\nset yrange [-" + peak + ":" + peak + "]\nset format x ''\n";
     if (analysis.firstFrame > 0) script += shade(1, 0, analysis.firstFrame * hop_);
     if (last < analysis.logMel.rows) script += shade(2, (last - 1) * hop_ + frame_, pictured_.sound.seconds());
@@ -108,9 +86,9 @@ class Column {
   std::string melPanel() const {
     const Matrix& mel = pictured_.analysis.logMel;
     return melImage(id_ + "_mel", mel) + panel(number_, 1, "mel filter, centre in kHz") +
-           "set yrange [0.5:" + fixed(mel.columns + 0.5, 1) + "]\n" + melTics() +
-           "set palette defined (0 '#0b0b2b', 0.3 '#4a1a6b', 0.55 '#b5367a', 0.8 '#fb8861', 1 '#fcfdbf')\nset cbrange [-" +
-           fixed(static_cast<double>(options_.floorDb), 0) + ":0]\nset cblabel 'dB'\n" + image("mel") + "set ytics autofreq\n";
+           "set yrange [0.5:" + fixed(mel.columns + 0.5, 1) + "]\n" + melTics(options_.lowHz, options_.highHz, options_.filters) +
+           example::spectrogramPalette + "set cbrange [-" + fixed(static_cast<double>(options_.floorDb), 0) +
+           ":0]\nset cblabel 'dB'\n" + image("mel") + "set ytics autofreq\n";
   }
 
   std::string cepstraPanel() const {
@@ -124,19 +102,6 @@ class Column {
   static std::string shade(int object, double from, double to) {
     return "set object " + std::to_string(object) + " rect from first " + fixed(from, 4) + ",graph 0 to first " + fixed(to, 4) +
            ",graph 1 fc rgb '#d9dde4' fs solid 1 noborder behind\n";
-  }
-
-  // Round frequencies at the heights of filters that would be centred there.
-  std::string melTics() const {
-    const auto mel = [](double hertz) { return std::log1p(hertz / 700); };
-    const double low = mel(static_cast<double>(options_.lowHz)), high = mel(static_cast<double>(options_.highHz));
-    std::string tics;
-    for (const double kilohertz : {0.25, 0.5, 1.0, 2.0, 3.0, 4.0, 6.0, 8.0}) {
-      const double height = (mel(1000 * kilohertz) - low) / (high - low) * (options_.filters + 1);
-      if (height < 0.5 || height > options_.filters + 0.5) continue;
-      tics += (tics.empty() ? "'" : ", '") + fixed(kilohertz, kilohertz < 1 ? 2 : 0) + "' " + fixed(height, 3);
-    }
-    return "set ytics (" + tics + ")\n";
   }
 
   std::string image(const std::string& what) const {
