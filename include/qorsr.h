@@ -478,8 +478,8 @@ QORSR_API QorStatus qorsLogSum_32s_Sfs(const int32_t* source, int32_t* result, i
  *
  *  **Block-diagonal inverse covariances** (`BlockDMatrix`). `rows` holds one pointer for each of the T = sum of blockSizes rows, in
  *  order of the blocks; a row has the width of its block. The record copies all of it, in one allocation; once made it is only
- *  read, by any number of scorers at a time. Block count and T are kept in 16 bits; larger ones are not refused. `Free` releases
- *  it; the three `Free` functions are one.
+ *  read, by any number of scorers at a time. Block count and T are kept in 16 bits; larger ones are not refused, but wrap, and a
+ *  scorer then takes only the blocks that lie within its length. `Free` releases it; the three `Free` functions are one.
  *
  *  **Language model scores** (`ScaleLM`). result[i] = max(source[i], floor) * scale + offset, in that order. In float a source that
  *  is not above the floor, a NaN too, gives the floor. In `16s32s` the product is exact and the offset is added in 32 bits with

@@ -2,6 +2,8 @@
 //
 //   y[r] = sum over j of d[o + j] * A[r][j] in lanes, o where the block of row r begins;   Q = sum over r of d[r] * y[r], lane by
 //   lane. Eight float or four double lanes, joined once at the end. 16-bit differences saturate.
+//
+// A record counts blocks and rows in 16 bits. Where those wrapped, only the blocks that lie within the length are taken.
 #pragma once
 
 #include <cstdint>
@@ -19,13 +21,14 @@ namespace qorsr {
 inline constexpr int kBlockDiagonalStack = 111;
 
 template <class Sum, class Difference, class Record>
-Sum blockDiagonalSum(const Difference* d, const Record& record) {
+Sum blockDiagonalSum(const Difference* d, int32_t length, const Record& record) {
   constexpr int N = 32 / static_cast<int>(sizeof(Sum));
   using L = Lanes<Sum, N>;
   L total(Sum(0));
   int64_t row = 0;
   for (int32_t b = 0; b < record.blockCount; ++b) {
     const int32_t size = record.blockSizes[b];
+    if (size > length - row) break;
     const Difference* block = d + row;
     const Tail<Sum, N> tail(size % N);
     for (int32_t r = 0; r < size; ++r, ++row) {
@@ -62,7 +65,7 @@ QorStatus scoreBlockDiagonal(const T* x, const T* mean, const Record* record, in
   const Scratch<decltype(differenceFor<Sum>(*x, *mean)), kBlockDiagonalStack> d(length);
   if (!d) return qorStatusNoMemory;
   for (int32_t i = 0; i < length; ++i) d[i] = differenceFor<Sum>(x[i], mean[i]);
-  *result = finish(blockDiagonalSum<Sum>(d.get(), *record));
+  *result = finish(blockDiagonalSum<Sum>(d.get(), length, *record));
   return qorStatusOk;
 }
 

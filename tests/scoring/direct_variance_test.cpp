@@ -288,6 +288,23 @@ TEST(BlockDVar, ScratchComesFromTheHeapFrom112ElementsOn) {
   }
 }
 
+// The record keeps its dimension in 16 bits. Where that is less than the blocks hold, the blocks within the length are scored.
+TEST(BlockDVar, BlocksBehindTheLengthAreNotScored) {
+  std::vector<int32_t> sizes(16385, 4);
+  sizes[0] = 2;  // 65538 rows, of which 16 bits keep 2
+  const float ones[4] = {1, 1, 1, 1}, x[2] = {1, 2}, mean[2] = {0, 0};
+  const std::vector<const float*> rows(65538, ones);
+  BlockDMatrix_32f* record = nullptr;
+  ASSERT_EQ(qorsBlockDMatrixInitAlloc_32f(&record, rows.data(), sizes.data(), 16385), qorStatusOk);
+  float result = 77;
+  double wide = 77;
+  EXPECT_EQ(qorsLogGaussSingle_BlockDVar_32f(x, mean, record, 2, &result, 10), qorStatusOk);
+  EXPECT_EQ(qorsLogGaussSingle_BlockDVar_32f64f(x, mean, record, 2, &wide, 10), qorStatusOk);
+  EXPECT_BITS(result, 10 - 4.5F);
+  EXPECT_BITS(wide, 10 - 4.5);
+  qorsBlockDMatrixFree_32f(record);
+}
+
 TEST(BlockDVar, AnotherDimensionIsRefusedBeforeAnythingIsAllocated) {
   kit::Random random;
   const Covariance32 c(random, {60, 60}, kit::Random::kSmall, qorsBlockDMatrixInitAlloc_32f, qorsBlockDMatrixFree_32f);

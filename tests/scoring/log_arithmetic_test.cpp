@@ -252,6 +252,17 @@ void expectScaledSubtractions(QorStatus (*call)(const Int*, Int*, int32_t, int32
 TEST(LogSub, Int16) { expectScaledSubtractions<int16_t>(qorsLogSub_16s_Sfs); }
 TEST(LogSub, Int32) { expectScaledSubtractions<int32_t>(qorsLogSub_32s_Sfs); }
 
+TEST(LogSub, NearlyEqualTermsGiveTheFloorAndAnEmptyOneNothing) {
+  const float a[5] = {1e-20F, -5.0F, INFINITY, -5e6F, -4500000.0F};
+  float b[5] = {0.0F, -INFINITY, 0.0F, -INFINITY, -6e6F};  // exp(-1e-20) is 1
+  ASSERT_EQ(qorsLogSub_32f(a, b, 5), qorStatusOk);
+  EXPECT_BITS(std::vector<float>(b, b + 5), std::vector<float>({-4500000.0F, -5.0F, INFINITY, -4500000.0F, -4500000.0F}));
+  const double c[5] = {1e-20, -5.0, kInfinity, -9.5e9, -9e9};
+  double d[5] = {0.0, -kInfinity, 0.0, -kInfinity, -2e10};
+  ASSERT_EQ(qorsLogSub_64f(c, d, 5), qorStatusOk);
+  EXPECT_BITS(std::vector<double>(d, d + 5), std::vector<double>({-1e10, -5.0, kInfinity, -1e10, -9e9}));
+}
+
 TEST(LogSub, UndoesAnAddition) {
   const double a[3] = {-1.0, -100.0, 5.0};
   double sum[3] = {-2.0, -100.5, 4.0};
