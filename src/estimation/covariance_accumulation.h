@@ -84,8 +84,8 @@ QorStatus accCovarianceMatrix(Rows rows, int32_t height, const T* mean, Matrix r
   const int32_t run = std::max(kLeastRun, kRunElements / width);
   Scratch<double, kRunElements> d(int64_t{run} * width);
   if (!d) return qorStatusNoMemory;
-  for (int32_t first = 0; first < height; first += run) {
-    const int32_t count = std::min(run, height - first);
+  for (int64_t first = 0; first < height; first += run) {  // the sum may pass 32 bits
+    const auto count = static_cast<int32_t>(std::min<int64_t>(run, height - first));
     for (int32_t r = 0; r < count; ++r) differences(rows[first + r], mean, d.get() + int64_t{r} * width, width);
     addRun(d.get(), count, width, result);
   }

@@ -88,10 +88,12 @@ int64_t filterBankBytes(int64_t n, TransformSize size, bool withTransform) {
   return bytes;
 }
 
-// Whether lengths and byte counts can be had at all.
+// Whether lengths and byte counts can be had at all. Beyond kMostFilters the centres alone are too many bytes, and the sum may not
+// fit 64 bits.
 template <class Bank>
 bool filterBankFits(int64_t n, TransformSize size, bool withTransform) {
-  return size.order <= kMaxTransformOrder && filterBankBytes<Bank>(n, size, withTransform) <= INT32_MAX;
+  constexpr int64_t kMostFilters = INT32_MAX / 4;
+  return size.order <= kMaxTransformOrder && n <= kMostFilters && filterBankBytes<Bank>(n, size, withTransform) <= INT32_MAX;
 }
 
 // ---- Areas ----

@@ -78,6 +78,7 @@ TYPED_TEST(FilterBank, SizesThatNoMemoryHoldsAreRefused) {
   EXPECT_EQ(TypeParam::empty(&bank.state, &bank.order, 1 << 30, 1, 4), qorStatusNoMemory);
   EXPECT_EQ(TypeParam::empty(&bank.state, &bank.order, 2, INT32_MAX, 0), qorStatusNoMemory);
   EXPECT_EQ(TypeParam::empty(&bank.state, &bank.order, 65536, 65536, 0), qorStatusNoMemory);
+  EXPECT_EQ(TypeParam::empty(&bank.state, &bank.order, 1 << 30, INT32_MAX, 0), qorStatusNoMemory);
   EXPECT_EQ(bank.state, nullptr);
 }
 

@@ -308,6 +308,7 @@ TYPED_TEST(MelBank, SizeFaults) {
   }
   table.fault("length enormous", qorStatusBadSize, [](SizeArgs& a) { a.length = INT32_MAX; });
   table.fault("n enormous", qorStatusBadSize, [](SizeArgs& a) { a.n = INT32_MAX; });
+  table.fault("more bytes than 64 bits say", qorStatusBadSize, [](SizeArgs& a) { a.length = 1 << 30, a.n = INT32_MAX; });
   table.check();
 }
 
@@ -315,8 +316,8 @@ TYPED_TEST(MelBank, WhatNoMemoryHoldsIsRefused) {
   banks::Bank<TypeParam> bank;
   uint8_t block[64];
   int32_t order = 77;
-  for (const auto& [length, n] :
-       std::vector<std::pair<int32_t, int32_t>>{{INT32_MAX, 1}, {1 << 30, 1}, {2, INT32_MAX}, {65536, 65536}}) {
+  for (const auto& [length, n] : std::vector<std::pair<int32_t, int32_t>>{
+           {INT32_MAX, 1}, {1 << 30, 1}, {2, INT32_MAX}, {65536, 65536}, {1 << 30, INT32_MAX}}) {
     EXPECT_EQ(make(bank, {length, 16000, 20, 8000, n, 1127, 700, 1}), qorStatusNoMemory);
     EXPECT_EQ(makeMixed(bank, {length, 16000, 20, 8000, n, 1127, 700, 1}, 1000, 1), qorStatusNoMemory);
     EXPECT_EQ(
