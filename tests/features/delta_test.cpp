@@ -116,6 +116,31 @@ TEST(Delta, OfAConstantSignalIsZeroToTheEdges) {
   }
 }
 
+TEST(Delta, OfAConstantSignalIsZeroInEveryWindowMember) {
+  constexpr int32_t kWidth = 5, kHeight = 7;
+  const std::vector<float> source(kWidth * kHeight, -7.3F), table(3 * kWidth, 0.7F);
+  const auto expectZero = [&](int32_t derivatives, float feature, const auto& call) {
+    const int32_t step = (derivatives + 1) * kWidth;
+    std::vector<float> rows(static_cast<std::size_t>(step) * kHeight, 1.0F);
+    ASSERT_EQ(call(rows.data(), step), qorStatusOk);
+    for (std::size_t i = 0; i < rows.size(); ++i) ASSERT_EQ(rows[i], i % static_cast<std::size_t>(step) < kWidth ? feature : 0.0F);
+  };
+  for (const Uniform1 member : {qorsDelta_Win1_32f_D2, qorsDelta_Win2_32f_D2}) {
+    expectZero(1, -7.3F, [&](float* d, int32_t step) { return member(source.data(), kWidth, d, step, kHeight, 3.1F, 3); });
+  }
+  for (const Uniform2 member : {qorsDeltaDelta_Win1_32f_D2, qorsDeltaDelta_Win2_32f_D2}) {
+    expectZero(2, -7.3F, [&](float* d, int32_t step) { return member(source.data(), kWidth, d, step, kHeight, 3.1F, -2.3F, 3); });
+  }
+  const auto expectTabledZero = [&](Tabled member, int32_t derivatives) {
+    expectZero(derivatives, -7.3F * 0.7F,
+               [&](float* d, int32_t step) { return member(source.data(), table.data(), kWidth, d, step, kHeight, 3); });
+  };
+  expectTabledZero(qorsDeltaMul_Win1_32f_D2, 1);
+  expectTabledZero(qorsDeltaMul_Win2_32f_D2, 1);
+  expectTabledZero(qorsDeltaDeltaMul_Win1_32f_D2, 2);
+  expectTabledZero(qorsDeltaDeltaMul_Win2_32f_D2, 2);
+}
+
 TEST(DeltaDelta, AuroraOfAConstantSignalIsZeroUpToRounding) {
   const std::vector<float> source(12 * 14, 100.0F);
   std::vector<float> rows(12 * 39);

@@ -1,4 +1,4 @@
-// Mel and mixed banks of floats and 16 bits: centres and weights against the formulas, sizes, faults, memory; conversions.
+// Mel and mixed banks of floats and 16 bits: centres and weights against the formulas, sizes, faults, memory.
 #include "model/mel_bank.h"
 
 #include <gtest/gtest.h>
@@ -149,6 +149,39 @@ TYPED_TEST(MelBank, IndexShapedWeightsFallInEqualSteps) {
   EXPECT_EQ(weights[3], 1.0F);
   EXPECT_NEAR(static_cast<double>(weights[4]), 0.8, 1e-4);
   EXPECT_NEAR(static_cast<double>(weights[7]), 0.2, 1e-4);
+}
+
+TYPED_TEST(MelBank, SectionsOfTwoBinsHaveWeightsOfHalvesAndThirds) {
+  banks::Bank<TypeParam> bank;
+  ASSERT_EQ(make(bank, {16, 16, 2, 5.5F, 1, 1e6F, 1e6F, 2}), qorStatusOk);  // as good as linear: centres 2, 3.75, 5.5
+  int32_t centers[3];
+  ASSERT_EQ(TypeParam::getCenters(bank.state, centers), qorStatusOk);
+  EXPECT_BITS(std::vector<int32_t>(centers, centers + 3), std::vector<int32_t>{2, 4, 6});
+  float weights[5];
+  ASSERT_EQ(TypeParam::getCoeffs(bank.state, 1, weights), qorStatusOk);
+  const bool real = std::is_same_v<TypeParam, Float>;  // thirds of 16384 are truncated
+  const std::vector<float> expected = {real ? 1.0F / 3 : 5461.0F / 16384, real ? 2.0F / 3 : 10922.0F / 16384, 1.0F,
+                                       real ? 2.0F / 3 : 10922.0F / 16384, real ? 1.0F / 3 : 5461.0F / 16384};
+  EXPECT_BITS(std::vector<float>(weights, weights + 5), expected);
+}
+
+TYPED_TEST(MelBank, AnAllLinearBankOnlyTestsItsHighFrequency) {
+  for (const int32_t flags : {1, 2}) {
+    std::vector<float> seen[2];
+    for (const bool far : {false, true}) {
+      banks::Bank<TypeParam> bank;
+      ASSERT_EQ(makeMixed(bank, {64, 16000, 500, far ? 8000.0F : 4000.0F, 6, 1127, 700, flags}, 4000, 6), qorStatusOk);
+      int32_t centers[8];
+      ASSERT_EQ(TypeParam::getCenters(bank.state, centers), qorStatusOk);
+      EXPECT_BITS(std::vector<int32_t>(centers, centers + 8), std::vector<int32_t>{2, 4, 6, 8, 10, 12, 14, 16});
+      for (int32_t k = 1; k <= 6; ++k) {
+        float weights[5];
+        ASSERT_EQ(TypeParam::getCoeffs(bank.state, k, weights), qorStatusOk);
+        seen[far].insert(seen[far].end(), weights, weights + 5);
+      }
+    }
+    EXPECT_BITS(seen[0], seen[1]);
+  }
 }
 
 TYPED_TEST(MelBank, AHighFrequencyAtHalfTheSampleFrequencyEndsAtTheLastBin) {
@@ -345,65 +378,6 @@ TYPED_TEST(MelBank, EveryRefusedAllocationIsReported) {
                 return status;
               }),
               1);
-  }
-}
-
-// ---- Conversions ----
-
-TEST(MelConversion, FollowsTheLaw) {
-  kit::Random random;
-  for (const int32_t length : kit::lengths()) {
-    for (const auto& [mul, div] : std::vector<std::pair<float, float>>{{1127.01048F, 700}, {1e-3F, 5e4F}, {kNaN, 3}, {7, kNaN}}) {
-      std::vector<float> x = random.vector<float>(length, kit::kKinds[random.integer(0, 2)]);
-      if (length > 1) x[1] = 0;
-      std::vector<float> mel, hertz;
-      for (const float v : x) {
-        const double value = static_cast<double>(v), m = static_cast<double>(mul), d = static_cast<double>(div);
-        mel.push_back(static_cast<float>(m * std::log(1.0 + value * (1.0 / d))));
-        hertz.push_back(static_cast<float>(d * (std::exp(value * (1.0 / m)) - 1.0)));
-      }
-      const kit::Area<float> source(x, kit::Place::kAtGuard), result(length, kit::Place::kAtGuard);
-      ASSERT_EQ(qorsLinearToMel_32f(source.data(), result.data(), length, mul, div), qorStatusOk);
-      ASSERT_BITS(result.values(), mel);
-      ASSERT_EQ(qorsMelToLinear_32f(source.data(), result.data(), length, mul, div), qorStatusOk);
-      ASSERT_BITS(result.values(), hertz);
-      ASSERT_TRUE(source.edgesKept() && result.edgesKept());
-    }
-  }
-}
-
-TEST(MelConversion, ThereAndBack) {
-  for (float hertz = 0; hertz < 20000; hertz += 37.5F) {
-    float mel = -1, back = -1;
-    ASSERT_EQ(qorsLinearToMel_32f(&hertz, &mel, 1, 1127.01048F, 700), qorStatusOk);
-    ASSERT_EQ(qorsMelToLinear_32f(&mel, &back, 1, 1127.01048F, 700), qorStatusOk);
-    EXPECT_NEAR(static_cast<double>(back), static_cast<double>(hertz), 0x1.0p-22 * (static_cast<double>(hertz) + 700) * 4);
-    if (hertz == 0) {
-      EXPECT_BITS(mel, 0.0F);
-    }
-  }
-}
-
-TEST(MelConversion, Faults) {
-  struct ConversionArgs {
-    const float* source;
-    float* result;
-    int32_t length;
-    float mul, div;
-  };
-  const float source[2] = {1, 2};
-  float result[2] = {};
-  for (const auto convert : {qorsLinearToMel_32f, qorsMelToLinear_32f}) {
-    using A = ConversionArgs;
-    kit::FaultTable<A> table({source, result, 2, 1127, 700},
-                             [=](const A& a) { return convert(a.source, a.result, a.length, a.mul, a.div); }, {{result, 2}});
-    table.fault("null source", qorStatusNullPointer, [](A& a) { a.source = nullptr; });
-    table.fault("null result", qorStatusNullPointer, [](A& a) { a.result = nullptr; });
-    table.fault("length zero", qorStatusBadSize, [](A& a) { a.length = 0; });
-    table.fault("mul zero", qorStatusBadSize, [](A& a) { a.mul = 0; });
-    table.fault("div zero", qorStatusBadSize, [](A& a) { a.div = 0; });
-    table.fault("div negative", qorStatusBadSize, [](A& a) { a.div = -1; });
-    table.check();
   }
 }
 
