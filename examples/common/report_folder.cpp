@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <cstdio>
 #include <fstream>
 #include <system_error>
 
@@ -55,6 +56,11 @@ fs::path ReportFolder::publish() {
   unfinished_.clear();
   if (replaces) fs::remove_all(old, error);
   return target_;
+}
+
+void publish(ReportFolder& folder, const std::string& pictureProblem) {
+  if (!pictureProblem.empty()) std::fprintf(stderr, "no pictures: %s\n", pictureProblem.c_str());
+  std::printf("report     %s\n", (folder.publish() / pageName).c_str());
 }
 
 void writeFile(const fs::path& file, const std::string& text) {

@@ -3,6 +3,7 @@
 
 #include <cstdio>
 #include <string>
+#include <vector>
 
 namespace example {
 
@@ -16,6 +17,16 @@ inline std::string fixed(double value, int digits) {
 /** part of whole in percent, "97.33 %"; "-" of nothing. */
 inline std::string percent(size_t part, size_t whole, int digits = 2) {
   return whole == 0 ? "-" : fixed(100.0 * static_cast<double>(part) / static_cast<double>(whole), digits) + " %";
+}
+
+/** Rows of cells as tab-separated lines. */
+inline std::string tabSeparated(const std::vector<std::vector<std::string>>& rows) {
+  std::string text;
+  for (const auto& row : rows) {
+    for (size_t c = 0; c < row.size(); ++c) text += (c > 0 ? "\t" : "") + row[c];
+    text += '\n';
+  }
+  return text;
 }
 
 /** A speed as a multiple of real time: "1240 times real time". */

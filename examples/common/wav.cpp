@@ -10,6 +10,7 @@
 #include <fstream>
 #include <memory>
 #include <string>
+#include <system_error>
 
 namespace example {
 namespace {
@@ -22,6 +23,8 @@ uint32_t littleEndian(const char* bytes) {
 
 // The decoder trusts the file's size over its header, so a recording that was cut short would pass. This walks the chunks.
 void checkWhole(const std::filesystem::path& file) {
+  std::error_code ignored;
+  if (std::filesystem::exists(file, ignored) && !std::filesystem::is_regular_file(file, ignored)) throw BadSound("not a file");
   std::ifstream in(file, std::ios::binary);
   if (!in) throw BadSound(std::string("cannot be opened: ") + std::strerror(errno));
   const uint64_t size = std::filesystem::file_size(file);

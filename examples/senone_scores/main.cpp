@@ -24,7 +24,9 @@ void addOptions(CLI::App& app, Options& options) {
   app.add_option("--model", options.model, "Folder of the model: means, variances, sendump, mdef, feat.params")
       ->capture_default_str()
       ->type_name("FOLDER");
-  app.add_option("--report", options.report, "Folder of the report; an earlier report there is replaced")->capture_default_str();
+  app.add_option("--report", options.report, "Folder of the report; an earlier report there is replaced")
+      ->capture_default_str()
+      ->type_name("FOLDER");
   app.add_option("--densities", options.densities, "Best densities of each codebook and stream that count")
       ->check(CLI::Range(1, 100000))
       ->capture_default_str();
@@ -52,11 +54,11 @@ void scoreAll(const Options& options, senones::Work& work, senones::Run& run) {
       run.recordings.push_back(senones::scoreRecording(file, nameOf(file, run.recordings), work, options.quiet));
       senones::printRecording(run.model, run.recordings.back());
     } catch (const example::BadSound& bad) {
-      std::fprintf(stderr, "senone_scores: %s: %s\n", file.c_str(), bad.what());
-      run.skipped.emplace_back(file.string(), bad.what());
+      run.skipped.push_back({file.string(), bad.what()});
+      example::tellSkipped(run.skipped.back());
     }
   }
-  if (run.recordings.empty()) throw example::Fault("no recording could be used");
+  if (run.recordings.empty()) throw example::Fault(example::allSkipped(run.skipped));
 }
 
 void score(const Options& options) {
@@ -73,10 +75,8 @@ void score(const Options& options) {
   run.mixtureSeconds = work.mixtureTime.seconds();
   run.framesScored = work.framesScored;
   senones::printSpeed(run);
-  if (!run.skipped.empty()) std::printf("skipped  %zu of %zu files\n", run.skipped.size(), options.files.size());
-  const std::string problem = senones::writeReport(folder, run);
-  if (!problem.empty()) std::fprintf(stderr, "senone_scores: pictures are missing: %s\n", problem.c_str());
-  std::printf("report   %s\n", (folder.publish() / "index.html").c_str());
+  if (!run.skipped.empty()) std::printf("skipped    %zu of %zu files\n", run.skipped.size(), options.files.size());
+  example::publish(folder, senones::writeReport(folder, run));
 }
 
 }  // namespace

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <map>
-#include <sstream>
 
 #include "common/html.h"
 #include "common/text.h"
@@ -55,19 +54,18 @@ std::string stateName(const AcousticModel& model, int senone) {
 
 // The best senones of every frame, tab-separated.
 std::string bestTable(const Run& run, const Recording& recording) {
-  std::ostringstream text;
-  text << "seconds";
-  for (int i = 1; i <= recording.bestCount; ++i) text << "\tsenone\tstate\tscore";
+  std::vector<std::vector<std::string>> rows = {{"seconds"}};
+  for (int i = 0; i < recording.bestCount; ++i) rows[0].insert(rows[0].end(), {"senone", "state", "score"});
   auto best = recording.best.begin();
   for (int f = 0; f < recording.features.frames; ++f) {
-    text << "\n" << fixed((f * run.settings.hop + 0.5 * run.settings.frame) / run.settings.rate, 4);
+    std::vector<std::string>& row = rows.emplace_back();
+    row.push_back(fixed((f * run.settings.hop + 0.5 * run.settings.frame) / run.settings.rate, 4));
     for (int i = 0; i < recording.bestCount; ++i, ++best) {
-      text << "\t" << best->senone << "\t" << stateName(run.model, best->senone) << "\t"
-           << fixed(static_cast<double>(best->score), 3);
+      row.insert(row.end(),
+                 {std::to_string(best->senone), stateName(run.model, best->senone), fixed(static_cast<double>(best->score), 3)});
     }
   }
-  text << "\n";
-  return text.str();
+  return example::tabSeparated(rows);
 }
 
 // The senones that were the best of most frames.
@@ -119,7 +117,7 @@ void printRecording(const AcousticModel& model, const Recording& recording) {
               phoneText(model, recording).c_str());
 }
 
-void printSpeed(const Run& run) { std::printf("\nscoring  %s\n%s\n", speedText(run).c_str(), leftOut); }
+void printSpeed(const Run& run) { std::printf("\nscoring    %s\n%s\n", speedText(run).c_str(), leftOut); }
 
 std::string writeReport(const example::ReportFolder& folder, const Run& run) {
   std::string problem, recordings;
@@ -136,12 +134,7 @@ std::string writeReport(const example::ReportFolder& folder, const Run& run) {
                      " In the pictures: the score of each phone's best senone, below the best of the frame; above them the phones "
                      "that stay the best for a while.</p>\n";
   if (!problem.empty()) body += "<p>Some or all pictures are missing: " + escaped(problem) + ".</p>\n";
-  body += recordings;
-  if (!run.skipped.empty()) {
-    std::vector<std::vector<std::string>> rows = {{"file", "why it was skipped"}};
-    for (const auto& [file, why] : run.skipped) rows.push_back({file, why});
-    body += "<h2>Skipped files</h2>\n" + example::htmlTable(rows);
-  }
+  body += recordings + example::skippedHtml(run.skipped);
   example::writeFile(folder.path() / "index.html", example::htmlPage("Senone scores", body));
   return problem;
 }

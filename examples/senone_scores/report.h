@@ -2,10 +2,10 @@
 #pragma once
 
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "common/report_folder.h"
+#include "common/skipped.h"
 #include "recording.h"
 
 namespace senones {
@@ -16,7 +16,7 @@ struct Run {
   FrontEndSettings settings;
   int densities = 0;  ///< best densities of a codebook that count
   std::vector<Recording> recordings;
-  std::vector<std::pair<std::string, std::string>> skipped;             ///< file, why
+  std::vector<example::Skipped> skipped;
   double frontEndSeconds = 0, gaussianSeconds = 0, mixtureSeconds = 0;  ///< of processor time
   size_t framesScored = 0;
 

@@ -107,14 +107,11 @@ std::string draw(const std::filesystem::path& png, const std::vector<Row>& rows,
 
 void write(const example::ReportFolder& folder, const std::vector<Row>& rows, const CompareOptions& options,
            const std::string& problem) {
-  std::vector<std::vector<std::string>> table = {heading}, settings = {{"setting", "value"}};
-  std::string text;
+  std::vector<std::vector<std::string>> table = {heading};
+  Settings settings;
   for (const Row& row : rows) table.push_back(cells(row));
-  for (const auto& line : table) {
-    for (const std::string& cell : line) text += cell + (&cell == &line.back() ? "\n" : "\t");
-  }
   for (const auto& list : {described(options.frontEnd), described(options.warp), described(options.training)}) {
-    for (const auto& [name, value] : list) settings.push_back({name, value});
+    settings.insert(settings.end(), list.begin(), list.end());
   }
   std::string body =
       "<h1>Templates and word models side by side</h1>\n<p class=\"dim\">White noise is added to the tests, so many decibels "
@@ -122,8 +119,8 @@ void write(const example::ReportFolder& folder, const std::vector<Row>& rows, co
       example::htmlTable(table);
   body += problem.empty() ? "<figure><img src=\"accuracy.png\" alt=\"accuracy\"></figure>\n"
                           : "<p>No picture: " + example::escaped(problem) + ".</p>\n";
-  body += "<h2>Settings</h2>\n" + example::htmlTable(settings);
-  example::writeFile(folder.path() / "comparison.tsv", text);
+  body += "<h2>Settings</h2>\n" + settingsHtml(settings);
+  example::writeFile(folder.path() / "comparison.tsv", example::tabSeparated(table));
   example::writeFile(folder.path() / "index.html", example::htmlPage("Templates and word models", body));
 }
 
@@ -148,7 +145,7 @@ void compareCommand(CompareOptions options) {
   const std::string problem =
       options.common.pictures > 0 ? draw(folder.path() / "accuracy.png", rows, conditions) : "none was asked for";
   write(folder, rows, options, problem);
-  tellReport(folder, options.common.pictures > 0 ? problem : "");
+  example::publish(folder, options.common.pictures > 0 ? problem : "");
 }
 
 }  // namespace words

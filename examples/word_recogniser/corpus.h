@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "common/skipped.h"
 #include "common/wav.h"
 
 namespace words {
@@ -19,15 +20,10 @@ struct Recording {
   example::Sound sound;
 };
 
-/** A file that was left out, and why. */
-struct Skipped {
-  std::string file, reason;
-};
-
 struct Corpus {
   std::vector<Recording> recordings;         ///< by word, speaker, index
   std::vector<std::string> words, speakers;  ///< each once, in order ("2" before "10")
-  std::vector<Skipped> skipped;
+  std::vector<example::Skipped> skipped;
 
   int wordNumber(const std::string& word) const;
   /** Adds a word to the vocabulary, if it is new. */

@@ -1,7 +1,6 @@
 #include "feature_set.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <utility>
 
 #include "common/fault.h"
@@ -12,12 +11,8 @@ namespace words {
 namespace {
 
 void nameSkipped(const Corpus& corpus, size_t from) {
-  for (size_t i = from; i < corpus.skipped.size(); ++i) {
-    std::fprintf(stderr, "skipped %s: %s\n", corpus.skipped[i].file.c_str(), corpus.skipped[i].reason.c_str());
-  }
-  if (corpus.recordings.empty()) {
-    throw example::Fault("no usable recording: all " + std::to_string(corpus.skipped.size()) + " files were skipped");
-  }
+  for (size_t i = from; i < corpus.skipped.size(); ++i) example::tellSkipped(corpus.skipped[i]);
+  if (corpus.recordings.empty()) throw example::Fault(example::allSkipped(corpus.skipped));
 }
 
 }  // namespace

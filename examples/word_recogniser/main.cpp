@@ -31,7 +31,7 @@ void addMatch(CLI::App& app, words::MatchOptions& options) {
 void addTrain(CLI::App& app, words::TrainOptions& options) {
   CLI::App* train = app.add_subcommand("train", "Train a hidden Markov model for each word; without a split, on all recordings");
   words::addCommonOptions(*train, options.common);
-  train->add_option("--model", options.model, "Model file to write")->capture_default_str();
+  train->add_option("--model", options.model, "Model file to write")->capture_default_str()->type_name("FILE");
   words::addSplitOptions(*train, options.split);
   words::addFrontEndOptions(*train, options.frontEnd);
   words::addTrainingOptions(*train, options.training);
@@ -41,7 +41,7 @@ void addTrain(CLI::App& app, words::TrainOptions& options) {
 void addTest(CLI::App& app, words::TestOptions& options) {
   CLI::App* test = app.add_subcommand("test", "Recognise words by trained models; without a split, all recordings");
   words::addCommonOptions(*test, options.common);
-  test->add_option("--model", options.model, "Model file that train wrote")->required();
+  test->add_option("--model", options.model, "Model file that train wrote")->required()->type_name("FILE");
   test->add_option("--noise-db", options.noise, "White noise so many decibels below each recording is added to it")
       ->check(CLI::Range(-100.0, 200.0));
   words::addSplitOptions(*test, options.split);

@@ -123,7 +123,7 @@ void match(MatchOptions options) {
   std::string problem;
   const std::vector<Picture> pictures = drawPictures(folder, run, frontEnds, options, problem);
   writeReport(folder, run, counts, pictures, problem);
-  tellReport(folder, problem);
+  example::publish(folder, problem);
 }
 
 }  // namespace words

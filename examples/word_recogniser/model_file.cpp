@@ -4,7 +4,9 @@
 
 #include <unistd.h>
 
+#include <cerrno>
 #include <cmath>
+#include <cstring>
 #include <fstream>
 #include <iomanip>
 #include <limits>
@@ -67,7 +69,7 @@ class Writer {
 class Reader {
  public:
   explicit Reader(const fs::path& file) : file_(file), in_(file) {
-    if (!in_) throw example::Fault("model file " + file.string() + " cannot be opened");
+    if (!in_) throw example::Fault("model file " + file.string() + " cannot be opened: " + std::strerror(errno));
   }
 
   [[noreturn]] void refuse(const std::string& why) const { throw example::Fault("model file " + file_.string() + " " + why); }

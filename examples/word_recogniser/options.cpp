@@ -35,7 +35,9 @@ void addRanges(CLI::App& app, const std::string& name, std::optional<IndexRanges
 
 void addCommonOptions(CLI::App& app, CommonOptions& options) {
   app.add_option("corpus", options.corpus, "Folder of recordings WORD_SPEAKER_INDEX.wav")->required()->type_name("CORPUS");
-  app.add_option("--report", options.report, "Folder of the report; an earlier report there is replaced")->capture_default_str();
+  app.add_option("--report", options.report, "Folder of the report; an earlier report there is replaced")
+      ->capture_default_str()
+      ->type_name("FOLDER");
   app.add_option("--pictures", options.pictures, "Wrong utterances pictured at most; 0: no pictures")
       ->check(CLI::Range(0, 1000))
       ->capture_default_str();
@@ -111,14 +113,14 @@ void addTrainingOptions(CLI::App& app, TrainingOptions& options) {
       "Variances stay above this part of the variance of all training data");
 }
 
-std::vector<std::pair<std::string, std::string>> described(const TrainingOptions& options) {
+Settings described(const TrainingOptions& options) {
   return {{"states", std::to_string(options.states)},
           {"Gaussians a state",
            "up to " + std::to_string(options.mixtures) + ", for " + std::to_string(options.framesPerGaussian) + " frames each"},
           {"variance floor", text(options.varianceFloor, 3) + " of all data"}};
 }
 
-std::vector<std::pair<std::string, std::string>> described(const FrontEndOptions& options) {
+Settings described(const FrontEndOptions& options) {
   std::string normalise;
   for (const auto& [name, value] : normaliseNames) {
     if (value == options.normalise) normalise = name;
@@ -136,7 +138,7 @@ std::vector<std::pair<std::string, std::string>> described(const FrontEndOptions
       {"normalisation", normalise}};
 }
 
-std::vector<std::pair<std::string, std::string>> described(const WarpOptions& options) {
+Settings described(const WarpOptions& options) {
   return {{"warping delta", std::to_string(options.delta) + " frames"},
           {"beam", options.beam ? text(*options.beam) : "none"},
           {"nearest templates", std::to_string(options.nearest)}};

@@ -25,10 +25,11 @@ void addFrontEndOptions(CLI::App& app, FrontEndOptions& options);
 void addWarpOptions(CLI::App& app, WarpOptions& options);
 void addTrainingOptions(CLI::App& app, TrainingOptions& options);
 
-/** Settings in words, "name value" each, for the report. */
-std::vector<std::pair<std::string, std::string>> described(const FrontEndOptions& options);
-std::vector<std::pair<std::string, std::string>> described(const WarpOptions& options);
-std::vector<std::pair<std::string, std::string>> described(const TrainingOptions& options);
+/** Settings in words, name and value, for the report. */
+using Settings = std::vector<std::pair<std::string, std::string>>;
+Settings described(const FrontEndOptions& options);
+Settings described(const WarpOptions& options);
+Settings described(const TrainingOptions& options);
 std::string described(const SplitOptions& options);
 
 }  // namespace words

@@ -45,30 +45,26 @@ void printTallies(const char* title, const std::vector<std::string>& names, cons
 }
 
 std::string resultsTable(const Run& run) {
-  std::string text = "recording\tword\trecognised\tright\t" + run.scoreName + "\tnearest\tsecond\tsecond " + run.scoreName + "\n";
+  std::vector<std::vector<std::string>> rows = {
+      {"recording", "word", "recognised", "right", run.scoreName, "nearest", "second", "second " + run.scoreName}};
   for (const Result& result : run.results) {
     const Decision& d = result.decision;
-    for (const std::string& cell :
-         {recordingName(run, result), run.corpus.recordings[result.recording].word, heardWord(run.corpus, d.word),
-          std::string(isRight(run.corpus, result) ? "yes" : "no"), scoreText(d.word, d.score), nearestName(run, result),
-          d.secondWord < 0 ? std::string("-") : heardWord(run.corpus, d.secondWord)}) {
-      text += cell + "\t";
-    }
-    text += scoreText(d.secondWord, d.secondScore) + "\n";
+    rows.push_back({recordingName(run, result), run.corpus.recordings[result.recording].word, heardWord(run.corpus, d.word),
+                    isRight(run.corpus, result) ? "yes" : "no", scoreText(d.word, d.score), nearestName(run, result),
+                    d.secondWord < 0 ? "-" : heardWord(run.corpus, d.secondWord), scoreText(d.secondWord, d.secondScore)});
   }
-  return text;
+  return example::tabSeparated(rows);
 }
 
 std::string confusionTable(const Run& run, const Score& score) {
-  std::string text = "said";
-  for (const std::string& word : run.corpus.words) text += "\t" + word;
-  text += "\t(nothing)\n";
+  std::vector<std::vector<std::string>> rows = {{"said"}};
+  for (const std::string& word : run.corpus.words) rows[0].push_back(word);
+  rows[0].emplace_back("(nothing)");
   for (size_t said = 0; said < score.confusion.size(); ++said) {
-    text += run.corpus.words[said];
-    for (const size_t count : score.confusion[said]) text += "\t" + std::to_string(count);
-    text += "\n";
+    std::vector<std::string>& row = rows.emplace_back(1, run.corpus.words[said]);
+    for (const size_t count : score.confusion[said]) row.push_back(std::to_string(count));
   }
-  return text;
+  return example::tabSeparated(rows);
 }
 
 std::string confusionCell(size_t count, size_t all, bool right) {
@@ -141,20 +137,13 @@ std::string pictureHtml(const Run& run, const Picture& picture) {
          "\" loading=\"lazy\"></figure>\n";
 }
 
-std::string settingsHtml(const Run& run) {
-  std::vector<std::vector<std::string>> rows = {{"setting", "value"}, {"split", run.splitText}};
-  for (const auto& [name, value] : run.settings) rows.push_back({name, value});
+}  // namespace
+
+std::string settingsHtml(const Settings& settings) {
+  std::vector<std::vector<std::string>> rows = {{"setting", "value"}};
+  for (const auto& [name, value] : settings) rows.push_back({name, value});
   return htmlTable(rows);
 }
-
-std::string skippedHtml(const Run& run) {
-  if (run.corpus.skipped.empty()) return "";
-  std::vector<std::vector<std::string>> rows = {{"file", "why it was skipped"}};
-  for (const Skipped& skipped : run.corpus.skipped) rows.push_back({skipped.file, skipped.reason});
-  return "<h2>Skipped files (" + std::to_string(run.corpus.skipped.size()) + ")</h2>\n" + htmlTable(rows);
-}
-
-}  // namespace
 
 std::string countedTemplates(const Corpus& corpus, const std::vector<Trial>& trials) {
   const std::vector<bool> used = templatesOf(corpus, trials);
@@ -191,6 +180,8 @@ void writeReport(const example::ReportFolder& folder, const Run& run, const Scor
                  const std::string& pictureProblem) {
   const Corpus& corpus = run.corpus;
   const std::string title = "Isolated words by " + run.method;
+  Settings settings = {{"split", run.splitText}};
+  settings.insert(settings.end(), run.settings.begin(), run.settings.end());
   std::string body = "<h1>" + title + "</h1>\n<p class=\"dim\">" + escaped(countedRecordings(corpus)) + "; " +
                      escaped(run.teachers) + ", " + std::to_string(run.results.size()) + " tests; " + escaped(run.splitText) +
                      "</p>\n<p><span class=\"big\">" + percent(score.all.right, score.all.all) + "</span> recognised (" +
@@ -201,20 +192,16 @@ void writeReport(const example::ReportFolder& folder, const Run& run, const Scor
   body += "<h2>Confusion matrix</h2>\n<p class=\"dim\">Rows: the word that was said. Columns: the word that was recognised.</p>\n" +
           confusionHtml(run, score) + "<div class=\"side\"><div><h2>By speaker</h2>\n" +
           talliesHtml("speaker", corpus.speakers, score.bySpeaker) + "</div><div><h2>By word</h2>\n" +
-          talliesHtml("word", corpus.words, score.byWord) + "</div><div><h2>Settings</h2>\n" + settingsHtml(run) + "</div></div>\n";
+          talliesHtml("word", corpus.words, score.byWord) + "</div><div><h2>Settings</h2>\n" + settingsHtml(settings) +
+          "</div></div>\n";
   body += "<h2>Wrong utterances</h2>\n" + wrongHtml(run);
   if (!pictureProblem.empty()) body += "<h2>Pictures</h2>\n<p>Some or all are missing: " + escaped(pictureProblem) + ".</p>\n";
   if (!pictures.empty()) body += "<h2>Pictures of utterances</h2>\n<p class=\"dim\">" + escaped(run.pictureText) + "</p>\n";
   for (const Picture& picture : pictures) body += pictureHtml(run, picture);
-  body += skippedHtml(run);
+  body += example::skippedHtml(corpus.skipped);
   example::writeFile(folder.path() / "results.tsv", resultsTable(run));
   example::writeFile(folder.path() / "confusion.tsv", confusionTable(run, score));
   example::writeFile(folder.path() / "index.html", example::htmlPage(title, body));
-}
-
-void tellReport(example::ReportFolder& folder, const std::string& pictureProblem) {
-  if (!pictureProblem.empty()) std::fprintf(stderr, "no pictures: %s\n", pictureProblem.c_str());
-  std::printf("report     %s\n", (folder.publish() / "index.html").c_str());
 }
 
 }  // namespace words

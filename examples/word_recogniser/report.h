@@ -30,7 +30,7 @@ struct Run {
   Speed frontEnd, matching;
   std::string splitText;
   std::string pictureText;  ///< what pictures show
-  std::vector<std::pair<std::string, std::string>> settings;
+  Settings settings;
 };
 
 /** A picture of an utterance beside what it is compared with; file names are relative to the report. */
@@ -45,12 +45,12 @@ void printTable(const Run& run, const Score& score);
 /** The utterances worth a picture: wrong ones up to a limit, and some right ones. */
 std::vector<const Result*> chooseForPictures(const Run& run, size_t mostWrong);
 
+/** A table of settings. */
+std::string settingsHtml(const Settings& settings);
+
 /** Writes index.html, and results.tsv and confusion.tsv, which hold no times and so are the same for the same run. */
 void writeReport(const example::ReportFolder& folder, const Run& run, const Score& score, const std::vector<Picture>& pictures,
                  const std::string& pictureProblem);
-
-/** The report takes its name, which is told on stdout; on stderr why pictures are missing. */
-void tellReport(example::ReportFolder& folder, const std::string& pictureProblem);
 
 /** "150 templates": the recordings that are a template in some trial. */
 std::string countedTemplates(const Corpus& corpus, const std::vector<Trial>& trials);

@@ -119,7 +119,7 @@ void testCommand(const TestOptions& options) {
   std::string problem;
   const std::vector<Picture> pictures = drawPictures(folder, run, frontEnds, models, options, problem);
   writeReport(folder, run, counts, pictures, problem);
-  tellReport(folder, problem);
+  example::publish(folder, problem);
 }
 
 }  // namespace words

@@ -32,11 +32,14 @@ void print(const std::vector<std::string>& cells) {
   std::fflush(stdout);
 }
 
-std::string page(const ModelFile& models, const std::vector<Iteration>& history, const std::string& summary,
-                 const std::vector<std::pair<std::string, std::string>>& settings, const std::string& problem) {
-  std::vector<std::vector<std::string>> rows = {heading}, settingRows = {{"setting", "value"}};
+std::vector<std::vector<std::string>> table(const std::vector<Iteration>& history) {
+  std::vector<std::vector<std::string>> rows = {heading};
   for (size_t i = 0; i < history.size(); ++i) rows.push_back(row(i + 1, history[i]));
-  for (const auto& [name, value] : settings) settingRows.push_back({name, value});
+  return rows;
+}
+
+std::string page(const ModelFile& models, const std::vector<Iteration>& history, const std::string& summary,
+                 const Settings& settings, const std::string& problem) {
   std::string body = "<h1>Training of word models</h1>\n<p class=\"dim\">" + example::escaped(summary) + "</p>\n";
   if (problem.empty()) {
     body +=
@@ -48,19 +51,9 @@ std::string page(const ModelFile& models, const std::vector<Iteration>& history,
   } else {
     body += "<p>No pictures: " + example::escaped(problem) + ".</p>\n";
   }
-  body += "<div class=\"side\"><div><h2>Iterations</h2>\n" + example::htmlTable(rows) + "</div><div><h2>Settings</h2>\n" +
-          example::htmlTable(settingRows) + "</div></div>\n";
+  body += "<div class=\"side\"><div><h2>Iterations</h2>\n" + example::htmlTable(table(history)) + "</div><div><h2>Settings</h2>\n" +
+          settingsHtml(settings) + "</div></div>\n";
   return example::htmlPage("Training of word models", body);
-}
-
-std::string historyTable(const std::vector<Iteration>& history) {
-  std::string text;
-  for (const std::string& cell : heading) text += cell + (&cell == &heading.back() ? "\n" : "\t");
-  for (size_t i = 0; i < history.size(); ++i) {
-    const std::vector<std::string> cells = row(i + 1, history[i]);
-    for (const std::string& cell : cells) text += cell + (&cell == &cells.back() ? "\n" : "\t");
-  }
-  return text;
 }
 
 }  // namespace
@@ -105,12 +98,12 @@ void trainCommand(TrainOptions options) {
   std::string problem =
       options.common.pictures > 0 ? drawHistory(folder.path() / "likelihood.png", history) : "none were asked for";
   if (problem.empty()) problem = drawMeans(folder.path() / "means.png", models);
-  std::vector<std::pair<std::string, std::string>> settings = described(options.frontEnd);
+  Settings settings = described(options.frontEnd);
   for (const auto& setting : described(options.training)) settings.push_back(setting);
-  example::writeFile(folder.path() / "iterations.tsv", historyTable(history));
+  example::writeFile(folder.path() / "iterations.tsv", example::tabSeparated(table(history)));
   example::writeFile(folder.path() / "index.html", page(models, history, summary, settings, problem));
   std::printf("\n%s\nmodels     %s\n", summary.c_str(), options.model.c_str());
-  tellReport(folder, options.common.pictures > 0 ? problem : "");
+  example::publish(folder, options.common.pictures > 0 ? problem : "");
 }
 
 }  // namespace words

@@ -6,6 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
@@ -66,6 +67,11 @@ inline std::string littleEndian(uint32_t value, int bytes) {
   for (int i = 0; i < bytes; ++i) text += static_cast<char>(value >> 8 * i & 0xFF);
   return text;
 }
+
+inline size_t lineCount(const std::string& text) { return static_cast<size_t>(std::count(text.begin(), text.end(), '\n')); }
+
+/** A path as one word of the shell. */
+inline std::string quote(const fs::path& path) { return std::string("'").append(path.string()).append("'"); }
 
 /** A WAV file of 16-bit samples. */
 inline std::string wav(const std::vector<float>& samples, int rate, int channels = 1) {

@@ -9,6 +9,7 @@ namespace {
 namespace fs = std::filesystem;
 using acoustic::Model;
 using acoustic::Rows;
+using program::lineCount;
 
 constexpr int kRate = 16000, kTop = 4;
 
@@ -36,10 +37,8 @@ std::vector<double> samplesOf(const std::string& wav) {
 
 std::vector<float> speech(int word) { return program::spoken(word, 0, 0, kRate); }
 
-size_t lines(const std::string& text) { return static_cast<size_t>(std::count(text.begin(), text.end(), '\n')); }
-
 program::Outcome score(const fs::path& model, const std::string& arguments) {
-  return program::run(SENONE_SCORES, "--quiet --model '" + model.string() + "' " + arguments);
+  return program::run(SENONE_SCORES, "--quiet --model " + program::quote(model) + " " + arguments);
 }
 
 // Scores a recording and compares features, and scores from these features, with the definitions.
@@ -51,7 +50,7 @@ void expectDefinitions(const Model& model, const fs::path& modelFolder, const st
   const program::Folder folder;
   program::write(folder / "it.wav", wav);
   const program::Outcome outcome =
-      score(modelFolder, "'" + (folder / "it.wav").string() + "' --write-scores --report '" + (folder / "report").string() + "'");
+      score(modelFolder, program::quote(folder / "it.wav") + " --write-scores --report " + program::quote(folder / "report"));
   ASSERT_EQ(outcome.code, 0) << outcome.err;
   const Rows features = readRows(folder / "report" / "it_features.f32", 39);
   const Rows expectedFeatures = acoustic::features(samplesOf(wav));
@@ -84,7 +83,7 @@ class SenoneScores : public testing::Test {
     program::write(folder_ / "a.wav", program::wav(speech(1), kRate));
   }
   fs::path modelFolder() const { return folder_ / "model"; }
-  std::string quoted(const std::string& name) const { return "'" + (folder_ / name).string() + "'"; }
+  std::string quoted(const std::string& name) const { return program::quote(folder_ / name); }
 
   Model model_;
   program::Folder folder_;
@@ -123,7 +122,7 @@ TEST_F(SenoneScores, WritesATableAPictureAndAPage) {
   EXPECT_NE(outcome.out.find("million Gaussians a second"), std::string::npos) << outcome.out;
   EXPECT_NE(outcome.out.find("Left out"), std::string::npos) << outcome.out;
   const std::string table = program::contents(folder_ / "report/a.tsv"), page = program::contents(folder_ / "report/index.html");
-  EXPECT_EQ(lines(table), (speech(1).size() - 410) / 160 + 2);
+  EXPECT_EQ(lineCount(table), (speech(1).size() - 410) / 160 + 2);
   EXPECT_EQ(table.substr(0, table.find('\n')), "seconds\tsenone\tstate\tscore\tsenone\tstate\tscore\tsenone\tstate\tscore");
   EXPECT_TRUE(fs::exists(folder_ / "report/a_2.tsv"));
   EXPECT_FALSE(fs::exists(folder_ / "report/a_senones.f32"));
@@ -142,17 +141,19 @@ TEST_F(SenoneScores, SaysWhyARecordingIsSkipped) {
   std::string cut = program::wav(speech(1), kRate);
   cut.resize(cut.size() - 1000);
   program::write(folder_ / "cut.wav", cut);
+  fs::create_directory(folder_ / "folder.wav");
   std::string files;
-  for (const char* name : {"a.wav", "low.wav", "short.wav", "stereo.wav", "empty.wav", "text.wav", "cut.wav"}) {
+  for (const char* name : {"a.wav", "low.wav", "short.wav", "stereo.wav", "empty.wav", "text.wav", "cut.wav", "folder.wav"}) {
     files += quoted(name) + " ";
   }
   const program::Outcome some = score(modelFolder(), files + "--report " + quoted("report"));
   EXPECT_EQ(some.code, 0);
-  EXPECT_EQ(lines(some.err), 6u) << some.err;
-  EXPECT_NE(some.out.find("skipped  6 of 7 files\n"), std::string::npos) << some.out;
+  EXPECT_EQ(lineCount(some.err), 7u) << some.err;
+  EXPECT_NE(some.out.find("skipped    7 of 8 files\n"), std::string::npos) << some.out;
   EXPECT_NE(some.err.find("stereo.wav: 2 channels; one is needed\n"), std::string::npos) << some.err;
   EXPECT_NE(some.err.find("empty.wav: empty file\n"), std::string::npos) << some.err;
   EXPECT_NE(some.err.find("text.wav: not a WAV file\n"), std::string::npos) << some.err;
+  EXPECT_NE(some.err.find("folder.wav: not a file\n"), std::string::npos) << some.err;
   EXPECT_NE(some.err.find("cut.wav: truncated: "), std::string::npos) << some.err;
   EXPECT_NE(some.err.find("low.wav: 8000 Hz; the model needs 16000\n"), std::string::npos) << some.err;
   EXPECT_NE(some.err.find("short.wav: shorter than one frame\n"), std::string::npos) << some.err;
@@ -160,16 +161,16 @@ TEST_F(SenoneScores, SaysWhyARecordingIsSkipped) {
       score(modelFolder(), quoted("low.wav") + " " + quoted("missing.wav") + " --report " + quoted("nothing"));
   EXPECT_EQ(none.code, 1);
   EXPECT_NE(none.err.find("missing.wav: cannot be opened"), std::string::npos) << none.err;
-  EXPECT_NE(none.err.find("no recording could be used\n"), std::string::npos) << none.err;
+  EXPECT_NE(none.err.find("no usable recording: all 2 files were skipped\n"), std::string::npos) << none.err;
   EXPECT_FALSE(fs::exists(folder_ / "nothing"));
 }
 
 TEST_F(SenoneScores, WithoutGnuplotThereIsAReportWithoutPictures) {
   const program::Outcome outcome = program::run(
-      SENONE_SCORES, "--quiet --model '" + modelFolder().string() + "' " + quoted("a.wav") + " --report " + quoted("report"),
+      SENONE_SCORES, "--quiet --model " + program::quote(modelFolder()) + " " + quoted("a.wav") + " --report " + quoted("report"),
       "PATH=/nowhere");
   EXPECT_EQ(outcome.code, 0);
-  EXPECT_NE(outcome.err.find("pictures are missing: gnuplot cannot be run"), std::string::npos) << outcome.err;
+  EXPECT_NE(outcome.err.find("no pictures: gnuplot cannot be run"), std::string::npos) << outcome.err;
   EXPECT_TRUE(fs::exists(folder_ / "report/index.html"));
 }
 
@@ -265,7 +266,7 @@ TEST_F(SenoneScores, RefusesADamagedModelWithOneLine) {
     program::write(modelFolder() / damage.file, spoilt);
     const program::Outcome outcome = score(modelFolder(), quoted("a.wav") + " --report " + quoted("report"));
     EXPECT_EQ(outcome.code, 1) << outcome.err;
-    EXPECT_EQ(lines(outcome.err), 1u) << outcome.err;
+    EXPECT_EQ(lineCount(outcome.err), 1u) << outcome.err;
     EXPECT_NE(outcome.err.find(damage.file), std::string::npos) << outcome.err;
     EXPECT_NE(outcome.err.find(damage.said), std::string::npos) << outcome.err;
     EXPECT_FALSE(fs::exists(folder_ / "report"));

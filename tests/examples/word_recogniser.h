@@ -10,7 +10,9 @@ namespace word_recogniser {
 
 using program::contents;
 using program::Folder;
+using program::lineCount;
 using program::Outcome;
+using program::quote;
 namespace fs = std::filesystem;
 
 inline constexpr const char* wordNames[] = {"uno", "due", "tre", "sei"};
@@ -35,8 +37,6 @@ inline Outcome recognise(const std::string& arguments, const std::string& enviro
   return program::run(WORD_RECOGNISER, arguments, environment);
 }
 
-inline std::string quote(const fs::path& path) { return std::string("'").append(path.string()).append("'"); }
-
 // The accuracy line's two numbers, "32 of 32".
 inline std::string accuracy(const Outcome& outcome) {
   std::istringstream lines(outcome.out);
@@ -45,8 +45,6 @@ inline std::string accuracy(const Outcome& outcome) {
   }
   return "no accuracy line";
 }
-
-inline size_t lineCount(const std::string& text) { return static_cast<size_t>(std::count(text.begin(), text.end(), '\n')); }
 
 inline std::vector<std::string> names(const fs::path& folder) {
   std::vector<std::string> result;
