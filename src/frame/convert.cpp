@@ -1,59 +1,81 @@
 #include "frame/convert.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 
 #include "frame/bits.h"
 #include "frame/checks.h"
 #include "frame/environment.h"
+#include "frame/rounding.h"
 
 namespace qorsr {
 namespace {
 
-// The value with one half of its sign added when the mode asks for it; the rest is a truncation or a rounding to even.
-inline float biased(float value, int mode) {
-  return mode == kTruncate || mode == kNearestEven ? value : value + __builtin_copysignf(0.5F, value);
-}
+constexpr int kBlock = 8;
+using Reals = Lanes<float, kBlock>;
+using Integers = Lanes<int32_t, kBlock>;
 
-// To an integer that fits; the guard has set the rounding mode to nearest even.
-inline int32_t toInteger(float value, int mode) {
-  return mode == kNearestEven ? static_cast<int32_t>(__builtin_lrintf(value)) : static_cast<int32_t>(value);
-}
+struct NearestEven {  // the guard has set the rounding mode
+  static Reals biased(const Reals& value) { return value; }
+  static Integers toIntegers(const Reals& value) { return nearest(value); }
+};
+struct Truncating {
+  static Reals biased(const Reals& value) { return value; }
+  static Integers toIntegers(const Reals& value) { return truncated(value); }
+};
+struct NearestAway {
+  static Reals biased(const Reals& value) { return value + copySign(Reals(0.5F), value); }
+  static Integers toIntegers(const Reals& value) { return truncated(value); }
+};
 
 struct To16 {
   using Result = int16_t;
-  static int16_t convert(float value, int mode) {
-    const float v = biased(value < 32767.0F ? value : 32767.0F, mode);
-    return v < -32768.0F ? INT16_MIN : saturate<int16_t>(toInteger(v, mode));
+  template <class Mode>
+  static Lanes<int16_t, kBlock> convert(const Reals& value) {
+    const Reals limited = max(min(value, Reals(32767.0F)), Reals(-32768.0F));
+    const Integers whole = Mode::toIntegers(Mode::biased(limited));
+    return saturated(lowerHalf(whole), upperHalf(whole));
   }
 };
 
 struct To32 {
   using Result = int32_t;
-  static int32_t convert(float value, int mode) {
-    const float v = biased(value, mode);
-    if (v > 2147483520.0F) return INT32_MAX;
-    return v < -2147483648.0F ? INT32_MIN : toInteger(v, mode);
+  template <class Mode>
+  static Integers convert(const Reals& value) {
+    const Reals biased = Mode::biased(value);
+    return largestAbove(Mode::toIntegers(biased), biased, 2147483520.0F);
   }
 };
 
-template <class To>
-QORSR_IN_GUARDED_MODE void convertAll(const float* source, typename To::Result* destination, int32_t length, int mode, int32_t sf) {
-  const float multiplier = qorPow2Neg_32f(sf);
-  for (int32_t i = 0; i < length; ++i) {
-    float value;  // memcpy: source and destination may be the same memory, seen as two types
-    std::memcpy(&value, source + i, sizeof(value));
-    if (sf != 0) value *= multiplier;
-    const typename To::Result result = value != value ? typename To::Result{0} : To::convert(value, mode);
-    std::memcpy(destination + i, &result, sizeof(result));
-  }
+// Source and destination may be the same memory: each block is read before it is written, at or in front of where it stood.
+template <class To, class Mode>
+QORSR_IN_GUARDED_MODE void convertAll(const float* source, typename To::Result* destination, int32_t length, int32_t sf) {
+  const Reals multiplier(qorPow2Neg_32f(sf));
+  const auto block = [&](const Reals& x) { return To::template convert<Mode>(zeroWhereNaN(x * multiplier)); };
+  int32_t i = 0;
+  for (; i <= length - kBlock; i += kBlock) block(Reals::load(source + i)).store(destination + i);
+  if (i == length) return;
+  const auto rest = static_cast<std::size_t>(length - i);
+  float padded[kBlock] = {};
+  typename To::Result results[kBlock];
+  std::memcpy(padded, source + i, rest * sizeof(float));
+  block(Reals::load(padded)).store(results);
+  std::memcpy(destination + i, results, rest * sizeof(results[0]));
 }
 
 template <class To>
 QorStatus convert(const float* source, typename To::Result* destination, int32_t length, int mode, int32_t sf) {
   if (QorStatus bad = Checks().null(source, destination).size(length)) return bad;
   EnvironmentGuard guard(Rounding::kNearest);
-  convertAll<To>(source, destination, length, mode, sf);
+  if (mode == kNearestEven) {
+    convertAll<To, NearestEven>(source, destination, length, sf);
+  } else if (mode == kTruncate) {
+    convertAll<To, Truncating>(source, destination, length, sf);
+  } else {
+    convertAll<To, NearestAway>(source, destination, length, sf);
+  }
   return qorStatusOk;
 }
 
