@@ -12,19 +12,19 @@ QorStatus qorsMatVecMul_32f_D2L(const float* const* rows, const float* vector, i
 }
 QorStatus qorsMatVecMul_16s_D2Sfs(const int16_t* matrix, int32_t stride, const int16_t* vector, int32_t width, int16_t* result,
                                   int32_t height, int32_t scaleFactor) {
-  return matVec(StridedRows{matrix, stride}, vector, width, result, height, ShiftedResult<int16_t>{scaleFactor});
+  return matVec(StridedRows{matrix, stride}, vector, width, result, height, ShiftedResult<int16_t>(scaleFactor));
 }
 QorStatus qorsMatVecMul_16s_D2LSfs(const int16_t* const* rows, const int16_t* vector, int32_t width, int16_t* result,
                                    int32_t height, int32_t scaleFactor) {
-  return matVec(ListedRows{rows}, vector, width, result, height, ShiftedResult<int16_t>{scaleFactor});
+  return matVec(ListedRows{rows}, vector, width, result, height, ShiftedResult<int16_t>(scaleFactor));
 }
 QorStatus qorsMatVecMul_16s32s_D2Sfs(const int16_t* matrix, int32_t stride, const int16_t* vector, int32_t width, int32_t* result,
                                      int32_t height, int32_t scaleFactor) {
-  return matVec(StridedRows{matrix, stride}, vector, width, result, height, ShiftedResult<int32_t>{scaleFactor});
+  return matVec(StridedRows{matrix, stride}, vector, width, result, height, ShiftedResult<int32_t>(scaleFactor));
 }
 QorStatus qorsMatVecMul_16s32s_D2LSfs(const int16_t* const* rows, const int16_t* vector, int32_t width, int32_t* result,
                                       int32_t height, int32_t scaleFactor) {
-  return matVec(ListedRows{rows}, vector, width, result, height, ShiftedResult<int32_t>{scaleFactor});
+  return matVec(ListedRows{rows}, vector, width, result, height, ShiftedResult<int32_t>(scaleFactor));
 }
 QorStatus qorsMatVecMul_32s_D2Sfs(const int32_t* matrix, int32_t stride, const int32_t* vector, int32_t width, int32_t* result,
                                   int32_t height, int32_t scaleFactor) {

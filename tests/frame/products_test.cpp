@@ -160,6 +160,29 @@ TEST(MatVecMul, ExtremeInt16StaysExact) {
   }
 }
 
+// The longest rows whose sums a double holds, and rows beyond: one product more or less decides the floor.
+TEST(MatVecMul, LongInt16RowsAreFlooredExactly) {
+  constexpr int32_t kLongest = 1 << 19;
+  for (const int32_t width : {kLongest, kLongest + 1}) {
+    const auto n = static_cast<std::size_t>(width);
+    for (const int16_t x : {int16_t{-32768}, int16_t{32767}}) {
+      std::vector<int16_t> row(n, x), vector(n, -32768);
+      for (const int16_t last : {int16_t{-1}, int16_t{0}, int16_t{1}}) {
+        row.back() = last;
+        vector.back() = 1;
+        const int64_t sum = int64_t{x} * -32768 * (width - 1) + last;
+        for (const int32_t sf : {0, 1, 17, 18, 19, 30, 47, 48, 49, 50, 51, 63, 64, INT32_MAX, -1, -31, -32, INT32_MIN}) {
+          int32_t result[5];
+          const int16_t* rows[] = {row.data(), row.data(), row.data(), row.data(), row.data()};
+          ASSERT_EQ(qorsMatVecMul_16s32s_D2LSfs(rows, vector.data(), width, result, 5, sf), qorStatusOk);
+          EXPECT_BITS(result[0], model::shiftedSum<int32_t>(sum, sf)) << "width " << width << " sf " << sf;
+          EXPECT_BITS(result[4], model::shiftedSum<int32_t>(sum, sf)) << "width " << width << " sf " << sf;
+        }
+      }
+    }
+  }
+}
+
 TEST(MatVecMul, Int16IsFlooredAndVecMatMulIsRounded) {
   const int16_t one = 1;
   const auto rows = [&](int16_t x, int32_t sf) {

@@ -1,0 +1,120 @@
+// What products of all types share: groups of four rows, and finishes, which make results of four sums.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+
+#include "frame/bits.h"
+#include "frame/lanes.h"
+#include "frame/rounding.h"
+
+namespace qorsr {
+
+// ---- Finishes: from four sums to results ----
+
+struct RealResult {
+  using Result = float;
+  static constexpr bool kNeedsNearest = false;
+
+  void operator()(const Lanes<float, 4>& sums, float* at) const { sums.store(at); }
+};
+
+namespace detail {
+
+inline void storeSaturated(const Lanes<int32_t, 4>& v, int32_t* at) { v.store(at); }
+inline void storeSaturated(const Lanes<int32_t, 4>& v, int16_t* at) {
+  int16_t twice[8];
+  saturated(v, v).store(twice);
+  std::memcpy(at, twice, 4 * sizeof(int16_t));
+}
+
+// Limited to the range of 32-bit integers.
+inline Lanes<double, 4> limitedTo32(const Lanes<double, 4>& v) {
+  return max(min(v, Lanes<double, 4>(2147483647.0)), Lanes<double, 4>(-2147483648.0));
+}
+
+}  // namespace detail
+
+// A sum in double, scaled, limited and rounded to nearest, ties to even; a NaN gives 0. In a guarded mode only.
+template <class To>
+class RoundedResult {
+ public:
+  using Result = To;
+  static constexpr bool kNeedsNearest = true;
+
+  explicit RoundedResult(int32_t scaleFactor) : power_(qorPow2Neg_64f(scaleFactor)) {}
+
+  [[gnu::always_inline]] void operator()(const Lanes<double, 4>& sums, To* at) const {
+    detail::storeSaturated(nearest(detail::limitedTo32(zeroWhereNaN(sums * Lanes<double, 4>(power_)))), at);
+  }
+
+ private:
+  double power_;
+};
+
+// An exact sum, shifted without rounding and saturated: right with floor, left as the exact product with the power of two.
+template <class To>
+class ShiftedResult {
+ public:
+  using Result = To;
+  static constexpr bool kNeedsNearest = false;
+
+  explicit ShiftedResult(int32_t scaleFactor)
+      : scaleFactor_(scaleFactor),
+        power_(qorPow2Neg_64f(std::clamp(scaleFactor, -32, kPlaces))),
+        below_(scaleFactor <= 0 ? 0.0 : 1.0 - qorPow2Neg_64f(-std::min(scaleFactor, kPlaces))) {}
+
+  // The floor of n / 2^s is n / 2^s truncated, for a negative n (n - (2^s - 1)) / 2^s truncated.
+  [[gnu::always_inline]] void operator()(const Lanes<double, 4>& sums, To* at) const {
+    using L = Lanes<double, 4>;
+    const L zero(0.0), start = sums + selectLess(sums, zero, L(below_), zero);
+    detail::storeSaturated(truncated(detail::limitedTo32(start * L(power_))), at);
+  }
+
+  To exactly(int64_t sum) const {
+    if (scaleFactor_ >= 0) return saturate<To>(shiftRight(sum, scaleFactor_));
+    return saturate<To>(saturate<int32_t>(sum) * (int64_t{1} << (scaleFactor_ < -31 ? 31 : -scaleFactor_)));
+  }
+
+ private:
+  // Sums of kExactColumns products are at most 2^49 in magnitude, so that more places shift out no more.
+  static constexpr int32_t kPlaces = 50;
+
+  int32_t scaleFactor_;
+  double power_, below_;
+};
+
+// Above this width the sums of 16-bit products take more than a double holds beside the offset.
+inline constexpr int32_t kExactColumns = 1 << 19;
+
+// ---- Four rows at a time ----
+
+// Rows first to first + 3 of a matrix; with a height below four, the last row stands for those that are missing.
+template <class T>
+struct FourRows {
+  const T* row[4];
+
+  template <class Rows>
+  FourRows(const Rows& rows, int32_t first, int32_t height) {
+    for (int32_t i = 0; i < 4; ++i) row[i] = rows[height >= 4 ? first + i : std::min(i, height - 1)];
+  }
+  const T* operator[](int i) const { return row[i]; }
+};
+
+// Calls dots(four rows) -> four sums, for all rows, and finish(sums, where) for each four.
+template <class T, class Rows, class Dots, class Result, class Finish>
+inline void forFourRows(const Rows& rows, int32_t height, const Dots& dots, Result* result, const Finish& finish) {
+  if (height < 4) {
+    Result four[4];
+    finish(dots(FourRows<T>(rows, 0, height)), four);
+    std::copy_n(four, height, result);
+    return;
+  }
+  for (int32_t r = 0; r < height; r += 4) {
+    const int32_t first = std::min(r, height - 4);  // the last four may overlap those before them
+    finish(dots(FourRows<T>(rows, first, 4)), result + first);
+  }
+}
+
+}  // namespace qorsr
