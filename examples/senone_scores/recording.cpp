@@ -23,7 +23,7 @@ class FloatFile {
   void write(const std::vector<float>& values) {
     if (file_.empty()) return;
     out_.write(reinterpret_cast<const char*>(values.data()), static_cast<std::streamsize>(values.size() * sizeof(float)));
-    if (!out_) throw example::Fault(file_.string() + " cannot be written");
+    if (!out_.flush()) throw example::Fault(file_.string() + " cannot be written");
   }
 
  private:

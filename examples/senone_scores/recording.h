@@ -35,6 +35,8 @@ struct Stretch {
   int end() const { return first + frames; }
 };
 
+inline constexpr int leastStretch = 3;  ///< frames, of the stretches that are shown
+
 /** Where one phone holds the best senone for at least so many frames on end. Stretches of one phone that less than twice as many
  * frames divide are one. */
 std::vector<Stretch> stretches(const AcousticModel& model, const Recording& recording, int least);

@@ -14,7 +14,6 @@ namespace {
 using example::escaped;
 using example::fixed;
 
-constexpr int leastStretch = 3;       // frames
 constexpr size_t tabulatedBest = 12;  // senones a recording
 
 std::string modelText(const AcousticModel& model) {
