@@ -31,12 +31,15 @@ struct Rotation {
   double c, s;
 };
 
-// Elements a of one column and b of another: a' = c a + s b, b' = c b - s a.
+// Elements a of one column and b of another: a' = c a + s b, b' = c b - s a. (As values: an array of vectors that is assigned
+// through a reference goes through memory.)
 template <class L>
-inline void rotate(const Rotation& r, L& a, L& b) {
-  const L turned = L(r.c) * a + L(r.s) * b;
-  b = b * L(r.c) - a * L(r.s);
-  a = turned;
+inline L rotatedFirst(const Rotation& r, const L& a, const L& b) {
+  return L(r.c) * a + L(r.s) * b;
+}
+template <class L>
+inline L rotatedSecond(const Rotation& r, const L& a, const L& b) {
+  return b * L(r.c) - a * L(r.s);
 }
 
 // Turns columns l and l + 1 by turns[0], l + 1 and l + 2 by turns[1], and so on, `count` times.
@@ -45,12 +48,10 @@ inline void rotateChain(const Columns& columns, int32_t l, int32_t count, const 
     using L = Lanes<double, lanes>;
     double* x = columns[l] + r;
     L carried = L::load(x);
-    for (int32_t j = 0; j < count; ++j) {
-      L next = L::load(x + columns.pitch);
-      rotate(turns[j], carried, next);
-      carried.store(x);
-      carried = next;
-      x += columns.pitch;
+    for (int32_t j = 0; j < count; ++j, x += columns.pitch) {
+      const L next = L::load(x + columns.pitch);
+      rotatedFirst(turns[j], carried, next).store(x);
+      carried = rotatedSecond(turns[j], carried, next);
     }
     carried.store(x);
   });
@@ -62,9 +63,10 @@ inline void rotateAgainst(const Columns& columns, int32_t fixed, int32_t first, 
     using L = Lanes<double, lanes>;
     L carried = L::load(columns[fixed] + r);
     for (int32_t j = 0; j < count; ++j) {
-      L x = L::load(columns[int64_t{first} + j] + r);
-      rotate(turns[j], carried, x);
-      x.store(columns[int64_t{first} + j] + r);
+      double* const other = columns[int64_t{first} + j] + r;
+      const L x = L::load(other);
+      rotatedSecond(turns[j], carried, x).store(other);
+      carried = rotatedFirst(turns[j], carried, x);
     }
     carried.store(columns[fixed] + r);
   });

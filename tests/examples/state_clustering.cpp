@@ -53,9 +53,9 @@ fs::path makeCorpus(const Folder& folder) {
   return corpus;
 }
 
-Outcome cluster(const Folder& folder, const std::string& more = "") {
+Outcome cluster(const Folder& folder, const std::string& more = "--frames 10") {
   const auto quoted = [&](const std::string& name) { return " '" + (folder / name).string() + "'"; };
-  return program::run(STATE_CLUSTERING, quoted("corpus") + " --quiet --frames 10 --lexicon" + quoted("lexicon") + " --classes" +
+  return program::run(STATE_CLUSTERING, quoted("corpus") + " --quiet --lexicon" + quoted("lexicon") + " --classes" +
                                             quoted("classes") + " " + more);
 }
 
@@ -68,7 +68,7 @@ void expectRefusal(const Outcome& outcome, const std::string& words) {
 TEST(StateClustering, AsksFirstWhatSeparatesMost) {
   const Folder folder;
   makeCorpus(folder);
-  const Outcome outcome = cluster(folder, "--leaves 4");
+  const Outcome outcome = cluster(folder, "--frames 10 --leaves 4");
   ASSERT_EQ(outcome.code, 0) << outcome.err;
   EXPECT_EQ(outcome.err, "");
   EXPECT_NE(outcome.out.find("42 recordings"), std::string::npos) << outcome.out;
@@ -77,7 +77,7 @@ TEST(StateClustering, AsksFirstWhatSeparatesMost) {
   const size_t first = outcome.out.find("\n\n") + 2;  // the root
   EXPECT_EQ(outcome.out.substr(first, 14), "sound: vowel? ") << outcome.out;
   EXPECT_NE(outcome.out.find("gain"), std::string::npos);
-  EXPECT_EQ(cluster(folder, "--leaves 4").out, outcome.out);  // the same every time
+  EXPECT_EQ(cluster(folder, "--frames 10 --leaves 4").out, outcome.out);  // the same every time
 }
 
 // A leaf of every other tree has at least the likelihood of the one above it: gains are not negative, and more leaves fit better.
@@ -90,9 +90,9 @@ double treeLikelihood(const Outcome& outcome) {
 TEST(StateClustering, MoreLeavesFitBetter) {
   const Folder folder;
   makeCorpus(folder);
-  double last = treeLikelihood(cluster(folder, "--leaves 1"));
+  double last = treeLikelihood(cluster(folder, "--frames 10 --leaves 1"));
   for (const char* leaves : {"2", "3", "6"}) {
-    const double next = treeLikelihood(cluster(folder, std::string("--gain 0 --leaves ") + leaves));
+    const double next = treeLikelihood(cluster(folder, std::string("--frames 10 --gain 0 --leaves ") + leaves));
     EXPECT_GT(next, last) << leaves;
     last = next;
   }
