@@ -15,11 +15,13 @@ double a64[kLong], b64[kLong], c64[kLong], d64[kLong];
 float rows32[1000 * 160], mean32[160];
 int16_t rows16[1000 * 160], mean16[160];
 double covariance[160 * 160];
+int32_t means[kLong], squares[kLong], integers[kLong];
 
 void fill() {
   for (int32_t i = 0; i < kLong; ++i) {
     const double x = static_cast<double>(int64_t{i} * 40503 % 65536) / 65536.0;
     a64[i] = x - 0.5, b64[i] = 1.0 + x, c64[i] = 0.01, d64[i] = 1.0;
+    means[i] = static_cast<int32_t>(a64[i] * 1000), squares[i] = static_cast<int32_t>(b64[i] * 1000000);
     a32[i] = static_cast<float>(a64[i]), b32[i] = static_cast<float>(b64[i]), c32[i] = 0.01F, d32[i] = 1.0F;
   }
   for (int32_t i = 0; i < 1000 * 160; ++i) {
@@ -44,6 +46,22 @@ std::function<void()> often(F f) {
   };
 }
 
+void addMoments(const bench::Level& level, const std::string& size, int32_t n) {
+  addPair(level, "NewVar 32f" + size, often([=, f = OURS(qorsNewVar_32f)] { f(a32, b32, d32, n, 0.5F, 0.25F); }),
+          often([=, f = PLAIN(plainNewVar_32f)] { f(a32, b32, d32, n, 0.5F, 0.25F); }));
+  addPair(level, "NewVar 32f, in place" + size, often([=, f = OURS(qorsNewVar_32f_I)] { f(a32, d32, n, 1e-9F, 1.0F); }),
+          often([=, f = PLAIN(plainNewVar_32f_I)] { f(a32, d32, n, 1e-9F, 1.0F); }));
+  addPair(level, "NewVar 32s" + size, often([=, f = OURS(qorsNewVar_32s_Sfs)] { f(means, squares, integers, n, 0.5F, 0.25F, 1); }),
+          often([=, f = PLAIN(plainNewVar_32s)] { f(means, squares, integers, n, 0.5F, 0.25F, 0.5F); }));
+  addPair(level, "NewVar 32s, not aligned" + size,
+          often([=, f = OURS(qorsNewVar_32s_Sfs)] { f(means + 1, squares + 1, integers, n, 0.5F, 0.25F, 1); }),
+          often([=, f = PLAIN(plainNewVar_32s)] { f(means + 1, squares + 1, integers, n, 0.5F, 0.25F, 0.5F); }));
+  addPair(level, "MeanVarAcc 32f" + size, often([=, f = OURS(qorsMeanVarAcc_32f)] { f(a32, b32, c32, d32, n, 1e-9F); }),
+          often([=, f = PLAIN(plainMeanVarAcc_32f)] { f(a32, b32, c32, d32, n, 1e-9F); }));
+  addPair(level, "MeanVarAcc 64f" + size, often([=, f = OURS(qorsMeanVarAcc_64f)] { f(a64, b64, c64, d64, n, 1e-9); }),
+          often([=, f = PLAIN(plainMeanVarAcc_64f)] { f(a64, b64, c64, d64, n, 1e-9); }));
+}
+
 void addUpdates(const bench::Level& level, int32_t n) {
   const std::string size = ", " + std::to_string(n) + " elements";
   addPair(level, "UpdateMean 32f" + size, often([=, f = OURS(qorsUpdateMean_32f)] { f(a32, d32, n, 3e9F); }),
@@ -62,12 +80,15 @@ void addUpdates(const bench::Level& level, int32_t n) {
             float sum;
             f(b32, d32, n, &sum, 50.0F, 0.01F);
           }));
-  addPair(level, "NewVar 32f" + size, often([=, f = OURS(qorsNewVar_32f)] { f(a32, b32, d32, n, 0.5F, 0.25F); }),
-          often([=, f = PLAIN(plainNewVar_32f)] { f(a32, b32, d32, n, 0.5F, 0.25F); }));
-  addPair(level, "MeanVarAcc 32f" + size, often([=, f = OURS(qorsMeanVarAcc_32f)] { f(a32, b32, c32, d32, n, 1e-9F); }),
-          often([=, f = PLAIN(plainMeanVarAcc_32f)] { f(a32, b32, c32, d32, n, 1e-9F); }));
-  addPair(level, "MeanVarAcc 64f" + size, often([=, f = OURS(qorsMeanVarAcc_64f)] { f(a64, b64, c64, d64, n, 1e-9); }),
-          often([=, f = PLAIN(plainMeanVarAcc_64f)] { f(a64, b64, c64, d64, n, 1e-9); }));
+  addPair(level, "UpdateWeight 64f" + size, often([=, f = OURS(qorsUpdateWeight_64f)] {
+            double sum;
+            f(b64, d64, n, &sum, 50.0, 0.01);
+          }),
+          often([=, f = PLAIN(plainUpdateWeight_64f)] {
+            double sum;
+            f(b64, d64, n, &sum, 50.0, 0.01);
+          }));
+  addMoments(level, size, n);
 }
 
 void addClustering(const bench::Level& level, int32_t n) {
@@ -78,6 +99,17 @@ void addClustering(const bench::Level& level, int32_t n) {
   addPair(level, "DcsClustLAccumulate 64f" + size,
           often([=, f = OURS(qorsDcsClustLAccumulate_64f)] { f(a64, b64, c64, d64, n, 3.0); }),
           often([=, f = PLAIN(plainDcsClustLAccumulate_64f)] { f(a64, b64, c64, d64, n, 3.0); }));
+  addPair(level, "DcsClustLAccumulate_DirectVar 32f" + size,
+          often([=, f = OURS(qorsDcsClustLAccumulate_DirectVar_32f)] { f(a32, b32, c32, d32, n, 3.0F); }),
+          often([=, f = PLAIN(plainDcsClustLAccumulate_DirectVar_32f)] { f(a32, b32, c32, d32, n, 3.0F); }));
+  addPair(level, "DcsClustLAccumulate_DirectVar 64f" + size,
+          often([=, f = OURS(qorsDcsClustLAccumulate_DirectVar_64f)] { f(a64, b64, c64, d64, n, 3.0); }),
+          often([=, f = PLAIN(plainDcsClustLAccumulate_DirectVar_64f)] { f(a64, b64, c64, d64, n, 3.0); }));
+  addPair(level, "DcsClustLCompute 64f" + size, often([=, f = OURS(qorsDcsClustLCompute_64f)] {
+            double result;
+            f(a64, b64, n, &result, 3.0);
+          }),
+          often([=, f = PLAIN(plainDcsClustLCompute_64f)] { f(a64, b64, n, 3.0); }));
   addPair(level, "DcsClustLCompute 32f64f" + size, often([=, f = OURS(qorsDcsClustLCompute_32f64f)] {
             double result;
             f(a32, b32, n, &result, 3.0F);

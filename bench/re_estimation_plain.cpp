@@ -21,6 +21,23 @@ int32_t updateVar(const T* first, const T* second, const T* floors, T* destinati
 }
 
 template <class T>
+int32_t updateWeight(const T* counts, T* destination, int32_t length, T* sum, T total, T floor) {
+  int32_t floored = 0;
+  T all = 0;
+  for (int32_t i = 0; i < length; ++i) {
+    T w = counts[i] / total;
+    if (!(floor < w)) {
+      w = floor;
+      ++floored;
+    }
+    destination[i] = w;
+    all += w;
+  }
+  *sum = all;
+  return floored;
+}
+
+template <class T>
 void meanVarAcc(const T* source, const T* mean, T* sums, T* squares, int32_t length, T weight) {
   for (int32_t i = 0; i < length; ++i) {
     const T d = source[i] - mean[i], e = d * weight;
@@ -60,6 +77,24 @@ void accumulate(const T* mean, const T* variance, T* sum, T* squares, int32_t le
   }
 }
 
+template <class T>
+void accumulateDirect(const T* mean, const T* variance, T* sum, T* squares, int32_t length, T occupancy) {
+  for (int32_t i = 0; i < length; ++i) {
+    sum[i] = mean[i] * occupancy;
+    squares[i] = (mean[i] * mean[i] + variance[i]) * occupancy;
+  }
+}
+
+template <class T>
+double likelihood(const T* sum, const T* squares, int32_t length, double n) {
+  double logs = 0;
+  for (int32_t i = 0; i < length; ++i) {
+    const double x = static_cast<double>(sum[i]);
+    logs += std::log(static_cast<double>(squares[i]) * n - x * x);
+  }
+  return n * 0.5 * (length * (2 * std::log(n) - 2.8378770664093453) - logs);
+}
+
 }  // namespace
 
 void plainUpdateMean_32f(const float* source, float* destination, int32_t length, float occupancy) {
@@ -78,19 +113,21 @@ int32_t plainUpdateVar_64f(const double* first, const double* second, const doub
   return updateVar(first, second, floors, destination, length, occupancy1, occupancy2);
 }
 int32_t plainUpdateWeight_32f(const float* counts, float* destination, int32_t length, float* sum, float total, float floor) {
-  int32_t floored = 0;
-  float all = 0;
+  return updateWeight(counts, destination, length, sum, total, floor);
+}
+int32_t plainUpdateWeight_64f(const double* counts, double* destination, int32_t length, double* sum, double total, double floor) {
+  return updateWeight(counts, destination, length, sum, total, floor);
+}
+void plainNewVar_32f_I(const float* means, float* squares, int32_t length, float a, float b) {
+  for (int32_t i = 0; i < length; ++i) squares[i] = (squares[i] - means[i] * means[i] * a) * b;
+}
+void plainNewVar_32s(const int32_t* means, const int32_t* squares, int32_t* destination, int32_t length, float a, float b,
+                     float scale) {
   for (int32_t i = 0; i < length; ++i) {
-    float w = counts[i] / total;
-    if (!(floor < w)) {
-      w = floor;
-      ++floored;
-    }
-    destination[i] = w;
-    all += w;
+    const auto mean = static_cast<float>(means[i]);
+    const float x = (static_cast<float>(squares[i]) - mean * mean * a) * b * scale;
+    destination[i] = static_cast<int32_t>(x < -2147483648.0F ? -2147483648.0F : x > 2147483520.0F ? 2147483520.0F : x);
   }
-  *sum = all;
-  return floored;
 }
 void plainNewVar_32f(const float* means, const float* squares, float* destination, int32_t length, float a, float b) {
   for (int32_t i = 0; i < length; ++i) {
@@ -121,12 +158,17 @@ void plainDcsClustLAccumulate_64f(const double* mean, const double* variance, do
                                   double occupancy) {
   accumulate(mean, variance, sum, squares, length, occupancy);
 }
+void plainDcsClustLAccumulate_DirectVar_32f(const float* mean, const float* variance, float* sum, float* squares, int32_t length,
+                                            float occupancy) {
+  accumulateDirect(mean, variance, sum, squares, length, occupancy);
+}
+void plainDcsClustLAccumulate_DirectVar_64f(const double* mean, const double* variance, double* sum, double* squares,
+                                            int32_t length, double occupancy) {
+  accumulateDirect(mean, variance, sum, squares, length, occupancy);
+}
 double plainDcsClustLCompute_32f64f(const float* sum, const float* squares, int32_t length, float occupancy) {
-  const double n = static_cast<double>(occupancy);
-  double logs = 0;
-  for (int32_t i = 0; i < length; ++i) {
-    const double x = static_cast<double>(sum[i]);
-    logs += std::log(static_cast<double>(squares[i]) * n - x * x);
-  }
-  return n * 0.5 * (length * (2 * std::log(n) - 2.8378770664093453) - logs);
+  return likelihood(sum, squares, length, static_cast<double>(occupancy));
+}
+double plainDcsClustLCompute_64f(const double* sum, const double* squares, int32_t length, double occupancy) {
+  return likelihood(sum, squares, length, occupancy);
 }

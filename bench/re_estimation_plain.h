@@ -13,6 +13,11 @@ PLAIN_API int32_t plainUpdateVar_64f(const double* first, const double* second, 
                                      int32_t length, double occupancy1, double occupancy2);
 PLAIN_API int32_t plainUpdateWeight_32f(const float* counts, float* destination, int32_t length, float* sum, float total,
                                         float floor);
+PLAIN_API int32_t plainUpdateWeight_64f(const double* counts, double* destination, int32_t length, double* sum, double total,
+                                        double floor);
+PLAIN_API void plainNewVar_32f_I(const float* means, float* squares, int32_t length, float a, float b);
+PLAIN_API void plainNewVar_32s(const int32_t* means, const int32_t* squares, int32_t* destination, int32_t length, float a, float b,
+                               float scale);
 PLAIN_API void plainNewVar_32f(const float* means, const float* squares, float* destination, int32_t length, float a, float b);
 PLAIN_API void plainMeanVarAcc_32f(const float* source, const float* mean, float* sums, float* squares, int32_t length,
                                    float weight);
@@ -26,4 +31,9 @@ PLAIN_API void plainDcsClustLAccumulate_32f(const float* mean, const float* vari
                                             float occupancy);
 PLAIN_API void plainDcsClustLAccumulate_64f(const double* mean, const double* variance, double* sum, double* squares,
                                             int32_t length, double occupancy);
+PLAIN_API void plainDcsClustLAccumulate_DirectVar_32f(const float* mean, const float* variance, float* sum, float* squares,
+                                                      int32_t length, float occupancy);
+PLAIN_API void plainDcsClustLAccumulate_DirectVar_64f(const double* mean, const double* variance, double* sum, double* squares,
+                                                      int32_t length, double occupancy);
+PLAIN_API double plainDcsClustLCompute_64f(const double* sum, const double* squares, int32_t length, double occupancy);
 PLAIN_API double plainDcsClustLCompute_32f64f(const float* sum, const float* squares, int32_t length, float occupancy);

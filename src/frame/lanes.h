@@ -55,6 +55,11 @@ inline V load(const void* p) {
   std::memcpy(&v, p, sizeof(V));
   return v;
 }
+// By value: stored from the register. GCC copies an element of an array from memory to memory, in pieces.
+template <class V>
+inline void store(void* p, V v) {
+  std::memcpy(p, &v, sizeof(V));
+}
 
 template <class To, class V, std::size_t... I>
 inline To pick(V v, std::index_sequence<I...>) {
@@ -408,7 +413,7 @@ struct Lanes {
     return v;
   }
   void store(T* p) const {
-    for (int i = 0; i < kParts; ++i) std::memcpy(p + i * kPart, &part[i], sizeof(Part));
+    for (int i = 0; i < kParts; ++i) native::store(p + i * kPart, part[i]);
   }
 
   // Applies `f` to each native part of `a` (and of `b`).

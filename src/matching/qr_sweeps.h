@@ -31,27 +31,27 @@ struct Rotation {
   double c, s;
 };
 
-// Elements a of one column and b of another: a' = c a + s b, b' = c b - s a. (As values: an array of vectors that is assigned
-// through a reference goes through memory.)
+// A rotation of elements a of one column and b of another: a' = c a + s b, b' = c b - s a.
 template <class L>
-inline L rotatedFirst(const Rotation& r, const L& a, const L& b) {
-  return L(r.c) * a + L(r.s) * b;
-}
-template <class L>
-inline L rotatedSecond(const Rotation& r, const L& a, const L& b) {
-  return b * L(r.c) - a * L(r.s);
-}
+struct Turn {
+  L c, s;
+
+  explicit Turn(const Rotation& r) : c(r.c), s(r.s) {}
+  L first(const L& a, const L& b) const { return c * a + s * b; }
+  L second(const L& a, const L& b) const { return b * c - a * s; }
+};
 
 // Turns columns l and l + 1 by turns[0], l + 1 and l + 2 by turns[1], and so on, `count` times.
 inline void rotateChain(const Columns& columns, int32_t l, int32_t count, const Rotation* turns) {
-  coverColumnsOnce<double>(static_cast<int32_t>(columns.pitch), [&](int32_t r, auto lanes) {
+  coverColumnsOnce<double>(static_cast<int32_t>(columns.pitch), [=](int32_t r, auto lanes) {
     using L = Lanes<double, lanes>;
     double* x = columns[l] + r;
     L carried = L::load(x);
     for (int32_t j = 0; j < count; ++j, x += columns.pitch) {
+      const Turn<L> turn(turns[j]);
       const L next = L::load(x + columns.pitch);
-      rotatedFirst(turns[j], carried, next).store(x);
-      carried = rotatedSecond(turns[j], carried, next);
+      turn.first(carried, next).store(x);
+      carried = turn.second(carried, next);
     }
     carried.store(x);
   });
@@ -59,14 +59,15 @@ inline void rotateChain(const Columns& columns, int32_t l, int32_t count, const 
 
 // Turns column `fixed` with columns first, first + 1, and so on, in turn.
 inline void rotateAgainst(const Columns& columns, int32_t fixed, int32_t first, int32_t count, const Rotation* turns) {
-  coverColumnsOnce<double>(static_cast<int32_t>(columns.pitch), [&](int32_t r, auto lanes) {
+  coverColumnsOnce<double>(static_cast<int32_t>(columns.pitch), [=](int32_t r, auto lanes) {
     using L = Lanes<double, lanes>;
     L carried = L::load(columns[fixed] + r);
     for (int32_t j = 0; j < count; ++j) {
+      const Turn<L> turn(turns[j]);
       double* const other = columns[int64_t{first} + j] + r;
       const L x = L::load(other);
-      rotatedSecond(turns[j], carried, x).store(other);
-      carried = rotatedFirst(turns[j], carried, x);
+      turn.second(carried, x).store(other);
+      carried = turn.first(carried, x);
     }
     carried.store(columns[fixed] + r);
   });
