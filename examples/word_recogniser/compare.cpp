@@ -22,7 +22,7 @@ using example::percent;
 // Tests under one condition: how often each method was right.
 struct Row {
   std::string split, noise;
-  Tally templates, models;
+  Tally templates, models, noisyModels;
 };
 
 std::string noiseName(double decibels) { return fixed(decibels, 0) + " dB"; }
@@ -35,8 +35,8 @@ class Comparison {
   std::vector<Row> run(const SplitOptions& split) const {
     size_t untaught = 0, tests = 0;
     const std::vector<Trial> trials = words::split(corpus_, split, untaught);
-    std::vector<Row> rows = {{described(split), "none", {}, {}}};
-    for (const double noise : options_.noises) rows.push_back({described(split), noiseName(noise), {}, {}});
+    std::vector<Row> rows = {{described(split), "none", {}, {}, {}}};
+    for (const double noise : options_.noises) rows.push_back({described(split), noiseName(noise), {}, {}, {}});
     for (const Trial& trial : trials) tests += trial.tests.size();
     example::Progress progress("comparing", tests, options_.common.quiet);
     for (const Trial& trial : trials) {
@@ -49,8 +49,7 @@ class Comparison {
   void recogniseTrial(const Trial& trial, std::vector<Row>& rows, example::Progress& progress) const {
     Templates templates(options_.warp);
     for (const size_t r : trial.templates) templates.add(corpus_.wordNumber(corpus_.recordings[r].word), r, features_[r]);
-    const WordModels models = train(lessonsOf(corpus_, features_, trial.templates, true), options_.training,
-                                    [](const Iteration&) { example::stopIfInterrupted(); });
+    const WordModels models = trained(trial, {}), noisyModels = trained(trial, options_.noises);
     for (const size_t r : trial.tests) {
       const Recording& recording = corpus_.recordings[r];
       const int said = corpus_.wordNumber(recording.word);
@@ -59,9 +58,17 @@ class Comparison {
         const Matrix& features = i == 0 ? features_[r] : noisy;
         rows[i].templates.count(templates.recognise(features).word == said);
         rows[i].models.count(models.recognise(features).word == said);
+        rows[i].noisyModels.count(noisyModels.recognise(features).word == said);
       }
       progress.step();
     }
+  }
+
+  // Models of the recordings that teach, and of their copies in noise.
+  WordModels trained(const Trial& trial, const std::vector<double>& noises) const {
+    const std::vector<Matrix> copies = noisyCopies(frontEnds_, corpus_, trial.templates, noises);
+    return train(lessonsOf(corpus_, features_, trial.templates, copies, true), options_.training,
+                 [](const Iteration&) { example::stopIfInterrupted(); });
   }
 
   const CompareOptions& options_;
@@ -70,10 +77,14 @@ class Comparison {
   const std::vector<Matrix>& features_;
 };
 
-const std::vector<std::string> heading = {"split", "noise", "templates", "models", "tests"};
+const std::vector<std::string> heading = {"split", "noise", "templates", "models", "noisy models", "tests"};
 
 std::vector<std::string> cells(const Row& row) {
-  return {row.split, row.noise, percent(row.templates.right, row.templates.all), percent(row.models.right, row.models.all),
+  return {row.split,
+          row.noise,
+          percent(row.templates.right, row.templates.all),
+          percent(row.models.right, row.models.all),
+          percent(row.noisyModels.right, row.noisyModels.all),
           std::to_string(row.models.all)};
 }
 
@@ -81,26 +92,30 @@ void print(const std::vector<Row>& rows) {
   size_t width = 0;
   for (const Row& row : rows) width = std::max(width, row.split.size());
   const auto line = [width](const std::vector<std::string>& c) {
-    std::printf("%-*s  %6s  %10s  %10s  %6s\n", static_cast<int>(width), c[0].c_str(), c[1].c_str(), c[2].c_str(), c[3].c_str(),
-                c[4].c_str());
+    std::printf("%-*s  %6s  %10s  %10s  %12s  %6s\n", static_cast<int>(width), c[0].c_str(), c[1].c_str(), c[2].c_str(),
+                c[3].c_str(), c[4].c_str(), c[5].c_str());
   };
   line(heading);
   for (const Row& row : rows) line(cells(row));
 }
+
+double shareOf(const Tally& tally) { return 100.0 * static_cast<double>(tally.right) / static_cast<double>(tally.all); }
 
 std::string draw(const std::filesystem::path& png, const std::vector<Row>& rows, size_t conditions) {
   std::vector<std::string> names;
   std::vector<AccuracyCurve> curves;
   for (size_t i = 0; i < conditions; ++i) names.push_back(rows[i].noise == "none" ? "clean" : rows[i].noise);
   for (size_t first = 0; first < rows.size(); first += conditions) {
-    AccuracyCurve templates{"templates: " + rows[first].split, {}}, models{"models: " + rows[first].split, {}};
+    AccuracyCurve templates{"templates: " + rows[first].split, {}}, models{"models: " + rows[first].split, {}},
+        noisyModels{"noisy models: " + rows[first].split, {}};
     for (size_t i = first; i < first + conditions; ++i) {
-      templates.percent.push_back(100.0 * static_cast<double>(rows[i].templates.right) /
-                                  static_cast<double>(rows[i].templates.all));
-      models.percent.push_back(100.0 * static_cast<double>(rows[i].models.right) / static_cast<double>(rows[i].models.all));
+      templates.percent.push_back(shareOf(rows[i].templates));
+      models.percent.push_back(shareOf(rows[i].models));
+      noisyModels.percent.push_back(shareOf(rows[i].noisyModels));
     }
     curves.push_back(templates);
     curves.push_back(models);
+    curves.push_back(noisyModels);
   }
   return drawAccuracies(png, names, curves);
 }
@@ -115,7 +130,8 @@ void write(const example::ReportFolder& folder, const std::vector<Row>& rows, co
   }
   std::string body =
       "<h1>Templates and word models side by side</h1>\n<p class=\"dim\">White noise is added to the tests, so many decibels "
-      "below their mean power; templates and models know clean recordings only.</p>\n" +
+      "below their mean power; templates and models know clean recordings only, noisy models also copies of them in the same sorts "
+      "of noise.</p>\n" +
       example::htmlTable(table);
   body += problem.empty() ? "<figure><img src=\"accuracy.png\" alt=\"accuracy\"></figure>\n"
                           : "<p>No picture: " + example::escaped(problem) + ".</p>\n";

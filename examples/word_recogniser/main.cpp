@@ -35,6 +35,12 @@ void addTrain(CLI::App& app, words::TrainOptions& options) {
   words::addSplitOptions(*train, options.split);
   words::addFrontEndOptions(*train, options.frontEnd);
   words::addTrainingOptions(*train, options.training);
+  train
+      ->add_option("--noise-db", options.training.noises,
+                   "Copies of the recordings with white noise so many decibels below teach too")
+      ->delimiter(',')
+      ->check(CLI::Range(-100.0, 200.0))
+      ->group("Models");
   train->callback([&options] { words::trainCommand(options); });
 }
 

@@ -26,6 +26,16 @@ Matrix staticMeans(const WordModel& model, int width) {
   return means;
 }
 
+// Every other order; the one of order 0, if it is there, stands behind the others.
+std::string orderTics(int cepstra, int width) {
+  std::string tics;
+  for (int order = 2; order <= cepstra; order += 2) {
+    tics += (tics.empty() ? "" : ", ") + quoted(std::to_string(order)) + " " + std::to_string(order);
+  }
+  if (width > cepstra) tics += (tics.empty() ? "" : ", ") + quoted("0") + " " + std::to_string(width);
+  return tics;
+}
+
 }  // namespace
 
 std::string drawHistory(const std::filesystem::path& png, const std::vector<Iteration>& history) {
@@ -57,7 +67,8 @@ std::string drawMeans(const std::filesystem::path& png, const ModelFile& models)
   const int width = staticWidth(models.frontEnd);
   std::string script = "set multiplot layout " + std::to_string(down) + "," + std::to_string(across) +
                        "\nset palette defined (-1 '#2166ac', 0 '#f7f7f7', 1 '#b2182b')\nset cbrange [-2:2]\nunset colorbox\n"
-                       "set tics out nomirror\nset xlabel 'state'\nset ylabel 'cepstrum'\n";
+                       "set tics out nomirror\nset xlabel 'state'\nset ylabel 'cepstrum'\nset ytics (" +
+                       orderTics(models.frontEnd.cepstra, width) + ")\n";
   for (size_t w = 0; w < count; ++w) {
     const WordModel& model = models.models.models[w];
     const Matrix means = staticMeans(model, width);

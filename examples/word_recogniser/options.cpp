@@ -114,10 +114,13 @@ void addTrainingOptions(CLI::App& app, TrainingOptions& options) {
 }
 
 Settings described(const TrainingOptions& options) {
+  std::string noises;
+  for (const double noise : options.noises) noises += (noises.empty() ? "" : ", ") + fixed(noise, 0) + " dB";
   return {{"states", std::to_string(options.states)},
           {"Gaussians a state",
            "up to " + std::to_string(options.mixtures) + ", for " + std::to_string(options.framesPerGaussian) + " frames each"},
-          {"variance floor", text(options.varianceFloor, 3) + " of all data"}};
+          {"variance floor", text(options.varianceFloor, 3) + " of all data"},
+          {"copies in noise", noises.empty() ? "none" : noises}};
 }
 
 Settings described(const FrontEndOptions& options) {

@@ -7,6 +7,7 @@
 #include "common/progress.h"
 #include "common/text.h"
 #include "model_plots.h"
+#include "noise.h"
 #include "report.h"
 
 namespace words {
@@ -45,7 +46,8 @@ std::string page(const ModelFile& models, const std::vector<Iteration>& history,
     body +=
         "<figure><figcaption>Log likelihood of the training data</figcaption><img src=\"likelihood.png\" "
         "alt=\"likelihood\"></figure>\n"
-        "<figure><figcaption>Learned means of the static cepstra, order 0 on top, state by state (" +
+        "<figure><figcaption>Learned means of the static cepstra, order 0 on top, state by state, from -2 (blue) over 0 "
+        "(white) to 2 (red) (" +
         std::to_string(models.words.size()) +
         " words; the first ones are shown)</figcaption><img src=\"means.png\" alt=\"means\"></figure>\n";
   } else {
@@ -58,13 +60,22 @@ std::string page(const ModelFile& models, const std::vector<Iteration>& history,
 
 }  // namespace
 
+std::vector<Matrix> noisyCopies(FrontEnds& frontEnds, const Corpus& corpus, const std::vector<size_t>& recordings,
+                                const std::vector<double>& noises) {
+  std::vector<Matrix> copies;
+  for (const double noise : noises) {
+    for (const size_t r : recordings) copies.push_back(frontEnds.analyse(noisySound(corpus.recordings[r], noise)).features);
+  }
+  return copies;
+}
+
 std::vector<Lesson> lessonsOf(const Corpus& corpus, const std::vector<Matrix>& features, const std::vector<size_t>& recordings,
-                              bool onlyTaught) {
+                              const std::vector<Matrix>& copies, bool onlyTaught) {
   std::vector<Lesson> lessons;
   for (size_t w = 0; w < corpus.words.size(); ++w) lessons.push_back({corpus.words[w], static_cast<int>(w), {}});
-  for (const size_t r : recordings) {
-    lessons[static_cast<size_t>(corpus.wordNumber(corpus.recordings[r].word))].utterances.push_back(&features[r]);
-  }
+  const auto wordOf = [&](size_t recording) { return static_cast<size_t>(corpus.wordNumber(corpus.recordings[recording].word)); };
+  for (const size_t r : recordings) lessons[wordOf(r)].utterances.push_back(&features[r]);
+  for (size_t i = 0; i < copies.size(); ++i) lessons[wordOf(recordings[i % recordings.size()])].utterances.push_back(&copies[i]);
   if (onlyTaught) std::erase_if(lessons, [](const Lesson& lesson) { return lesson.utterances.empty(); });
   return lessons;
 }
@@ -77,7 +88,9 @@ void trainCommand(TrainOptions options) {
   example::Stopwatch frontEndWatch, trainingWatch;
   const std::vector<Matrix> features = analyseAll(frontEnds, corpus, options.common.quiet, frontEndWatch);
   const std::vector<size_t> recordings = half(corpus, options.split).templates;
-  const std::vector<Lesson> lessons = lessonsOf(corpus, features, recordings, false);
+  const std::vector<Matrix> copies =
+      frontEndWatch.time([&] { return noisyCopies(frontEnds, corpus, recordings, options.training.noises); });
+  const std::vector<Lesson> lessons = lessonsOf(corpus, features, recordings, copies, false);
 
   std::vector<Iteration> history;
   print(heading);
@@ -91,10 +104,11 @@ void trainCommand(TrainOptions options) {
   });
   writeModels(options.model, models);
 
-  const std::string summary = std::to_string(models.words.size()) + " models of " + std::to_string(options.training.states) +
-                              " states with " + std::to_string(countGaussians(models.models)) + " Gaussians, from " +
-                              std::to_string(recordings.size()) + " recordings, in " + fixed(trainingWatch.seconds(), 2) +
-                              " s of processor time (front-end " + fixed(frontEndWatch.seconds(), 2) + " s)";
+  const std::string summary =
+      std::to_string(models.words.size()) + " models of " + std::to_string(options.training.states) + " states with " +
+      std::to_string(countGaussians(models.models)) + " Gaussians, from " + std::to_string(recordings.size()) + " recordings" +
+      (copies.empty() ? "" : " and " + std::to_string(copies.size()) + " copies in noise") + ", in " +
+      fixed(trainingWatch.seconds(), 2) + " s of processor time (front-end " + fixed(frontEndWatch.seconds(), 2) + " s)";
   std::string problem =
       options.common.pictures > 0 ? drawHistory(folder.path() / "likelihood.png", history) : "none were asked for";
   if (problem.empty()) problem = drawMeans(folder.path() / "means.png", models);

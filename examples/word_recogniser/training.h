@@ -18,6 +18,7 @@ struct TrainingOptions {
   float varianceFloor = 0.7F;  ///< of the variance of all training data
   float shareFloor = 1e-4F;    ///< of mixture weights and arcs
   float splitFactor = 0.2F;    ///< how far the halves of a Gaussian go apart, in standard deviations
+  std::vector<double> noises;  ///< copies in noise, so many decibels below the recordings, teach too
   double leastGain = 2e-3;     ///< a stage ends when an iteration gains less, in log likelihood a frame
 };
 
