@@ -5,12 +5,10 @@
 // A first pass looks for elements that have no logarithm, in groups of four and then one by one, in means and variances alike
 // (required: a mean of zero counts). Then, by member:
 //   double, Dist  d and s in double; the ratios of four elements are multiplied into one, (q0 q2)(q1 q3), what remains into the
-//   last
-//                 product; d^2 / s in two lanes, even and odd elements, the last one to three in lane 0
+//                 last product; d^2 / s in two lanes, even and odd elements, the last one to three in lane 0
 //   double, SLog  the same with s in place of the ratio; the caller gives the sums of the logarithms of the variances
 //   float         d, s and d^2 / s in float, eight lanes joined by halves, the tail in a partial load; u = (1 / vx) vy, and the
-//   ratio
-//                 is 2 + u + 1 / u; the sum of logarithms is rounded to float
+//                 ratio is 2 + u + 1 / u; the sum of logarithms is rounded to float
 // log 4 and log 2 are 1.386294 and 0.693147 (required).
 #pragma once
 

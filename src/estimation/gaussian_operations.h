@@ -1,11 +1,12 @@
 // Pooling, likelihood loss of a merge, and splitting of diagonal Gaussians (variances given directly).
 //
-//   pooled, in double:  m = (wx mx + wy my) / W,   v = ((mx^2 + vx) wx + (my^2 + vy) wy) / W - m^2,   W = wx + wy in the element
-//   type Dist   wx det1 + wy det2 - W (n log 2pi - sum of log v)            Merge   m, v and n log 2pi - sum of log v Split  e =
-//   sqrt(v) factor;  (m, v) becomes (m + e, v) and (m - e, v)
+//   pooled  m = (wx mx + wy my) / W,   v = ((mx^2 + vx) wx + (my^2 + vy) wy) / W - m^2   in double; W = wx + wy in the element type
+//   Dist    wx det1 + wy det2 - W (n log 2pi - sum of log v)
+//   Merge   m, v and n log 2pi - sum of log v
+//   Split   e = sqrt(v) factor;  (m, v) becomes (m + e, v) and (m - e, v)
 //
-// Logarithms are taken one by one, in ascending order, in short vectors and in the float merge, and by SumOfLogs elsewhere. A
-// pooled variance of zero or below ends the sum with a marker: plus infinity, or a NaN.
+// The logarithms of the distance of short vectors are taken one by one, in ascending order, others by SumOfLogs. A pooled variance
+// of zero or below ends the sum with a marker: plus infinity, or a NaN.
 #pragma once
 
 #include <bit>
@@ -132,15 +133,19 @@ QorStatus gaussianDist(const GaussianPair<T>& pair, int32_t length, T* result, T
 // required: float stops at the first variance that has no logarithm, and what stands behind it is not written.
 inline QorStatus mergeElements(const Pooling<float>& pooling, int32_t length, float* mean, float* variance, double& logs) {
   QorStatus status = qorStatusOk;
-  logs = 0.0;
+  SumOfLogs sum;
   pooling.forEachChunk(length, [&](int32_t first, int32_t count, const double* means, const double* variances) {
-    for (int32_t i = 0; i < count && status == qorStatusOk; ++i) {
-      mean[first + i] = static_cast<float>(means[i]);
-      variance[first + i] = static_cast<float>(variances[i]);
-      status = subtractLog(variances[i], logs);
+    status = addPastNan(sum, variances, count);
+    int32_t end = status == qorStatusOk ? count : 0;
+    while (end < count && !(variances[end++] <= 0.0)) {
     }
+    coverColumns<float>(end, [&](int32_t i, auto n) {
+      narrow(Lanes<double, n>::load(means + i)).store(mean + first + i);
+      narrow(Lanes<double, n>::load(variances + i)).store(variance + first + i);
+    });
     return status == qorStatusOk;
   });
+  logs = -sum.value();
   return status;
 }
 

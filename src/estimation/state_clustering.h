@@ -6,10 +6,13 @@
 // required: with an inverse variance, a length of at least 8 and all four vectors on 16-byte boundaries, the squares come from
 // (occ * mean) * mean plus the variance by another way:
 //   float   r = 1/v and one Newton step, (2 - v * r) * r * occ, by fours and then a pair; a single last element: occ / v
-//   double  one division for two elements, q = occ / (v0 * v2): v2 * q and v0 * q (likewise v1 and v3), then a pair; a last one:
-//   occ / v
+//   double  one division for two elements, q = occ / (v0 * v2): v2 * q and v0 * q (likewise v1 and v3), then a pair; a last
+//           one: occ / v
+//
+// The logarithms of the likelihood are summed by SumOfLogs.
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -19,11 +22,13 @@
 #include "frame/column_blocks.h"
 #include "frame/lanes.h"
 #include "frame/rows.h"
+#include "frame/sum_of_logs.h"
 
 namespace qorsr {
 
 inline constexpr double kClusterLog2Pi = std::bit_cast<double>(uint64_t{0x3FFD67F1C864BEB5});  // required
 inline constexpr double kNoLikelihood = -1.0e10;
+inline constexpr double kNoLogarithm = std::bit_cast<double>(uint64_t{0xFFF8000000000000});  // the processor's default NaN
 
 template <class T>
 struct State {
@@ -125,6 +130,24 @@ QorStatus accumulateDirect(const State<T>& s, int32_t length) {
   return qorStatusOk;
 }
 
+// The sum of the logarithms of d = squares * N - sum^2, and the status of the first d that has none.
+template <class T>
+QorStatus sumOfSpreads(const T* sum, const T* squares, int32_t length, double occupancy, double& result) {
+  double d[SumOfLogs::kRun];
+  SumOfLogs logs;
+  for (int64_t first = 0; first < length; first += SumOfLogs::kRun) {
+    const auto count = static_cast<int32_t>(std::min<int64_t>(length - first, SumOfLogs::kRun));
+    coverColumns<double>(count, [&](int32_t i, auto n) {
+      using L = Lanes<double, n>;
+      const L x = loadAs<double, n>(sum + first + i);
+      (loadAs<double, n>(squares + first + i) * L(occupancy) - x * x).store(d + i);
+    });
+    if (QorStatus warning = addPastNan(logs, d, count)) return warning;
+  }
+  result = logs.value();
+  return qorStatusOk;
+}
+
 template <class T>
 QorStatus clusterLikelihood(const T* sum, const T* squares, int32_t length, double* result, double occupancy) {
   if (QorStatus bad = Checks().null(sum, squares, result).size(length).require(!(occupancy < 0.0), qorStatusBadStatistic))
@@ -132,18 +155,10 @@ QorStatus clusterLikelihood(const T* sum, const T* squares, int32_t length, doub
   *result = kNoLikelihood;
   if (occupancy == 0.0) return qorStatusZeroOccupancy;
   const double log = std::log(occupancy), constant = length * ((log - 1.0 - kClusterLog2Pi) + log);
-  double logs = 0.0;
-  for (int32_t i = 0; i < length; ++i) {
-    const double x = static_cast<double>(sum[i]), d = static_cast<double>(squares[i]) * occupancy - x * x;
-    if (d == 0.0) {
-      *result = -std::numeric_limits<double>::infinity();
-      return qorStatusLogZero;
-    }
-    if (d < 0.0) {
-      *result = std::bit_cast<double>(uint64_t{0xFFF8000000000000});
-      return qorStatusLogNegative;
-    }
-    logs += std::log(d);
+  double logs;
+  if (QorStatus warning = sumOfSpreads(sum, squares, length, occupancy, logs)) {
+    *result = warning == qorStatusLogZero ? -std::numeric_limits<double>::infinity() : kNoLogarithm;
+    return warning;
   }
   *result = occupancy * 0.5 * (constant - logs);
   return qorStatusOk;

@@ -1,7 +1,8 @@
 // Sum of the natural logarithms of positive numbers, without a logarithm for each of them.
 //
-//   sum of log x[i]  =  log(product of mantissas)  +  log 2 * (sum of exponents)        x = mantissa * 2^exponent, 1 <= mantissa <
-//   2
+//   sum of log x[i]  =  log(product of mantissas)  +  log 2 * (sum of exponents)
+//
+// where x = mantissa * 2^exponent, 1 <= mantissa < 2.
 //
 // Runs of at most 512 elements: eight lanes multiply 64 mantissas each, so no product leaves the range of a double; the lanes are
 // joined by halves, l0 * l4 and so on. One logarithm a run; the runs are added up in order. An element that is zero, negative or a
@@ -126,5 +127,16 @@ class SumOfLogs {
   QorStatus status_ = qorStatusOk;
   bool ended_ = false;
 };
+
+// Adds `count` elements. Returns the status of the first one that is zero or negative, also where a NaN stands in front of it.
+inline QorStatus addPastNan(SumOfLogs& logs, const double* values, int32_t count) {
+  logs.add(values, count);
+  if (logs.value() == logs.value()) return logs.status();
+  for (int32_t i = 0; i < count; ++i) {
+    if (values[i] == 0.0) return qorStatusLogZero;
+    if (values[i] < 0.0) return qorStatusLogNegative;
+  }
+  return qorStatusOk;
+}
 
 }  // namespace qorsr

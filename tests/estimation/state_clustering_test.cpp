@@ -124,7 +124,12 @@ TYPED_TEST(StateClustering, Compute) {
       const kit::Area<T> s(sum, kit::kPlaces[trial % 3]), q(squares, kit::kPlaces[trial % 3]);
       double result = 55;
       ASSERT_EQ(Members<T>::compute(s.data(), q.data(), length, &result, occupancy), expected.status);
-      ASSERT_BITS(result, expected.status == qorStatusBadStatistic ? 55.0 : expected.value);
+      if (expected.status == qorStatusBadStatistic) {
+        ASSERT_EQ(result, 55.0);
+      } else {  // each of length logarithms and additions, grouped otherwise, moves the sum by half a unit of its magnitude
+        const double bound = std::isfinite(expected.magnitude) ? expected.magnitude * (length + 8) * 0x1p-52 : 0;
+        ASSERT_TRUE(kit::within(&result, &expected.value, 1, bound));
+      }
     }
   }
 }

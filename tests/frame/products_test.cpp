@@ -139,6 +139,29 @@ TEST(VecMatMul, Int16) { expectColumns<int16_t, int16_t>(qorsVecMatMul_16s_D2Sfs
 TEST(VecMatMul, Int32OfInt16) { expectColumns<int16_t, int32_t>(qorsVecMatMul_16s32s_D2Sfs, qorsVecMatMul_16s32s_D2LSfs); }
 TEST(VecMatMul, Int32) { expectColumns<int32_t, int32_t>(qorsVecMatMul_32s_D2Sfs, qorsVecMatMul_32s_D2LSfs); }
 
+// Great products that cancel, behind one that does not: what is left shows every rounding of the sums, and so their order.
+TEST(MatVecMul, Int32KeepsTheOrderOfItsSums) {
+  kit::Random random;
+  for (const int32_t width : {3, 5, 8, 9, 24, 39, 40, 41}) {
+    for (int trial = 0; trial < 40; ++trial) {
+      const auto n = static_cast<std::size_t>(width);
+      std::vector<int32_t> x(n), v(n);
+      for (std::size_t i = 0; i < n; ++i) {
+        x[i] = i < n / 2 ? static_cast<int32_t>(random.integer(-2147483647, 2147483647)) : x[i - n / 2];
+        v[i] = i < n / 2 ? static_cast<int32_t>(random.integer(-2147483647, 2147483647)) : -v[i - n / 2];
+      }
+      if (n % 2 != 0) x[n - 1] = static_cast<int32_t>(random.integer(-1000, 1000)), v[n - 1] = 1;
+      int32_t row = 0, column = 0;
+      ASSERT_EQ(qorsMatVecMul_32s_D2Sfs(x.data(), width, v.data(), width, &row, 1, 0), qorStatusOk);
+      EXPECT_BITS(row, model::roundedSum<int32_t>(model::dot(x, v), 0)) << "width " << width;
+      ASSERT_EQ(qorsVecMatMul_32s_D2Sfs(v.data(), x.data(), 1, width, &column, 1, 0), qorStatusOk);
+      model::Table<int32_t> table;
+      for (const int32_t element : x) table.push_back({element});
+      EXPECT_BITS(column, model::roundedSum<int32_t>(model::columnDot<double>(v, table, 0), 0)) << "height " << width;
+    }
+  }
+}
+
 // Sums whose partial sums are as large as they get: every product is 2^30, or close to -2^30.
 TEST(MatVecMul, ExtremeInt16StaysExact) {
   for (const int32_t width : {1, 7, 8, 31, 32, 33, 256, 257, 1000, 20000}) {

@@ -72,6 +72,7 @@ inline Statistics<double> accumulateFast(const std::vector<double>& mean, const 
 struct Likelihood {
   double value;
   QorStatus status;
+  double magnitude = 0;  // of the terms that were added; 0: a marker
 };
 
 // The result is not written (NaN here) when the occupancy is negative.
@@ -81,14 +82,15 @@ Likelihood clusterLikelihood(const std::vector<T>& sum, const std::vector<T>& sq
   if (n == 0) return {-1.0e10, qorStatusZeroOccupancy};
   const double l = std::log(n), dimension = static_cast<double>(sum.size());
   const double b = dimension * ((l - 1.0 - 0x1.d67f1c864beb5p+0) + l);
-  double s = 0;
+  double s = 0, magnitude = std::fabs(b);
   for (std::size_t i = 0; i < sum.size(); ++i) {
     const double x = static_cast<double>(sum[i]), d = static_cast<double>(squares[i]) * n - x * x;
     if (d == 0) return {-std::numeric_limits<double>::infinity(), qorStatusLogZero};
     if (d < 0) return {std::numeric_limits<double>::quiet_NaN(), qorStatusLogNegative};
     s += std::log(d);
+    magnitude += std::fabs(std::log(d));
   }
-  return {(n * 0.5) * (b - s), qorStatusOk};
+  return {(n * 0.5) * (b - s), qorStatusOk, n * 0.5 * magnitude};
 }
 
 }  // namespace model
