@@ -74,6 +74,24 @@ TEST(UpdateGConst, UnitVariancesGiveTheConstantAlone) {
   EXPECT_BITS(wide, 39 * 1.8378770664093);
 }
 
+// Powers of two have exact mantissas, so the sum of their logarithms is k log 2: both terms become floats before they are joined.
+TEST(UpdateGConst, FloatTermsAreRoundedBeforeTheyAreJoined) {
+  int differ = 0;
+  for (const int32_t n : {1, 2, 3, 13, 39, 60, 513}) {
+    for (const int exponent : {-20, -3, 1, 5, 31}) {
+      const std::vector<float> v(static_cast<std::size_t>(n), std::ldexp(1.0F, exponent));
+      const double constant = n * 1.8378770664093, logs = n * exponent * 0.693147180559945309417;
+      float inverse, direct;
+      ASSERT_EQ(qorsUpdateGConst_32f(v.data(), n, &inverse), qorStatusOk);
+      ASSERT_EQ(qorsUpdateGConst_DirectVar_32f(v.data(), n, &direct), qorStatusOk);
+      EXPECT_BITS(inverse, static_cast<float>(constant) - static_cast<float>(logs)) << n << " times 2^" << exponent;
+      EXPECT_BITS(direct, static_cast<float>(constant) + static_cast<float>(logs)) << n << " times 2^" << exponent;
+      differ += (inverse != static_cast<float>(constant - logs)) + (direct != static_cast<float>(constant + logs));
+    }
+  }
+  EXPECT_GT(differ, 0) << "otherwise the cases show nothing";
+}
+
 TEST(UpdateGConst, InfinityIsAnOrdinaryElement) {
   const float v[3] = {1.0F, INFINITY, 2.0F};
   float inverse, direct;
