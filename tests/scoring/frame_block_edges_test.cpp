@@ -95,6 +95,30 @@ TEST(LogGaussAdd, OnTheFloorGivesTheScores) {
   }
 }
 
+// Scores and old results of one size, where the forms of the log addition differ in their last bits.
+TEST(LogGaussAdd, TakesTheAccurateForm) {
+  kit::Random random;
+  int differ = 0;
+  for (const int32_t count : {1, 2, 3, 4, 5, 9, 128, 129, 300}) {
+    const auto n = static_cast<std::size_t>(count);
+    std::vector<float> old, vals, expected, zeros(n, 0.0F), ones(n, 1.0F), blockExpected;
+    for (int32_t i = 0; i < count; ++i) {
+      old.push_back(static_cast<float>(random.real(-9, 0)));
+      vals.push_back(static_cast<float>(random.real(-9, 0)));
+      expected.push_back(model::logAddAccurate(vals.back(), old.back()));
+      blockExpected.push_back(model::logAddAccurate(-4.0F, old.back()));
+      differ += expected.back() != model::logAddFast(vals.back(), old.back());
+    }
+    std::vector<float> block = old, slots = old;
+    ASSERT_EQ(qorsLogGaussAdd_32f_D2(zeros.data(), 1, zeros.data(), ones.data(), 1, block.data(), count, -4), qorStatusOk);
+    ASSERT_BITS(block, blockExpected) << count;
+    ASSERT_EQ(qorsLogGaussAddMultiMix_32f_D2(zeros.data(), ones.data(), 1, zeros.data(), 1, vals.data(), slots.data(), count),
+              qorStatusOk);
+    ASSERT_BITS(slots, expected) << count;
+  }
+  EXPECT_GT(differ, 0);
+}
+
 TEST(LogGaussAdd, TwoChunksAreTwoCalls) {
   constexpr int32_t kHeight = 129, kWidth = 6;
   kit::Random random;

@@ -55,6 +55,26 @@ TEST(LogGaussMixture, Int16) {
                  model::unitLowScaledScore);
 }
 
+// Scores of one size, where the grouping of the log additions shows: a Gaussian at the frame scores its val.
+template <class R>
+void expectGrouping(QorStatus (*mixture)(const R*, const R*, const R*, int32_t, int32_t, int32_t, const R*, R*)) {
+  kit::Random random;
+  const R x[] = {0};
+  for (const int32_t count : {1, 2, 4, 5, 7, 8, 11, 99, 100, 101, 102, 106, 107, 108, 199, 200, 201, 207, 300, 1000}) {
+    const std::vector<R> zeros(static_cast<std::size_t>(count), R(0)), ones(zeros.size(), R(1));
+    std::vector<R> vals;
+    for (int32_t g = 0; g < count; ++g) vals.push_back(static_cast<R>(random.real(-3, 0)));
+    R result = 77;
+    ASSERT_EQ(mixture(x, zeros.data(), ones.data(), count, 1, 1, vals.data(), &result), qorStatusOk);
+    ASSERT_BITS(result, mixtureOf(vals)) << count;
+  }
+}
+
+TEST(LogGaussMixture, ChunksOfAHundredInTheGroupingOfTheLogSum) {
+  expectGrouping<float>(qorsLogGaussMixture_32f_D2);
+  expectGrouping<double>(qorsLogGaussMixture_64f_D2);
+}
+
 TEST(LogGaussMixture, OneGaussianGivesItsScore) {
   const float x[] = {1, 2}, mean[] = {3, 4}, variance[] = {0.5F, 0.25F}, val[] = {-7};
   float result = 0;

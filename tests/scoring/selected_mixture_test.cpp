@@ -199,6 +199,43 @@ TEST(Select, Int16Identity) {
                             model::scaledScore);
 }
 
+// Scores of one size, where the two roads differ in their last bits: a Gaussian at the frame scores its val.
+template <class T, class Strided, class Listed>
+void expectRoads(Strided strided, Listed listed, bool unit) {
+  kit::Random random;
+  int differ = 0;
+  for (const int32_t count : {2, 7, 8, 9, 20, 21, 99, 107, 215}) {
+    for (const int32_t frames : {1, 2, 19, 20, 130}) {
+      Selection<T> s(random, 1, count, frames, kHalf, kit::Random::kSmall, kit::Place::kAligned);
+      for (int32_t f = 0; f < frames; ++f) s.frames.set(f, 0, T(0));
+      for (int32_t g = 0; g < count; ++g) s.means.set(g, 0, T(0)), s.vals[g] = static_cast<float>(random.real(-3, 0));
+      std::vector<float> plain, first;
+      for (int32_t f = 0; f < frames; ++f) {
+        std::vector<float> vals;
+        for (int32_t g = 0; g < count; ++g) {
+          if (s.selects(f, g)) vals.push_back(s.vals[g]);
+        }
+        plain.push_back(vals.empty() ? -9.0F : plainSum(vals));
+        first.push_back(vals.empty() || unit || count < 9 || frames < 2 ? plain.back() : gatheredSum(vals));
+        differ += !vals.empty() && plainSum(vals) != gatheredSum(vals);
+      }
+      std::vector<float> results(static_cast<std::size_t>(frames), 77.0F);
+      ASSERT_EQ(call(strided, s.args(results.data(), -9)), qorStatusOk);
+      ASSERT_BITS(results, first) << count << " Gaussians, " << frames << " frames";
+      ASSERT_EQ(call(listed, s.args(results.data(), -9)), qorStatusOk);
+      ASSERT_BITS(results, plain) << "rows, " << count << " Gaussians, " << frames << " frames";
+    }
+  }
+  EXPECT_GT(differ, 0) << "otherwise the cases do not tell the roads apart";
+}
+
+TEST(Select, WhichRoadIsTaken) {
+  expectRoads<float>(qorsLogGaussMixture_Select_32f_D2, qorsLogGaussMixture_Select_32f_D2L, false);
+  expectRoads<float>(qorsLogGaussMixture_SelectIdVar_32f_D2, qorsLogGaussMixture_SelectIdVar_32f_D2L, true);
+  expectRoads<int16_t>(qorsLogGaussMixture_SelectScaled_16s32f_D2, qorsLogGaussMixture_SelectScaled_16s32f_D2L, false);
+  expectRoads<int16_t>(qorsLogGaussMixture_SelectIdVarScaled_16s32f_D2, qorsLogGaussMixture_SelectIdVarScaled_16s32f_D2L, true);
+}
+
 TEST(Select, ACounterOfSixteenBitsWraps) {  // on the plain road: 65537 Gaussians leave the score of the last one
   constexpr int32_t kCount = 65537;
   const std::vector<float> means(kCount, 0.0F), vals = [] {
