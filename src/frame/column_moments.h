@@ -212,8 +212,8 @@ inline DoubleMoments<N> momentsInIntegers(const Rows& rows, int32_t height, int3
 template <class Rows, class Finish>
 void coverDoubleMoments(const Rows& rows, int32_t height, int32_t width, const Finish& finish) {
   const auto inIntegers = [&]<int N>(LaneCount<N>) {
-    for (int32_t c = 0; c < width; c += N) {
-      const int32_t column = std::min(c, width - N);  // the last block may overlap the one before it
+    for (int64_t c = 0; c < width; c += N) {
+      const auto column = static_cast<int32_t>(std::min<int64_t>(c, width - N));  // the last block may overlap the one before it
       finish(column, momentsInIntegers<N>(rows, height, column));
     }
   };

@@ -111,8 +111,8 @@ inline void forFourRows(const Rows& rows, int32_t height, const Dots& dots, Resu
     std::copy_n(four, height, result);
     return;
   }
-  for (int32_t r = 0; r < height; r += 4) {
-    const int32_t first = std::min(r, height - 4);  // the last four may overlap those before them
+  for (int64_t r = 0; r < height; r += 4) {
+    const auto first = static_cast<int32_t>(std::min<int64_t>(r, height - 4));  // the last four may overlap those before them
     finish(dots(FourRows<T>(rows, first, 4)), result + first);
   }
 }

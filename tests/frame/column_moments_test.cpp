@@ -178,7 +178,7 @@ TEST(VarColumn, Int16) {
   kit::Random random;
   forEach16(2, [&](Case16& t) {
     const int32_t height = t.matrix.height(), width = t.matrix.width();
-    const kit::Area<int16_t> means(random.vector<int16_t>(width, kit::Random::kSmall), t.place);
+    const kit::Area<int16_t> means(random.vector<int16_t>(width, kit::kKinds[random.integer(0, 2)]), t.place);
     const float q = model::reciprocalByDouble(height - 1);
     kit::Area<int16_t> result(width, t.place);
     const auto rounded = columns<int16_t>(width, [&](std::size_t c) {
@@ -430,6 +430,21 @@ TEST(Moments, ARefusedAllocationWritesNothing) {
   kit::Core::refuseNone();
   EXPECT_EQ(means[0] + means[1], 2 * 77);
   EXPECT_EQ(variances[0] + variances[1], 2 * 78);
+}
+
+TEST(Moments, SizesThatNoAllocatorCanServeAreRefused) {
+  int16_t x = 0, y = 77, z = 78;  // nothing is read or written
+  const int16_t* const rows[2] = {nullptr, nullptr};
+  for (const int32_t width : {1 << 29, INT32_MAX - 8, INT32_MAX}) {
+    EXPECT_EQ(qorsMeanColumn_16s_D2(&x, 2, width, &y, width), qorStatusNoMemory);
+    EXPECT_EQ(qorsMeanColumn_16s_D2L(rows, 2, &y, width), qorStatusNoMemory);
+    EXPECT_EQ(qorsVarColumn_16s_D2Sfs(&x, 2, width, &x, &y, width, 0), qorStatusNoMemory);
+    EXPECT_EQ(qorsVarColumn_16s_D2LSfs(rows, 2, &x, &y, width, 0), qorStatusNoMemory);
+    EXPECT_EQ(qorsMeanVarColumn_16s_D2Sfs(&x, 2, width, &y, &z, width, 0), qorStatusNoMemory);
+    EXPECT_EQ(qorsMeanVarColumn_16s_D2LSfs(rows, 2, &y, &z, width / 2 + 1, 0), qorStatusNoMemory);
+  }
+  EXPECT_EQ(y, 77);
+  EXPECT_EQ(z, 78);
 }
 
 TEST(Moments, KeepTheEnvironment) {

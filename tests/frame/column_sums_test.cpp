@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <cstring>
 #include <functional>
 
 #include "kit/compare.h"
@@ -181,6 +183,20 @@ TEST(SumRowSqr, ScalesInPlaceAndSumsTheSquares) {
       EXPECT_TRUE(kit::within(&result, &expected, 1, (n + 1) * 0x1p-53 * expected)) << n;
       EXPECT_TRUE(source.edgesKept());
     }
+  }
+}
+
+TEST(SumRowSqr, AScaleOfOneWritesTheSourceToo) {
+  const uint64_t signalling = 0x7FF0000000000123u, quiet = 0x7FF8000000000123u;  // a product makes a signalling NaN quiet
+  for (const int32_t n : {1, 8, 13}) {
+    std::vector<uint64_t> bits(static_cast<std::size_t>(n), signalling);
+    std::vector<double> source(bits.size());
+    std::memcpy(source.data(), bits.data(), bits.size() * sizeof(double));
+    double result = 0;
+    ASSERT_EQ(qorsSumRowSqr_64f(source.data(), n, &result, 1.0), qorStatusOk);
+    std::memcpy(bits.data(), source.data(), bits.size() * sizeof(double));
+    EXPECT_EQ(bits, std::vector<uint64_t>(bits.size(), quiet));
+    EXPECT_TRUE(std::isnan(result));
   }
 }
 

@@ -206,6 +206,24 @@ TEST(MatVecMul, LongInt16RowsAreFlooredExactly) {
   }
 }
 
+// Behind 2^53 a sum in double does not move by a one: ones that come last are lost, row after row, and a tie stays one.
+TEST(VecMatMul, Int16SumsOfManyRowsRunInDouble) {
+  constexpr int32_t kLarge = 1 << 23, kOnes = 4, kHeight = kLarge + 1 + kOnes;
+  const std::vector<int16_t> lowest(40, -32768), half(40, -16384), ones(40, 1);
+  std::vector<const int16_t*> rows(kHeight, lowest.data());
+  std::vector<int16_t> vector(kHeight, -32768);
+  rows[kLarge] = half.data();
+  for (std::size_t r = kLarge + 1; r < rows.size(); ++r) {
+    rows[r] = ones.data();
+    vector[r] = 1;
+  }
+  for (const int32_t width : {5, 8, 40}) {
+    std::vector<int32_t> result(static_cast<std::size_t>(width));
+    ASSERT_EQ(qorsVecMatMul_16s32s_D2LSfs(vector.data(), rows.data(), kHeight, result.data(), width, 30), qorStatusOk);
+    EXPECT_BITS(result, std::vector<int32_t>(result.size(), 1 << 23)) << width;  // 2^53 + 2^29, not 4 more
+  }
+}
+
 TEST(MatVecMul, Int16IsFlooredAndVecMatMulIsRounded) {
   const int16_t one = 1;
   const auto rows = [&](int16_t x, int32_t sf) {

@@ -12,10 +12,11 @@
 
 namespace kit {
 
-// The rounding mode, the exception masks and flush-to-zero of the unit that computes. (On x86 fegetround asks another unit.)
+// The rounding mode, the exception masks, flush-to-zero and denormals-are-zero of the unit that computes. (On x86 fegetround asks
+// another unit.)
 inline unsigned floatControls() {
 #if defined(__SSE__)
-  return _mm_getcsr() & 0xFF80;
+  return _mm_getcsr() & 0xFFC0;
 #else
   return static_cast<unsigned>(std::fegetround());
 #endif

@@ -381,6 +381,25 @@ TEST(Dtw, ARefusedAllocationWritesNothing) {
   EXPECT_EQ(result, 42.0F);
 }
 
+TEST(Dtw, SizesThatNoAllocatorCanServeAreRefused) {
+  const float x = 0;  // nothing is read or written
+  const int16_t y = 0;
+  const uint8_t z = 0;
+  const float* const rows[1] = {nullptr};
+  float result = 42;
+  int32_t scaled = 43;
+  for (const int32_t n : {1 << 29, INT32_MAX - 8, INT32_MAX}) {
+    for (const int32_t width : {1, 13, 14}) {
+      EXPECT_EQ(qorsDTW_L2_32f_D2(&x, n, &x, n, width, width, &result, n, 1), qorStatusNoMemory);
+      EXPECT_EQ(qorsDTW_L2_32f_D2L(rows, n, rows, n, width, &result, INT32_MAX, 1), qorStatusNoMemory);
+    }
+    EXPECT_EQ(qorsDTW_L2Low_16s32s_D2Sfs(&y, n, &y, n, INT32_MAX, INT32_MAX, &scaled, 1, 1, 0), qorStatusNoMemory);
+    EXPECT_EQ(qorsDTW_L2_8u32s_D2Sfs(&z, n, &z, n, 4, 4, &scaled, 1, 1, 0), qorStatusNoMemory);
+  }
+  EXPECT_EQ(result, 42.0F);
+  EXPECT_EQ(scaled, 43);
+}
+
 TEST(Dtw, KeepsTheEnvironment) {
   kit::Random random(8);
   const std::vector<int16_t> x = random.vector<int16_t>(90), y = random.vector<int16_t>(60);
