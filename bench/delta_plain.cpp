@@ -113,3 +113,7 @@ void plainEvalDelta_16s(int16_t* buffer, int32_t height, int32_t step, int32_t w
     }
   }
 }
+
+void plainWriteRows_32f(float* destination, int32_t step, int32_t height, float value) {
+  for (int64_t i = 0; i < int64_t{step} * height; ++i) destination[i] = value;
+}

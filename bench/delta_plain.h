@@ -15,3 +15,6 @@ PLAIN_API void plainEvalDelta_32f(float* buffer, int32_t height, int32_t step, i
                                   float q);
 PLAIN_API void plainEvalDelta_16s(int16_t* buffer, int32_t height, int32_t step, int32_t width, int32_t offset, int32_t window,
                                   int16_t q, int32_t shift);
+
+// Only writes the rows that a member fills: what stores allow at most.
+PLAIN_API void plainWriteRows_32f(float* destination, int32_t step, int32_t height, float value);
