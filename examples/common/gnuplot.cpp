@@ -9,7 +9,7 @@
 #include <cstring>
 #include <fstream>
 
-#include "common/report_folder.h"
+#include "common/files.h"
 
 extern char** environ;
 

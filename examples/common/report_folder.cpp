@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <fstream>
 #include <system_error>
 
 #include "common/fault.h"
@@ -61,13 +60,6 @@ fs::path ReportFolder::publish() {
 void publish(ReportFolder& folder, const std::string& pictureProblem) {
   if (!pictureProblem.empty()) std::fprintf(stderr, "no pictures: %s\n", pictureProblem.c_str());
   std::printf("report     %s\n", (folder.publish() / pageName).c_str());
-}
-
-void writeFile(const fs::path& file, const std::string& text) {
-  std::ofstream out(file, std::ios::binary);
-  out << text;
-  out.close();
-  if (!out) throw Fault(file.string() + " cannot be written");
 }
 
 }  // namespace example

@@ -28,7 +28,4 @@ class ReportFolder {
 /** The report takes its name, which is told on stdout; on stderr why pictures are missing, where a reason is given. */
 void publish(ReportFolder& folder, const std::string& pictureProblem);
 
-/** Writes a text file; throws Fault when it cannot be written whole. */
-void writeFile(const std::filesystem::path& file, const std::string& text);
-
 }  // namespace example

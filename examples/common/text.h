@@ -1,4 +1,4 @@
-// Numbers as text.
+// Numbers and tables as text.
 #pragma once
 
 #include <cstdio>

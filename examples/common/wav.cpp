@@ -12,14 +12,10 @@
 #include <string>
 #include <system_error>
 
+#include "common/files.h"
+
 namespace example {
 namespace {
-
-uint32_t littleEndian(const char* bytes) {
-  uint32_t value = 0;
-  for (int i = 3; i >= 0; --i) value = value << 8 | static_cast<unsigned char>(bytes[i]);
-  return value;
-}
 
 // The decoder trusts the file's size over its header, so a recording that was cut short would pass. This walks the chunks.
 void checkWhole(const std::filesystem::path& file) {

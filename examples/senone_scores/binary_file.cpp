@@ -1,27 +1,14 @@
 #include "binary_file.h"
 
 #include <bit>
-#include <cerrno>
-#include <cstring>
-#include <fstream>
 #include <iterator>
 
 #include "common/fault.h"
+#include "common/files.h"
 
 namespace senones {
-namespace {
-
-uint32_t word(const char* bytes) {
-  uint32_t value = 0;
-  for (int i = 3; i >= 0; --i) value = value << 8 | static_cast<unsigned char>(bytes[i]);
-  return value;
-}
-
-}  // namespace
-
 BinaryFile::BinaryFile(const std::filesystem::path& file) : name_(file.string()) {
-  std::ifstream in(file, std::ios::binary);
-  if (!in) refuse(std::string("cannot be opened: ") + std::strerror(errno));
+  std::ifstream in = example::openFile(file);
   content_.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
   if (in.bad() || content_.empty()) refuse(content_.empty() ? "empty or unreadable" : "cannot be read");
 }
@@ -37,7 +24,7 @@ const char* BinaryFile::take(size_t count, const char* what) {
   return bytes;
 }
 
-int32_t BinaryFile::integer(const char* what) { return static_cast<int32_t>(word(take(4, what))); }
+int32_t BinaryFile::integer(const char* what) { return static_cast<int32_t>(example::littleEndian(take(4, what))); }
 
 int32_t BinaryFile::integer(const char* what, int32_t low, int32_t high) {
   const int32_t value = integer(what);
@@ -60,7 +47,7 @@ std::vector<float> BinaryFile::floats(size_t count, const char* what) {
   const char* bytes = take(4 * count, what);
   std::vector<float> values(count);
   for (float& value : values) {
-    value = std::bit_cast<float>(word(bytes));
+    value = std::bit_cast<float>(example::littleEndian(bytes));
     bytes += 4;
   }
   return values;
@@ -92,7 +79,7 @@ void BinaryFile::expectEnd() const {
 
 uint32_t BinaryFile::checksum(size_t begin, size_t end) const {
   uint32_t sum = 0;
-  for (size_t i = begin; i + 4 <= end; i += 4) sum = std::rotl(sum, 20) + word(content_.data() + i);
+  for (size_t i = begin; i + 4 <= end; i += 4) sum = std::rotl(sum, 20) + example::littleEndian(content_.data() + i);
   return sum;
 }
 

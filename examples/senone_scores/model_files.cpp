@@ -1,15 +1,14 @@
 #include "model_files.h"
 
-#include <cerrno>
 #include <cmath>
 #include <cstdlib>
-#include <cstring>
 #include <fstream>
 #include <numeric>
 #include <sstream>
 
 #include "binary_file.h"
 #include "common/fault.h"
+#include "common/files.h"
 
 namespace senones {
 namespace {
@@ -146,8 +145,7 @@ Definition readDefinition(const std::filesystem::path& file) {
 }
 
 Parameters readParameters(const std::filesystem::path& file) {
-  std::ifstream in(file);
-  if (!in) throw example::Fault(file.string() + ": cannot be opened: " + std::strerror(errno));
+  std::ifstream in = example::openFile(file);
   Parameters parameters;
   int number = 0;
   for (std::string line; std::getline(in, line);) {

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <map>
 
+#include "common/files.h"
 #include "common/html.h"
 #include "common/text.h"
 #include "plots.h"

@@ -2,20 +2,17 @@
 //
 // Each recording is cut into the phones of its word, each phone into parts; a part between two neighbours is a state with a single
 // Gaussian. The tree asks about the sound, its neighbours and the part, and takes the question that raises the likelihood most.
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
-#include <exception>
 #include <set>
 
-#include "common/fault.h"
-#include "common/progress.h"
+#include "common/command_line.h"
 #include "common/text.h"
 #include "pronunciation.h"
 #include "questions.h"
 #include "segmentation.h"
 #include "tree.h"
-#include "word_recogniser/feature_set.h"
+#include "words/feature_set.h"
 
 namespace {
 
@@ -107,8 +104,12 @@ void run(const Options& options) {
 
 void addOptions(CLI::App& app, Options& options) {
   app.add_option("corpus", options.corpus, "Folder of recordings WORD_SPEAKER_INDEX.wav")->required()->type_name("CORPUS");
-  app.add_option("--lexicon", options.lexicon, "Lines WORD PHONE PHONE ...; recordings of other words are left out")->required();
-  app.add_option("--classes", options.classes, "Lines CLASS PHONE PHONE ...: what may be asked about")->required();
+  app.add_option("--lexicon", options.lexicon, "Lines WORD PHONE PHONE ...; recordings of other words are left out")
+      ->required()
+      ->type_name("FILE");
+  app.add_option("--classes", options.classes, "Lines CLASS PHONE PHONE ...: what may be asked about")
+      ->required()
+      ->type_name("FILE");
   app.add_option("--leaves", options.tree.leaves, "Leaves at most")->check(CLI::Range(1, 100000))->capture_default_str();
   app.add_option("--frames", options.tree.frames, "Frames of a leaf at least")
       ->check(CLI::Range(1.0F, 1e9F))
@@ -126,23 +127,8 @@ void addOptions(CLI::App& app, Options& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  example::catchInterrupts();
-  try {
-    CLI::App app("Grows a phonetic decision tree over the states of recorded words and prints it with the gain of each question.");
-    Options options;
-    addOptions(app, options);
-    try {
-      app.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-      return app.exit(error) == 0 ? 0 : example::exitUsage;
-    }
-    run(options);
-    return 0;
-  } catch (const example::Interrupted& interrupted) {
-    std::fprintf(stderr, "state_clustering: %s\n", interrupted.what());
-    return example::exitInterrupted;
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "state_clustering: %s\n", error.what());
-    return example::exitRefused;
-  }
+  CLI::App app("Grows a phonetic decision tree over the states of recorded words and prints it with the gain of each question.");
+  Options options;
+  addOptions(app, options);
+  return example::runProgram("state_clustering", app, argc, argv, [&] { run(options); });
 }

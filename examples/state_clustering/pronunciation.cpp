@@ -1,11 +1,11 @@
 #include "pronunciation.h"
 
 #include <algorithm>
-#include <fstream>
 #include <sstream>
 #include <utility>
 
 #include "common/fault.h"
+#include "common/files.h"
 
 namespace states {
 namespace {
@@ -13,8 +13,7 @@ namespace {
 using Line = std::pair<std::string, std::vector<std::string>>;
 
 std::vector<Line> readLines(const std::filesystem::path& file) {
-  std::ifstream in(file);
-  if (!in) throw example::Fault("file " + file.string() + " cannot be read");
+  std::ifstream in = example::openFile(file);
   std::vector<Line> lines;
   std::set<std::string> seen;
   int number = 0;
@@ -24,12 +23,12 @@ std::vector<Line> readLines(const std::filesystem::path& file) {
     Line line;
     if (!(words >> line.first)) continue;
     for (std::string word; words >> word;) line.second.push_back(word);
-    const std::string place = "file " + file.string() + ", line " + std::to_string(number) + ": ";
+    const std::string place = file.string() + ": line " + std::to_string(number) + ": ";
     if (line.second.empty()) throw example::Fault(place + "no phone behind " + line.first);
     if (!seen.insert(line.first).second) throw example::Fault(place + line.first + " stands here a second time");
     lines.push_back(std::move(line));
   }
-  if (lines.empty()) throw example::Fault("file " + file.string() + " holds nothing");
+  if (lines.empty()) throw example::Fault(file.string() + ": holds nothing");
   return lines;
 }
 
@@ -39,7 +38,7 @@ Lexicon readLexicon(const std::filesystem::path& file) {
   const std::vector<Line> lines = readLines(file);
   for (const auto& [word, phones] : lines) {
     if (std::find(phones.begin(), phones.end(), silence) != phones.end()) {
-      throw example::Fault("file " + file.string() + ": " + word + " holds " + silence + ", which stands for silence around words");
+      throw example::Fault(file.string() + ": " + word + " holds " + silence + ", which stands for silence around words");
     }
   }
   return {lines.begin(), lines.end()};

@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "word_recogniser/front_end.h"
+#include "words/front_end.h"
 
 namespace states {
 

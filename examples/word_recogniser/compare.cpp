@@ -4,14 +4,15 @@
 #include <cstdio>
 
 #include "common/fault.h"
+#include "common/files.h"
 #include "common/html.h"
 #include "common/progress.h"
 #include "common/text.h"
-#include "feature_set.h"
 #include "model_plots.h"
 #include "noise.h"
 #include "report.h"
 #include "train.h"
+#include "words/feature_set.h"
 
 namespace words {
 namespace {

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "front_end.h"
 #include "results.h"
+#include "words/front_end.h"
 
 namespace words {
 

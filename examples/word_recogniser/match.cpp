@@ -7,9 +7,9 @@
 #include "common/progress.h"
 #include "common/stopwatch.h"
 #include "common/text.h"
-#include "feature_set.h"
 #include "plots.h"
 #include "report.h"
+#include "words/feature_set.h"
 
 namespace words {
 namespace {

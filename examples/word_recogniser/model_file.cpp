@@ -4,9 +4,7 @@
 
 #include <unistd.h>
 
-#include <cerrno>
 #include <cmath>
-#include <cstring>
 #include <fstream>
 #include <iomanip>
 #include <limits>
@@ -14,7 +12,7 @@
 #include <system_error>
 
 #include "common/fault.h"
-#include "common/report_folder.h"
+#include "common/files.h"
 
 namespace fs = std::filesystem;
 
@@ -68,9 +66,7 @@ class Writer {
 
 class Reader {
  public:
-  explicit Reader(const fs::path& file) : file_(file), in_(file) {
-    if (!in_) throw example::Fault("model file " + file.string() + " cannot be opened: " + std::strerror(errno));
-  }
+  explicit Reader(const fs::path& file) : file_(file), in_(example::openFile(file)) {}
 
   [[noreturn]] void refuse(const std::string& why) const { throw example::Fault("model file " + file_.string() + " " + why); }
 

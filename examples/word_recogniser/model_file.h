@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "front_end.h"
 #include "hidden_markov.h"
+#include "words/front_end.h"
 
 namespace words {
 

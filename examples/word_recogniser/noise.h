@@ -1,7 +1,7 @@
 // Noise added to recordings, to see how recognition stands it.
 #pragma once
 
-#include "corpus.h"
+#include "words/corpus.h"
 
 namespace words {
 

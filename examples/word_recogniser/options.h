@@ -4,10 +4,10 @@
 #include <CLI/CLI.hpp>
 #include <filesystem>
 
-#include "corpus.h"
-#include "front_end.h"
 #include "templates.h"
 #include "training.h"
+#include "words/corpus.h"
+#include "words/front_end.h"
 
 namespace words {
 

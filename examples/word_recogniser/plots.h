@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "common/wav.h"
-#include "front_end.h"
+#include "words/front_end.h"
 
 namespace words {
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "common/files.h"
 #include "common/html.h"
 #include "common/text.h"
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "corpus.h"
+#include "words/corpus.h"
 
 namespace words {
 

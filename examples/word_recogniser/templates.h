@@ -5,8 +5,8 @@
 #include <optional>
 #include <vector>
 
-#include "front_end.h"
 #include "results.h"
+#include "words/front_end.h"
 
 namespace words {
 

@@ -5,12 +5,12 @@
 #include "common/fault.h"
 #include "common/progress.h"
 #include "common/text.h"
-#include "feature_set.h"
 #include "model_file.h"
 #include "noise.h"
 #include "plots.h"
 #include "report.h"
 #include "training.h"
+#include "words/feature_set.h"
 
 namespace words {
 namespace {

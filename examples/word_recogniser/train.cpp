@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "common/fault.h"
+#include "common/files.h"
 #include "common/html.h"
 #include "common/progress.h"
 #include "common/text.h"

@@ -4,9 +4,9 @@
 #include <filesystem>
 #include <vector>
 
-#include "feature_set.h"
 #include "options.h"
 #include "training.h"
+#include "words/feature_set.h"
 
 namespace words {
 

@@ -54,9 +54,9 @@ fs::path makeCorpus(const Folder& folder) {
 }
 
 Outcome cluster(const Folder& folder, const std::string& more = "--frames 10") {
-  const auto quoted = [&](const std::string& name) { return " '" + (folder / name).string() + "'"; };
-  return program::run(STATE_CLUSTERING, quoted("corpus") + " --quiet --lexicon" + quoted("lexicon") + " --classes" +
-                                            quoted("classes") + " " + more);
+  const auto quoted = [&](const std::string& name) { return " " + program::quote(folder / name); };
+  return program::run(STATE_CLUSTERING,
+                      quoted("corpus") + " --quiet --lexicon" + quoted("lexicon") + " --classes" + quoted("classes") + " " + more);
 }
 
 void expectRefusal(const Outcome& outcome, const std::string& words) {
@@ -125,7 +125,7 @@ TEST(StateClustering, RefusesWhatItCannotUse) {
   program::write(folder / "lexicon", "sa s - a\n");
   expectRefusal(cluster(folder), "silence");
   fs::remove(folder / "lexicon");
-  expectRefusal(cluster(folder), "cannot be read");
+  expectRefusal(cluster(folder), "cannot be opened");
 }
 
 TEST(StateClustering, RefusesBadCorporaAndCommandLines) {

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "common/stopwatch.h"
-#include "corpus.h"
-#include "front_end.h"
+#include "words/corpus.h"
+#include "words/front_end.h"
 
 namespace words {
 

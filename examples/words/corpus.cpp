@@ -1,4 +1,4 @@
-#include "corpus.h"
+#include "words/corpus.h"
 
 #include <algorithm>
 #include <charconv>

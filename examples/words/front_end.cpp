@@ -1,4 +1,4 @@
-#include "front_end.h"
+#include "words/front_end.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "feature_set.h"
+#include "words/feature_set.h"
 
 #include <algorithm>
 #include <utility>
