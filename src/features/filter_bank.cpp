@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "features/filter_bank_eval.h"
+#include "features/filter_bank_integer.h"
 #include "frame/checks.h"
 #include "frame/convert.h"
 #include "frame/environment.h"
@@ -65,6 +66,7 @@ QorStatus setCenters(FilterBankRecord* state, const int32_t* centers) {
   }
   state->ready = 1;
   std::copy_n(centers, int64_t{state->filterCount} + 2, areaAt<int32_t>(state, state->centers));
+  planEvaluation(state);
   return qorStatusOk;
 }
 
@@ -84,7 +86,12 @@ QorStatus getCoeffs(const Bank* state, int32_t k, float* weights) {
     return bad;
   }
   const auto bank = viewOf(state);
-  const int32_t rising = bank.risingSection(k).count, falling = k > bank.filterCount ? 0 : bank.fallingSection(k).count;
+  const int32_t rising = bank.risingSection(k).count;
+  if (k > bank.filterCount) {
+    std::fill_n(weights, rising, 0.0F);
+    return qorStatusOk;
+  }
+  const int32_t falling = bank.fallingSection(k).count;
   for (int32_t i = 0; i < rising; ++i) *weights++ = asFloat(bank.rising(k)[i]);
   for (int32_t i = 0; i < falling; ++i) *weights++ = asFloat(bank.falling(k)[i]);
   return qorStatusOk;
@@ -102,6 +109,7 @@ QorStatus setCoeffs(Bank* state, int32_t k, const float* weights) {
   const int32_t rising = bank.risingSection(k).count, falling = bank.fallingSection(k).count;
   for (int32_t i = 0; i < rising; ++i) assign(bank.rising(k)[i], *weights++);
   for (int32_t i = 0; i < falling; ++i) assign(bank.falling(k)[i], *weights++);
+  planFilter(state, k);
   return qorStatusOk;
 }
 
@@ -135,7 +143,7 @@ QorStatus evaluate(const float* source, float* result, const FBankState_32f* sta
     front.setup.magnitudes(source, front.spectrum, front.work);
     source = front.spectrum;
   }
-  evaluateBank(viewOf(state), source, result);
+  evaluateBank(state, source, result);
   return qorStatusOk;
 }
 

@@ -7,6 +7,8 @@
 // existing bin, and an empty section adds nothing. Nothing a caller can set makes a section longer than the H + 1 elements of a
 // row.
 //
+// Behind the rows of the n filters, the room of two more rows holds the plan of a float bank's evaluation (filter_bank_plan.h).
+//
 // Weights are floats in the float bank and Q14 integers in the 16-bit one. A filter's two rows lie side by side, falling then
 // rising; falling element 0 begins on a 32-byte boundary, rising element 1 on one of 16 bytes.
 #pragma once
@@ -28,7 +30,9 @@ struct [[gnu::packed]] FilterBankRecord {
   int32_t fftLength, fftOrder;
   int32_t filterCount, linearFilterCount;
   float melMul, melDiv;
-  int32_t ready;
+  uint8_t ready;
+  uint8_t planned;  // whether there is a plan of the evaluation
+  uint16_t unused;
   int32_t fftSpec, workBuffer;  // the transform's set-up, its own work memory behind it; one spectrum
 };
 
@@ -67,7 +71,7 @@ constexpr TransformSize transformSize(int32_t requested) {
   return size;
 }
 
-constexpr int64_t wholeEights(int64_t count) { return (count + 7) / 8 * 8; }
+constexpr int64_t wholeEights(int64_t count) { return (count + 7) & ~int64_t{7}; }
 
 // Elements of a filter's two rows. The falling row takes the first ones; both have room for H + 1.
 constexpr int64_t rowElements(int64_t half) { return wholeEights(half + 3) + wholeEights(half); }
@@ -172,17 +176,20 @@ struct BankView {
 inline int32_t halfLength(const FilterBankRecord& bank) { return bank.fftLength / 2; }
 inline int32_t halfLength(const FBankState_32s& bank) { return bank.binCount - 1; }
 
+template <class Weight, class Bank>
+BankView<Weight> viewAs(Bank* bank) {
+  const int32_t half = halfLength(*bank);
+  return {areaAt<const int32_t>(bank, bank->centers),
+          areaAt<Weight>(bank, bank->rising),
+          areaAt<Weight>(bank, bank->falling),
+          rowElements(half),
+          bank->filterCount,
+          half};
+}
 template <class Bank>
 auto viewOf(Bank* bank) {
   using Plain = WeightOf<std::remove_const_t<Bank>>;
-  using Weight = std::conditional_t<std::is_const_v<Bank>, const Plain, Plain>;
-  const int32_t half = halfLength(*bank);
-  return BankView<Weight>{areaAt<const int32_t>(bank, bank->centers),
-                          areaAt<Weight>(bank, bank->rising),
-                          areaAt<Weight>(bank, bank->falling),
-                          rowElements(half),
-                          bank->filterCount,
-                          half};
+  return viewAs<std::conditional_t<std::is_const_v<Bank>, const Plain, Plain>>(bank);
 }
 
 }  // namespace qorsr

@@ -1,6 +1,7 @@
 // Exports: construction of mel banks and mixed banks, and conversions between hertz and mel.
 #include "features/mel_bank.h"
 
+#include "features/filter_bank_plan.h"
 #include "features/mel_bank_fixed.h"
 #include "frame/checks.h"
 
@@ -53,6 +54,7 @@ QorStatus initMelBank(Bank* state, int32_t* order, int32_t length, const MelSpec
   *order = size.order;
   placeFilterBank(state, spec.filterCount, size, spec.withTransform());
   fillMelBank(state, spec, size);
+  if constexpr (std::is_same_v<Bank, FBankState_32f>) planEvaluation(state);
   return qorStatusOk;
 }
 
@@ -64,6 +66,7 @@ QorStatus allocateMelBank(Bank** state, int32_t* order, int32_t length, const Me
   Bank* bank = allocateFilterBank<Bank>(spec.filterCount, size, spec.withTransform());
   if (bank == nullptr) return qorStatusNoMemory;
   fillMelBank(bank, spec, size);
+  if constexpr (std::is_same_v<Bank, FBankState_32f>) planEvaluation(bank);
   *state = bank;
   return qorStatusOk;
 }
@@ -85,6 +88,7 @@ QorStatus allocateMixedBank(Bank** state, int32_t* order, int32_t length, const 
   Bank* bank = allocateFilterBank<Bank>(spec.filterCount, size, spec.withTransform());
   if (bank == nullptr) return qorStatusNoMemory;
   fillMixedBank(bank, spec, linear, size);
+  if constexpr (std::is_same_v<Bank, FBankState_32f>) planEvaluation(bank);
   *state = bank;
   return qorStatusOk;
 }
