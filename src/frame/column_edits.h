@@ -5,20 +5,50 @@
 //   column:   x[r][d] += x[r][s] * f;  x[r][c] *= f;  sum of x[r][a] * x[r][b], in four running sums
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 
 #include "frame/checks.h"
 #include "frame/column_sums.h"
+#include "frame/lanes.h"
 #include "frame/rows.h"
 
 namespace qorsr {
 
 // ---- Copies ----
 
+// The first and the last 16 K bytes of a piece, which may overlap. All is read before anything is written, as by memmove.
+template <int K>
+inline void copyEnds(const unsigned char* source, unsigned char* destination, std::size_t bytes) {
+  using Chunk = Lanes<uint8_t, 16>;
+  Chunk head[K], tail[K];
+  const std::size_t behind = bytes - K * sizeof(Chunk);
+  for (int i = 0; i < K; ++i) {
+    head[i] = Chunk::load(source + i * sizeof(Chunk));
+    tail[i] = Chunk::load(source + behind + i * sizeof(Chunk));
+  }
+  for (int i = 0; i < K; ++i) {
+    head[i].store(destination + i * sizeof(Chunk));
+    tail[i].store(destination + behind + i * sizeof(Chunk));
+  }
+}
+
+// Rows of a few dozen elements are not worth a call.
 template <class T>
 inline void copyElements(const T* source, T* destination, int32_t count) {
-  std::memmove(destination, source, static_cast<std::size_t>(count) * sizeof(T));
+  const std::size_t bytes = static_cast<std::size_t>(count) * sizeof(T);
+  const auto* from = reinterpret_cast<const unsigned char*>(source);
+  auto* to = reinterpret_cast<unsigned char*>(destination);
+  if (bytes < 16 || bytes > 128) {
+    std::memmove(destination, source, bytes);
+  } else if (bytes <= 32) {
+    copyEnds<1>(from, to, bytes);
+  } else if (bytes <= 64) {
+    copyEnds<2>(from, to, bytes);
+  } else {
+    copyEnds<4>(from, to, bytes);
+  }
 }
 
 template <class T>
@@ -40,7 +70,11 @@ QorStatus gatherColumns(Source source, int32_t sourceWidth, Destination destinat
   for (int32_t r = 1; r < height; ++r) {
     const auto* x = source[r];
     auto* y = destination[r];
-    for (int32_t k = 0; k < count; ++k) y[k] = x[list[k]];
+    int32_t k = 0;
+    for (; k <= count - 4; k += 4) {
+      for (int i = 0; i < 4; ++i) y[k + i] = x[list[k + i]];
+    }
+    for (; k < count; ++k) y[k] = x[list[k]];
   }
   return qorStatusOk;
 }

@@ -41,34 +41,72 @@ inline Lanes<Acc, N> columnSum(const Rows& rows, int32_t first, int32_t end, int
   return total;
 }
 
-// Sums of R rows (4 or 1) at once, so that their chains of additions overlap and their lanes are joined together.
+// The lanes of one row without its last width mod 4 elements; c is where they begin.
 template <class Acc, int R, class Rows>
-inline void rowSums(const Rows& rows, int32_t first, int32_t width, Acc* result, bool tailInLaneZero) {
-  Lanes<Acc, 4> lanes[R];
-  for (auto& l : lanes) l = Lanes<Acc, 4>(Acc(0));
+[[gnu::always_inline]] inline int32_t wholeGroups(const Rows& rows, int32_t first, int32_t width, Lanes<Acc, 4> (&lanes)[R]) {
+  decltype(&rows[0][0]) row[R];
+  for (int i = 0; i < R; ++i) {
+    row[i] = rows[first + i];
+    lanes[i] = Lanes<Acc, 4>(Acc(0));
+  }
   int32_t c = 0;
   for (; c <= width - 8; c += 8) {
-    for (int i = 0; i < R; ++i) lanes[i] += loadAs<Acc, 4>(rows[first + i] + c) + loadAs<Acc, 4>(rows[first + i] + c + 4);
+    for (int i = 0; i < R; ++i) lanes[i] += loadAs<Acc, 4>(row[i] + c) + loadAs<Acc, 4>(row[i] + c + 4);
   }
   if (c <= width - 4) {
-    for (int i = 0; i < R; ++i) lanes[i] += loadAs<Acc, 4>(rows[first + i] + c);
+    for (int i = 0; i < R; ++i) lanes[i] += loadAs<Acc, 4>(row[i] + c);
     c += 4;
   }
-  const int32_t rest = width - c;
-  for (int i = 0; i < R; ++i) {
-    const auto at = [&](int k) { return k < rest ? static_cast<Acc>(rows[first + i][c + k]) : Acc(0); };
-    using L = Lanes<Acc, 4>;
-    if (tailInLaneZero) {
-      for (int k = 0; k < rest; ++k) lanes[i] += L::of(at(k), 0, 0, 0);
-    } else if (rest > 0) {  // a zero in the lanes beyond changes nothing: a lane that began at +0 never holds -0
-      lanes[i] += rest == 1 ? L::of(at(0), 0, 0, 0) : L::of(at(0), at(1), at(2), 0);
-    }
+  return c;
+}
+
+// The last kRest elements in front of `end`, then zeros. A zero changes nothing: a lane that began at +0 never holds -0.
+template <class Acc, int kRest, class T>
+[[gnu::always_inline]] inline Lanes<Acc, 4> restOfRow(const T* end, int32_t width) {
+  using L = Lanes<Acc, 4>;
+  if constexpr (L::kParts == 1) {
+    if (width >= 4) return shiftIn<kRest>(loadAs<Acc, 4>(end - 4), L(Acc(0)));
+  }
+  const auto at = [&](int k) { return k < kRest ? static_cast<Acc>(end[k - kRest]) : Acc(0); };
+  return L::of(at(0), at(1), at(2), Acc(0));
+}
+
+// Sums of R rows (4 or 1) at once, so that their chains of additions overlap and their lanes are joined together.
+template <class Acc, int R, int kRest, class Rows>
+inline void rowSums(const Rows& rows, int32_t first, int32_t width, Acc* result) {
+  Lanes<Acc, 4> lanes[R];
+  wholeGroups<Acc, R>(rows, first, width, lanes);
+  if constexpr (kRest > 0) {
+    for (int i = 0; i < R; ++i) lanes[i] += restOfRow<Acc, kRest>(rows[first + i] + width, width);
   }
   if constexpr (R == 4 && std::is_same_v<Acc, float>) {
     joinNeighbours4(lanes[0], lanes[1], lanes[2], lanes[3]).store(result + first);
   } else {
-    for (int i = 0; i < R; ++i) Lanes<Acc, 1>(joinNeighbours(lanes[i])).store(result + first + i);
+    for (int i = 0; i < R; ++i) result[first + i] = joinNeighbours(lanes[i]);
   }
+}
+
+// Required: in the last row of an odd height the rest joins lane 0, one by one.
+template <class Acc, class Rows>
+inline Acc sumOfLastRow(const Rows& rows, int32_t last, int32_t width) {
+  using L = Lanes<Acc, 4>;
+  L lanes[1];
+  for (int32_t c = wholeGroups<Acc, 1>(rows, last, width, lanes); c < width; ++c) {
+    lanes[0] += L::of(static_cast<Acc>(rows[last][c]), 0, 0, 0);
+  }
+  return joinNeighbours(lanes[0]);
+}
+
+// Four rows at a time; one after the other where they are long and come from memory, which is read fastest in its order.
+template <class Acc, int kRest, class Rows>
+void sumRows(const Rows& rows, int32_t width, Acc* result, int32_t height) {
+  constexpr int64_t kNearCache = 512 * 1024;
+  const bool far = width >= 64 && static_cast<int64_t>(sizeof(rows[0][0])) * width * height > kNearCache;
+  const int32_t paired = height - height % 2;
+  int32_t r = 0;
+  for (; !far && r <= paired - 4; r += 4) rowSums<Acc, 4, kRest>(rows, r, width, result);
+  for (; r < paired; ++r) rowSums<Acc, 1, kRest>(rows, r, width, result);
+  if (r < height) result[r] = sumOfLastRow<Acc>(rows, r, width);
 }
 
 // Sum of f(element) over one row. `f` works on lanes of any width and may store what it loads.
@@ -108,9 +146,19 @@ QorStatus sumColumn(Rows rows, int32_t height, Acc* result, int32_t width) {
 template <class Rows, class Acc>
 QorStatus sumRow(Rows rows, int32_t width, Acc* result, int32_t height) {
   if (QorStatus bad = Checks().null(rows, result).size(height, width).stride(rows, width)) return bad;
-  int32_t r = 0;
-  for (; r <= height - 4; r += 4) rowSums<Acc, 4>(rows, r, width, result, false);
-  for (; r < height; ++r) rowSums<Acc, 1>(rows, r, width, result, r == height - 1 && height % 2 == 1);
+  switch (width % 4) {
+    case 0:
+      sumRows<Acc, 0>(rows, width, result, height);
+      break;
+    case 1:
+      sumRows<Acc, 1>(rows, width, result, height);
+      break;
+    case 2:
+      sumRows<Acc, 2>(rows, width, result, height);
+      break;
+    default:
+      sumRows<Acc, 3>(rows, width, result, height);
+  }
   return qorStatusOk;
 }
 

@@ -19,7 +19,7 @@ namespace qorsr {
 
 // Adds terms of rows first to end - 1, in pairs: add(term(r) + term(r + 1)). `first` is even.
 template <class Term, class Sum>
-inline void sumInPairs(int32_t first, int32_t end, const Term& term, Sum& sum) {
+[[gnu::always_inline]] inline void sumInPairs(int32_t first, int32_t end, const Term& term, Sum& sum) {
   int32_t r = first;
   for (; r < end - 1; r += 2) sum += term(r) + term(r + 1);
   if (r < end) sum += term(r);
@@ -30,8 +30,10 @@ template <class L>
 struct TwoSums {
   L first, second;
 
-  friend TwoSums operator+(const TwoSums& a, const TwoSums& b) { return {a.first + b.first, a.second + b.second}; }
-  TwoSums& operator+=(const TwoSums& b) { return *this = *this + b; }
+  [[gnu::always_inline]] friend TwoSums operator+(const TwoSums& a, const TwoSums& b) {
+    return {a.first + b.first, a.second + b.second};
+  }
+  [[gnu::always_inline]] TwoSums& operator+=(const TwoSums& b) { return *this = *this + b; }
 };
 
 template <class T, class Rows>
@@ -41,7 +43,7 @@ QorStatus weightedMeanColumn(Rows rows, const T* weights, int32_t height, T* mea
     using L = Lanes<T, n>;
     L sum = first > 0 ? L::load(means + c) : L(T(0));
     sumInPairs(
-        first, end, [&](int32_t r) { return L::load(rows[r] + c) * L(weights[r]); }, sum);
+        first, end, [&](int32_t r) __attribute__((always_inline)) { return L::load(rows[r] + c) * L(weights[r]); }, sum);
     sum.store(means + c);
   });
   return qorStatusOk;
@@ -53,7 +55,7 @@ QorStatus weightedVarColumn(Rows rows, const T* weights, int32_t height, const T
   coverColumnsInTiles<T>(width, height, sizeof(T), [&](int32_t c, auto n, int32_t first, int32_t end) {
     using L = Lanes<T, n>;
     L sum = first > 0 ? L::load(variances + c) : L(T(0));
-    const auto term = [&](int32_t r) {
+    const auto term = [&](int32_t r) __attribute__((always_inline)) {
       const L x = L::load(rows[r] + c);
       return x * x * L(weights[r]);
     };
@@ -67,10 +69,10 @@ QorStatus weightedVarColumn(Rows rows, const T* weights, int32_t height, const T
 template <class T, class Rows>
 QorStatus weightedMeanVarColumn(Rows rows, const T* weights, int32_t height, T* means, T* variances, int32_t width) {
   if (QorStatus bad = Checks().null(rows, weights, means, variances).stride(rows, width).size(width, height)) return bad;
-  coverColumnsInTiles<T>(width, height, sizeof(T), [&](int32_t c, auto n, int32_t first, int32_t end) {
-    using L = Lanes<T, n>;
+  const auto block = [&]<int N>(int32_t c, LaneCount<N>, int32_t first, int32_t end) __attribute__((always_inline)) {
+    using L = Lanes<T, N>;
     TwoSums<L> sums = first > 0 ? TwoSums<L>{L::load(means + c), L::load(variances + c)} : TwoSums<L>{L(T(0)), L(T(0))};
-    const auto terms = [&](int32_t r) {
+    const auto terms = [&](int32_t r) __attribute__((always_inline)) {
       const L x = L::load(rows[r] + c), weighted = x * L(weights[r]);
       return TwoSums<L>{weighted, weighted * x};
     };
@@ -78,6 +80,14 @@ QorStatus weightedMeanVarColumn(Rows rows, const T* weights, int32_t height, T* 
     if (end == height) sums.second -= sums.first * sums.first;
     sums.first.store(means + c);
     sums.second.store(variances + c);
+  };
+  coverColumnsInTiles<T>(width, height, sizeof(T), [&](int32_t c, auto n, int32_t first, int32_t end) {
+    if constexpr (Lanes<T, n>::kParts > 2) {  // two sums and two rows of terms: the registers hold half of the widest block
+      block(c, LaneCount<n / 2>(), first, end);
+      block(c + n / 2, LaneCount<n / 2>(), first, end);
+    } else {
+      block(c, n, first, end);
+    }
   });
   return qorStatusOk;
 }

@@ -88,6 +88,21 @@ TEST(SumRow, FloatOfInt16) { expectRows<float, int16_t>(qorsSumRow_16s32f_D2, qo
 TEST(SumRow, Float) { expectRows<float, float>(qorsSumRow_32f_D2, qorsSumRow_32f_D2L); }
 TEST(SumRow, Double) { expectRows<double, double>(qorsSumRow_64f_D2, qorsSumRow_64f_D2L); }
 
+// More than a near cache holds: rows are taken in another order, which shows in no bit.
+template <class T, class Strided>
+void expectFarRows(int32_t height, int32_t width, Strided strided) {
+  kit::Random random;
+  kit::Matrix<T> m(height, width, width + 1, kit::Place::kAtGuard);
+  m.fill(random, kit::kKinds[0]);
+  kit::Area<float> result(height, kit::Place::kAtGuard);
+  ASSERT_EQ(strided(m.block(), width, m.stride(), result.data(), height), qorStatusOk);
+  ASSERT_BITS(result.values(), modelRowSums<float>(m));
+}
+TEST(SumRow, LongRowsFromMemory) {
+  expectFarRows<float>(2101, 67, qorsSumRow_32f_D2);
+  expectFarRows<int16_t>(4202, 67, qorsSumRow_16s32f_D2);
+}
+
 constexpr int32_t kScaleFactors[] = {0, 1, 3, 16, 31, 149, 150, 2000, -1, -4, -12, -127, -128, -2000, INT32_MIN, INT32_MAX};
 
 TEST(SumColumn, ScaledIntegerOfInt16) {
