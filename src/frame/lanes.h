@@ -345,6 +345,15 @@ class ThreeWay {
   I index_, high_;
 };
 
+#if defined(__SSE3__)
+// The first n < 4 of four numbers at p, zeros behind them.
+[[gnu::always_inline]] inline Vector<float, 4> firstFloats(const float* p, int n) {
+  if (n < 2) return n < 1 ? _mm_setzero_ps() : _mm_load_ss(p);
+  const __m128 lower = _mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)));
+  return n == 2 ? lower : _mm_movelh_ps(lower, _mm_load_ss(p + 2));
+}
+#endif
+
 // The first n < W of W numbers at p, zeros behind them.
 template <int W>
 inline Vector<int16_t, W> firstShorts(const int16_t* p, int n) {
@@ -663,22 +672,97 @@ inline Turned turn4(const Lanes<float, 4>& a, const Lanes<float, 4>& b, const La
   return t;
 }
 
-// The halves-join of four lane sets at once: lane i of the result is joinHalves of set i.
+// Four sets of four lanes, one behind the other.
+template <class T>
+inline Lanes<T, 16> chainFours(const Lanes<T, 4>& a, const Lanes<T, 4>& b, const Lanes<T, 4>& c, const Lanes<T, 4>& d) {
+  Lanes<T, 16> v;
+  if constexpr (v.kParts == 4) {
+    v.part[0] = a.part[0], v.part[1] = b.part[0], v.part[2] = c.part[0], v.part[3] = d.part[0];
+  } else if constexpr (v.kParts == 2) {
+    v.part[0] = __builtin_shufflevector(a.part[0], b.part[0], 0, 1, 2, 3, 4, 5, 6, 7);
+    v.part[1] = __builtin_shufflevector(c.part[0], d.part[0], 0, 1, 2, 3, 4, 5, 6, 7);
+  } else {
+    const auto ab = __builtin_shufflevector(a.part[0], b.part[0], 0, 1, 2, 3, 4, 5, 6, 7);
+    const auto cd = __builtin_shufflevector(c.part[0], d.part[0], 0, 1, 2, 3, 4, 5, 6, 7);
+    v.part[0] = __builtin_shufflevector(ab, cd, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
+  }
+  return v;
+}
+
+// Four lane sets folded by halves to four lanes each, one behind the other: lanes 4i to 4i + 3 are joinedTo<4> of set i.
 template <class T, int N>
-inline Lanes<T, 4> joinHalves4(const Lanes<T, N>& a, const Lanes<T, N>& b, const Lanes<T, N>& c, const Lanes<T, N>& d) {
-  if constexpr (N > 4) {
-    return joinHalves4(lowerHalf(a) + upperHalf(a), lowerHalf(b) + upperHalf(b), lowerHalf(c) + upperHalf(c),
+inline Lanes<T, 16> foldToFours(const Lanes<T, N>& a, const Lanes<T, N>& b, const Lanes<T, N>& c, const Lanes<T, N>& d) {
+  static_assert(sizeof(T) == 4);
+  constexpr int kNative = kNativeBytes / 4;
+  if constexpr (N == 4) {
+    return chainFours(a, b, c, d);
+  } else if constexpr (N == 8 && kNative == 8) {  // two sets share a register
+    const auto fold = [](auto x, auto y) {
+      return __builtin_shufflevector(x, y, 0, 1, 2, 3, 8, 9, 10, 11) + __builtin_shufflevector(x, y, 4, 5, 6, 7, 12, 13, 14, 15);
+    };
+    Lanes<T, 16> v;
+    v.part[0] = fold(a.part[0], b.part[0]);
+    v.part[1] = fold(c.part[0], d.part[0]);
+    return v;
+  } else if constexpr (N == 8 && kNative == 16) {
+    const auto pair = [](auto x, auto y) {
+      return __builtin_shufflevector(x, y, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
+    };
+    const auto ab = pair(a.part[0], b.part[0]), cd = pair(c.part[0], d.part[0]);
+    Lanes<T, 16> v;
+    v.part[0] = __builtin_shufflevector(ab, cd, 0, 1, 2, 3, 8, 9, 10, 11, 16, 17, 18, 19, 24, 25, 26, 27) +
+                __builtin_shufflevector(ab, cd, 4, 5, 6, 7, 12, 13, 14, 15, 20, 21, 22, 23, 28, 29, 30, 31);
+    return v;
+  } else if constexpr (N == 16 && kNative == 16) {
+    const auto halves = [](auto x, auto y) {
+      return __builtin_shufflevector(x, y, 0, 1, 2, 3, 4, 5, 6, 7, 16, 17, 18, 19, 20, 21, 22, 23) +
+             __builtin_shufflevector(x, y, 8, 9, 10, 11, 12, 13, 14, 15, 24, 25, 26, 27, 28, 29, 30, 31);
+    };
+    const auto ab = halves(a.part[0], b.part[0]), cd = halves(c.part[0], d.part[0]);
+    Lanes<T, 16> v;
+    v.part[0] = __builtin_shufflevector(ab, cd, 0, 1, 2, 3, 8, 9, 10, 11, 16, 17, 18, 19, 24, 25, 26, 27) +
+                __builtin_shufflevector(ab, cd, 4, 5, 6, 7, 12, 13, 14, 15, 20, 21, 22, 23, 28, 29, 30, 31);
+    return v;
+  } else {
+    return foldToFours(lowerHalf(a) + upperHalf(a), lowerHalf(b) + upperHalf(b), lowerHalf(c) + upperHalf(c),
                        lowerHalf(d) + upperHalf(d));
-  } else if constexpr (sizeof(T) == 8) {
-    return Lanes<T, 4>::of(joinHalves(a), joinHalves(b), joinHalves(c), joinHalves(d));
+  }
+}
+
+// Four lanes a set, one behind the other: lane i of the result is joinHalves of lanes 4i to 4i + 3.
+template <class T>
+inline Lanes<T, 4> joinFours(const Lanes<T, 16>& sets) {
+  Lanes<T, 4> v;
+  constexpr int kParts = Lanes<T, 16>::kParts;
+  if constexpr (kParts == 1) {
+    const auto z = sets.part[0];
+    const auto twos = z + __builtin_shufflevector(z, z, 2, 3, 0, 1, 6, 7, 4, 5, 10, 11, 8, 9, 14, 15, 12, 13);
+    const auto ones = twos + __builtin_shufflevector(twos, twos, 1, 0, 3, 2, 5, 4, 7, 6, 9, 8, 11, 10, 13, 12, 15, 14);
+    v.part[0] = __builtin_shufflevector(ones, ones, 0, 4, 8, 12);
+  } else if constexpr (kParts == 2) {
+    const auto ab = sets.part[0], cd = sets.part[1];
+    const auto twos =
+        __builtin_shufflevector(ab, cd, 0, 1, 8, 9, 4, 5, 12, 13) + __builtin_shufflevector(ab, cd, 2, 3, 10, 11, 6, 7, 14, 15);
+    const auto ones = twos + __builtin_shufflevector(twos, twos, 1, 0, 3, 2, 5, 4, 7, 6);  // a a c c, b b d d
+    const auto ac = __builtin_shufflevector(ones, ones, 0, 1, 2, 3), bd = __builtin_shufflevector(ones, ones, 4, 5, 6, 7);
+    v.part[0] = __builtin_shufflevector(ac, bd, 0, 5, 2, 7);
   } else {
     const auto first = [](auto x, auto y) { return __builtin_shufflevector(x, y, 0, 4, 1, 5); };   // x0 y0 x1 y1
     const auto second = [](auto x, auto y) { return __builtin_shufflevector(x, y, 2, 6, 3, 7); };  // x2 y2 x3 y3
-    const auto ab = first(a.part[0], b.part[0]) + second(a.part[0], b.part[0]);
-    const auto cd = first(c.part[0], d.part[0]) + second(c.part[0], d.part[0]);
-    Lanes<T, 4> v;
+    const auto ab = first(sets.part[0], sets.part[1]) + second(sets.part[0], sets.part[1]);
+    const auto cd = first(sets.part[2], sets.part[3]) + second(sets.part[2], sets.part[3]);
     v.part[0] = __builtin_shufflevector(ab, cd, 0, 1, 4, 5) + __builtin_shufflevector(ab, cd, 2, 3, 6, 7);
-    return v;
+  }
+  return v;
+}
+
+// The halves-join of four lane sets at once: lane i of the result is joinHalves of set i.
+template <class T, int N>
+inline Lanes<T, 4> joinHalves4(const Lanes<T, N>& a, const Lanes<T, N>& b, const Lanes<T, N>& c, const Lanes<T, N>& d) {
+  if constexpr (sizeof(T) == 4) {
+    return joinFours(foldToFours(a, b, c, d));
+  } else {
+    return Lanes<T, 4>::of(joinHalves(a), joinHalves(b), joinHalves(c), joinHalves(d));
   }
 }
 
@@ -786,34 +870,33 @@ inline Lanes<T, N> interleaveUpper(const Lanes<T, N>& a, const Lanes<T, N>& b) {
   return v;
 }
 
+namespace native {
+template <int W>
+inline Vector<int32_t, W / 2> pairDots(Vector<int16_t, W> a, Vector<int16_t, W> b) {
+  using Sum = Vector<int32_t, W / 2>;
+#if defined(__AVX512BW__)
+  if constexpr (W == 32) return Sum(_mm512_madd_epi16(__m512i(a), __m512i(b)));
+#endif
+#if defined(__AVX2__)
+  if constexpr (W == 16) return Sum(_mm256_madd_epi16(__m256i(a), __m256i(b)));
+#endif
+#if defined(__SSE3__)
+  if constexpr (W == 8) return Sum(_mm_madd_epi16(__m128i(a), __m128i(b)));
+#endif
+  Sum v;
+  for (int i = 0; i < W / 2; ++i) {
+    const auto product = [&](int k) { return static_cast<uint32_t>(static_cast<int32_t>(a[k]) * b[k]); };
+    v[i] = static_cast<int32_t>(product(2 * i) + product(2 * i + 1));
+  }
+  return v;
+}
+}  // namespace native
+
 // Products of int16 lanes, neighbouring pairs added: lane i is a[2i] * b[2i] + a[2i+1] * b[2i+1], modulo 2^32.
 template <int N>
 inline Lanes<int32_t, N / 2> pairDots(const Lanes<int16_t, N>& a, const Lanes<int16_t, N>& b) {
-  static_assert(Lanes<int16_t, N>::kParts == 1);
   Lanes<int32_t, N / 2> v;
-  using Sum [[maybe_unused]] = typename Lanes<int32_t, N / 2>::Part;
-#if defined(__AVX512BW__)
-  if constexpr (N == 32) {
-    v.part[0] = Sum(_mm512_madd_epi16(__m512i(a.part[0]), __m512i(b.part[0])));
-    return v;
-  }
-#endif
-#if defined(__AVX2__)
-  if constexpr (N == 16) {
-    v.part[0] = Sum(_mm256_madd_epi16(__m256i(a.part[0]), __m256i(b.part[0])));
-    return v;
-  }
-#endif
-#if defined(__SSE3__)
-  if constexpr (N == 8) {
-    v.part[0] = Sum(_mm_madd_epi16(__m128i(a.part[0]), __m128i(b.part[0])));
-    return v;
-  }
-#endif
-  for (int i = 0; i < N / 2; ++i) {
-    const auto product = [&](int k) { return static_cast<uint32_t>(static_cast<int32_t>(a.part[0][k]) * b.part[0][k]); };
-    v.part[0][i] = static_cast<int32_t>(product(2 * i) + product(2 * i + 1));
-  }
+  for (int i = 0; i < v.kParts; ++i) v.part[i] = native::pairDots<Lanes<int16_t, N>::kPart>(a.part[i], b.part[i]);
   return v;
 }
 
@@ -973,6 +1056,28 @@ inline T leastLane(const Lanes<T, N>& a) {
 
 // ---- Tails: the first n of N lanes ----
 
+// One native register of Lanes<T, N>: `kIndex` says which of Lanes::part it is, and load(p) loads what belongs in it.
+template <class T, int N, int Index>
+struct WholePart {
+  static constexpr int kIndex = Index;
+
+  template <class From>
+  [[gnu::always_inline]] typename Lanes<T, N>::Part load(const From* p, T = T(0)) const {
+    constexpr int kPart = Lanes<T, N>::kPart;
+    return loadAs<T, kPart>(p + Index * kPart).part[0];
+  }
+};
+
+// Calls f(part) for every native register of Lanes<T, N>. Kernels that keep many lanes work register by register, so that what they
+// load need not wait in registers of its own.
+template <class T, int N, int Index = 0, class F>
+[[gnu::always_inline]] inline void forWholeParts(const F& f) {
+  if constexpr (Index < Lanes<T, N>::kParts) {
+    f(WholePart<T, N, Index>());
+    forWholeParts<T, N, Index + 1>(f);
+  }
+}
+
 // Made once a call, used once a row. Reads and writes nothing beyond element n - 1.
 template <class T, int N>
 class Tail {
@@ -989,8 +1094,8 @@ class Tail {
     return v;
   }
 
-  // Calls f(part) for each native register that holds one of the n elements: `part.kIndex` says which of Lanes::part it is, and
-  // `part.load(p)` loads what belongs in it, zeros (or `fill`) behind the end. Registers beyond the end cost nothing.
+  // Calls f(part), as forWholeParts does, for each native register that holds one of the n elements; part.load(p) puts zeros (or
+  // `fill`) behind the end. Registers beyond the end cost nothing, and whole ones do not pay for what the last one needs.
   template <class F>
   [[gnu::always_inline]] void forParts(F f) const {
     forPartsFrom<0>(f);
@@ -1005,18 +1110,20 @@ class Tail {
  private:
   using Part = typename Lanes<T, N>::Part;
   static constexpr int kPart = Lanes<T, N>::kPart;
+  // Without masked loads each number of elements has a branch of its own, taken once for all that is loaded.
+  static constexpr bool kMasked = kNativeBytes > 16;
 
   template <int Index>
   struct PartOfTail {
     static constexpr int kIndex = Index;
-    int n;
+    int n;  // of this register's elements
 
-    Part load(const T* p, T fill = T(0)) const { return loadPart(p + Index * kPart, n - Index * kPart, fill); }
+    [[gnu::always_inline]] Part load(const T* p, T fill = T(0)) const { return loadPart(p + Index * kPart, n, fill); }
     // Numbers of another type, widened.
     template <class From>
     Part load(const From* p, T fill = T(0)) const {
       T all[kPart];
-      for (int i = 0; i < kPart; ++i) all[i] = Index * kPart + i < n ? static_cast<T>(p[Index * kPart + i]) : fill;
+      for (int i = 0; i < kPart; ++i) all[i] = i < n ? static_cast<T>(p[Index * kPart + i]) : fill;
       return native::load<Part>(all);
     }
   };
@@ -1024,13 +1131,29 @@ class Tail {
   template <int Index, class F>
   [[gnu::always_inline]] void forPartsFrom(F& f) const {
     if constexpr (Index < Lanes<T, N>::kParts) {
-      if (n_ <= Index * kPart) return;
-      f(PartOfTail<Index>{n_});
-      forPartsFrom<Index + 1>(f);
+      const int n = n_ - Index * kPart;
+      if (n >= kPart) {
+        f(WholePart<T, N, Index>());
+        forPartsFrom<Index + 1>(f);
+      } else if constexpr (kMasked) {
+        if (n > 0) f(PartOfTail<Index>{n});
+      } else {
+        static_assert(kPart <= 4);
+        if (n == 3) f(PartOfTail<Index>{3});
+        if (n == 2) f(PartOfTail<Index>{2});
+        if (n == 1) f(PartOfTail<Index>{1});
+      }
     }
   }
 
-  static Part loadPart(const T* p, int n, T fill) {
+  // Plus zero, of which loads that clear lanes need not be told.
+  static bool isClear(T fill) {
+    if constexpr (sizeof(T) == 8) return std::bit_cast<uint64_t>(fill) == 0;
+    if constexpr (sizeof(T) == 4) return std::bit_cast<uint32_t>(fill) == 0;
+    return false;
+  }
+
+  [[gnu::always_inline]] static Part loadPart(const T* p, int n, T fill) {
     if (n >= kPart) return native::load<Part>(p);
     if constexpr (std::is_same_v<T, int16_t> && kPart >= 8) {
       if (fill == 0) return native::firstShorts<kPart>(p, n < 0 ? 0 : n);
@@ -1051,14 +1174,21 @@ class Tail {
     if constexpr (std::is_same_v<T, float> && kPart == 8) {
       const auto index = _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7);
       const auto mask = _mm256_cmpgt_epi32(_mm256_set1_epi32(n), index);
+      if (isClear(fill)) return _mm256_maskload_ps(p, mask);
       return _mm256_blendv_ps(_mm256_set1_ps(fill), _mm256_maskload_ps(p, mask), _mm256_castsi256_ps(mask));
     } else if constexpr (std::is_same_v<T, double> && kPart == 4) {
       const auto index = _mm256_setr_epi64x(0, 1, 2, 3);
       const auto mask = _mm256_cmpgt_epi64(_mm256_set1_epi64x(n), index);
+      if (isClear(fill)) return _mm256_maskload_pd(p, mask);
       return _mm256_blendv_pd(_mm256_set1_pd(fill), _mm256_maskload_pd(p, mask), _mm256_castsi256_pd(mask));
     }
 #endif
     Part v = fill - Part{};
+#if defined(__SSE3__)
+    if constexpr (std::is_same_v<T, float> && kPart == 4) {
+      if (isClear(fill)) return native::firstFloats(p, n);
+    }
+#endif
     if constexpr (kPart == 4) {  // the usual case at SSE3: no loop, one branch a count
       if (n == 3) return Part{p[0], p[1], p[2], fill};
       if (n == 2) return Part{p[0], p[1], fill, fill};

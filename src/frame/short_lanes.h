@@ -34,6 +34,23 @@ inline V squareUpper(V a) {
   for (std::size_t i = 0; i < sizeof(V) / 2; ++i) v[i] = static_cast<int16_t>(static_cast<int32_t>(a[i]) * a[i] >> 16);
   return v;
 }
+// Every eight numbers moved down by one, with a zero at the end.
+template <class V>
+inline V dropFirst(V a) {
+#if defined(__AVX512BW__)
+  if constexpr (sizeof(V) == 64) return V(_mm512_bsrli_epi128(__m512i(a), 2));
+#endif
+#if defined(__AVX2__)
+  if constexpr (sizeof(V) == 32) return V(_mm256_bsrli_epi128(__m256i(a), 2));
+#endif
+#if defined(__SSE3__)
+  if constexpr (sizeof(V) == 16) return V(_mm_srli_si128(__m128i(a), 2));
+#endif
+  V v{};
+  for (std::size_t i = 0; i < sizeof(V) / 2; ++i) v[i] = i % 8 < 7 ? a[i + 1] : int16_t{0};
+  return v;
+}
+
 // The Index-th W lanes of v as floats.
 template <int W, int Index, class V>
 inline Vector<float, W> shortsToFloats(V v) {
@@ -45,7 +62,7 @@ inline Vector<float, W> shortsToFloats(V v) {
   }
 #endif
   if constexpr (kLanes == W) {
-    return __builtin_convertvector(__builtin_convertvector(v, Vector<int32_t, W>), Vector<float, W>);
+    return __builtin_convertvector(widened<Vector<int32_t, W>>(v), Vector<float, W>);
   } else if constexpr (Index == 0) {
     return shortsToFloats<W, 0>(pick<Vector<int16_t, kLanes / 2>>(v, std::make_index_sequence<kLanes / 2>()));
   } else {
@@ -99,5 +116,119 @@ template <int N>
 inline Lanes<int32_t, N> asSigned(const Lanes<uint32_t, N>& a) {
   return std::bit_cast<Lanes<int32_t, N>>(a);
 }
+
+// ---- Groups of eight ----
+
+// The groups of `Count` rows, one behind the other.
+template <int Count>
+inline Lanes<int16_t, 8 * Count> chainGroups(const Lanes<int16_t, 8> (&groups)[Count]) {
+  if constexpr (Count == 1) {
+    return groups[0];
+  } else {
+    static_assert(Count == 4);
+    Lanes<int32_t, 4> fours[4];
+    for (int i = 0; i < 4; ++i) fours[i] = std::bit_cast<Lanes<int32_t, 4>>(groups[i]);
+    return std::bit_cast<Lanes<int16_t, 32>>(chainFours(fours[0], fours[1], fours[2], fours[3]));
+  }
+}
+
+// The last n < 8 numbers of rows. A row with eight numbers or more is loaded from its eighth last on, so that no loop over elements
+// is needed: the n numbers then end the lanes, and keep() clears the others of what is computed of them. In a shorter row they
+// begin the lanes, with zeros behind them.
+class RowEnd {
+ public:
+  explicit RowEnd(int32_t width) : width_(width), count_(width % 8) {}
+
+  int count() const { return count_; }
+  bool overlaps() const { return width_ >= 8; }
+
+  // Overlaps: whether the rows have eight numbers.
+  template <bool Overlaps>
+  Lanes<int16_t, 8> load(const int16_t* row) const {
+    if constexpr (Overlaps) {
+      return Lanes<int16_t, 8>::load(row + width_ - 8);
+    } else {
+      return Tail<int16_t, 8>(count_).load(row);
+    }
+  }
+  template <int Rows>
+  Lanes<int16_t, 8 * Rows> keep(const Lanes<int16_t, 8 * Rows>& a) const {
+    const auto mask = Lanes<int16_t, 8>::load(kKept + (overlaps() ? count_ : 8));
+    Lanes<int16_t, 8> masks[Rows];
+    for (auto& m : masks) m = mask;
+    return Lanes<int16_t, 8 * Rows>::each(a, chainGroups(masks), [](auto x, auto m) { return x & m; });
+  }
+
+ private:
+  static constexpr int16_t kKept[16] = {0, 0, 0, 0, 0, 0, 0, 0, -1, -1, -1, -1, -1, -1, -1, -1};
+
+  int32_t width_;
+  int count_;
+};
+
+// Every group of eight moved down by one number, with a zero at its end.
+template <int N>
+inline Lanes<int16_t, N> dropFirst(const Lanes<int16_t, N>& a) {
+  using Part = typename Lanes<int16_t, N>::Part;
+  return Lanes<int16_t, N>::each(a, [](Part x) { return native::dropFirst(x); });
+}
+
+// Totals of four rows. Each group of eight products is joined by halves, ((p0 + p4) + (p2 + p6)) + ((p1 + p5) + (p3 + p7)), and
+// joins the total of its row, group by group.
+class GroupTotals {
+ public:
+  // Products of one row that come at once: a group, or two one behind the other.
+  static constexpr int kProducts = kNativeBytes == 64 ? 16 : 8;
+
+  GroupTotals() : sums_(0.0F) {}
+
+#if defined(__AVX512F__)
+  void add(const Lanes<float, 16> (&p)[4]) {
+    const auto halves = [](auto x, auto y) {  // first and second group of x, then of y, four lanes each
+      return __builtin_shufflevector(x, y, 0, 1, 2, 3, 8, 9, 10, 11, 16, 17, 18, 19, 24, 25, 26, 27) +
+             __builtin_shufflevector(x, y, 4, 5, 6, 7, 12, 13, 14, 15, 20, 21, 22, 23, 28, 29, 30, 31);
+    };
+    const auto ab = halves(p[0].part[0], p[1].part[0]), cd = halves(p[2].part[0], p[3].part[0]);
+    const auto twos = __builtin_shufflevector(ab, cd, 0, 1, 16, 17, 4, 5, 20, 21, 8, 9, 24, 25, 12, 13, 28, 29) +
+                      __builtin_shufflevector(ab, cd, 2, 3, 18, 19, 6, 7, 22, 23, 10, 11, 26, 27, 14, 15, 30, 31);
+    const auto ones = twos + __builtin_shufflevector(twos, twos, 1, 0, 3, 2, 5, 4, 7, 6, 9, 8, 11, 10, 13, 12, 15, 14);
+    // a a c c of the first group, of the second, then b b d d of both
+    const auto second = __builtin_shufflevector(ones, ones, 4, 5, 6, 7, 0, 1, 2, 3, 12, 13, 14, 15, 8, 9, 10, 11);
+    sums_.part[0] = (sums_.part[0] + ones) + second;
+  }
+  Lanes<float, 4> totals() const {
+    Lanes<float, 4> v;
+    v.part[0] = __builtin_shufflevector(sums_.part[0], sums_.part[0], 0, 8, 2, 10);
+    return v;
+  }
+
+ private:
+  Lanes<float, 16> sums_;
+#elif defined(__AVX2__)
+  void add(const Lanes<float, 8> (&p)[4]) {
+    const auto halves = [](auto x, auto y) {
+      return __builtin_shufflevector(x, y, 0, 1, 2, 3, 8, 9, 10, 11) + __builtin_shufflevector(x, y, 4, 5, 6, 7, 12, 13, 14, 15);
+    };
+    const auto ab = halves(p[0].part[0], p[1].part[0]), cd = halves(p[2].part[0], p[3].part[0]);
+    const auto twos =
+        __builtin_shufflevector(ab, cd, 0, 1, 8, 9, 4, 5, 12, 13) + __builtin_shufflevector(ab, cd, 2, 3, 10, 11, 6, 7, 14, 15);
+    sums_.part[0] = sums_.part[0] + (twos + __builtin_shufflevector(twos, twos, 1, 0, 3, 2, 5, 4, 7, 6));  // a a c c b b d d
+  }
+  Lanes<float, 4> totals() const {
+    Lanes<float, 4> v;
+    v.part[0] = __builtin_shufflevector(sums_.part[0], sums_.part[0], 0, 4, 2, 6);
+    return v;
+  }
+
+ private:
+  Lanes<float, 8> sums_;
+#else
+  void add(const Lanes<float, 8> (&p)[4]) { sums_ += joinHalves4(p[0], p[1], p[2], p[3]); }
+  Lanes<float, 4> totals() const { return sums_; }
+
+ private:
+  Lanes<float, 4> sums_;
+#endif
+};
 
 }  // namespace qorsr
