@@ -7,30 +7,36 @@
 // Several rows go at a time: what they share is loaded once, their chains of additions overlap, and they are joined together.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
+#include <type_traits>
 
 #include "frame/lanes.h"
 #include "scoring/gaussian_rows.h"
 
 namespace qorsr {
 
-// How many rows the registers hold the lanes of.
-inline constexpr int kRowsAtOnce = kNativeBytes == 16 ? 2 : 4;
-
 template <class Acc>
 struct RealSums {
   using Sum = Acc;
   static constexpr int N = 64 / static_cast<int>(sizeof(Acc));
-  using L = Lanes<Acc, N>;
+  // Frames and their lanes fill the widest registers. Rows of Gaussians stream through the cache instead, mostly across the lines
+  // of it, and loads of half that width cross fewer: the lanes are held in two halves. The sums are the same.
+  template <class M>
+  static constexpr int kHeld = kIsShared<M> ? N : N / 2;
+  // Rows that go together: as many as the registers hold the lanes of. Of Gaussians in double only two: four would be more streams
+  // than the processor fetches ahead.
+  template <class M>
+  static constexpr int kTogether = kNativeBytes == 16 || (sizeof(Acc) == 8 && !kIsShared<M>) ? 2 : 4;
 
   // (x - m)^2 * v of lanes, or of one register of them.
   template <class P>
-  static P term(P x, P m, P v) {
+  [[gnu::always_inline]] static P term(P x, P m, P v) {
     const P d = x - m;
     return d * d * v;
   }
   template <class P>
-  static P term(P x, P m, UnitRow) {
+  [[gnu::always_inline]] static P term(P x, P m, UnitRow) {
     const P d = x - m;
     return d * d;
   }
@@ -39,74 +45,72 @@ struct RealSums {
     P value;
   };
   template <class P>
-  static P term(P x, P m, Divisor<P> v) {
+  [[gnu::always_inline]] static P term(P x, P m, Divisor<P> v) {
     const P d = x - m;
     return d * d / v.value;
   }
 
-  template <class T>
-  static L load(const T* p) {
-    return loadAs<Acc, N>(p);
-  }
-  static UnitRow load(UnitRow) { return {}; }
-  template <class T>
-  static Divisor<L> load(DivisorRow<T> p) {
-    return {load(p.row)};
-  }
-
   // Behind the end of a row the difference is 0, and a divisor 1.
   template <class Part, class T>
-  static auto loadPart(Part part, const T* p) {
+  [[gnu::always_inline]] static auto loadPart(Part part, const T* p) {
     return part.load(p);
   }
   template <class Part>
-  static UnitRow loadPart(Part, UnitRow) {
+  [[gnu::always_inline]] static UnitRow loadPart(Part, UnitRow) {
     return {};
   }
   template <class Part, class T>
-  static auto loadPart(Part part, DivisorRow<T> p) {
+  [[gnu::always_inline]] static auto loadPart(Part part, DivisorRow<T> p) {
     return Divisor<decltype(part.load(p.row))>{part.load(p.row, Acc(1))};
   }
 
-  // The lanes of rows r to r + R - 1.
-  template <int R, class X, class M, class V>
-  [[gnu::always_inline]] static void accumulate(L (&acc)[R], const X& xs, const M& ms, const V& vs, int32_t r, int32_t width) {
-    decltype(xs[0]) x[R];
-    decltype(ms[0]) m[R];
-    decltype(vs[0]) v[R];
-    for (int i = 0; i < R; ++i) acc[i] = L(Acc(0)), x[i] = xs[r + i], m[i] = ms[r + i], v[i] = vs[r + i];
+  // The lanes of rows r to r + R - 1, in one set or two halves, then those joined to H lanes.
+  template <int H, int R, class X, class M, class V>
+  [[gnu::always_inline]] static void accumulate(Lanes<Acc, H> (&sums)[R], const X& xs, const M& ms, const V& vs, int32_t r,
+                                                int32_t width) {
+    const auto x = takeRows<R>(xs, r);
+    const auto m = takeRows<R>(ms, r);
+    const auto v = takeRows<R>(vs, r);
+    Lanes<Acc, H> lower[R], upper[R];
+    for (int i = 0; i < R; ++i) lower[i] = upper[i] = Lanes<Acc, H>(Acc(0));
+    const int32_t whole = width / N * N;
+    const Tail<Acc, H> lowerEnd(std::min(width - whole, H)), upperEnd(width - whole - H);
     int32_t c = 0;
-    for (; c <= width - N; c += N) {
-      for (int i = 0; i < R; ++i) acc[i] += term(load(x[i] + c), load(m[i] + c), load(v[i] + c));
+    const auto addTo = [&](Lanes<Acc, H>(&set)[R], int offset) __attribute__((always_inline)) {
+      return [&set, &x, &m, &v, at = c + offset ](auto part) __attribute__((always_inline)) {
+        for (int i = 0; i < R; ++i) {
+          auto& sum = set[i].part[part.kIndex];
+          sum = sum + term(loadPart(part, x[i] + at), loadPart(part, m[i] + at), loadPart(part, v[i] + at));
+        }
+      };
+    };
+    for (; c < whole; c += N) {
+      forWholeParts<Acc, H>(addTo(lower, 0));
+      if constexpr (H < N) forWholeParts<Acc, H>(addTo(upper, H));
     }
-    Tail<Acc, N>(width - c).forParts([&](auto part) __attribute__((always_inline)) {
-      for (int i = 0; i < R; ++i) {
-        auto& sum = acc[i].part[part.kIndex];
-        sum = sum + term(loadPart(part, x[i] + c), loadPart(part, m[i] + c), loadPart(part, v[i] + c));
-      }
-    });
+    lowerEnd.forParts(addTo(lower, 0));
+    if constexpr (H < N) upperEnd.forParts(addTo(upper, H));
+    for (int i = 0; i < R; ++i) sums[i] = H < N ? lower[i] + upper[i] : lower[i];
   }
 
   // R is 4 or 1.
   template <int R, class X, class M, class V>
-  [[gnu::always_inline]] static void tile(const X& x, const M& m, const V& v, int32_t r, int32_t width, Acc* sums) {
+  [[gnu::always_inline]] static void tile(const X& x, const M& m, const V& v, int32_t r, int32_t width, Acc* result) {
+    constexpr int H = kHeld<M>;
     if constexpr (R == 1) {
-      L acc[1];
-      accumulate(acc, x, m, v, r, width);
-      *sums = joinHalves(acc[0]);
-    } else if constexpr (kRowsAtOnce == 2) {
-      Lanes<Acc, 4> quarter[4];
-      for (int i = 0; i < 4; i += 2) {
-        L acc[2];
-        accumulate(acc, x, m, v, r + i, width);
-        quarter[i] = joinedTo<4>(acc[0]);
-        quarter[i + 1] = joinedTo<4>(acc[1]);
-      }
-      joinHalves4(quarter[0], quarter[1], quarter[2], quarter[3]).store(sums);
+      Lanes<Acc, H> sums[1];
+      accumulate(sums, x, m, v, r, width);
+      *result = joinHalves(sums[0]);
+    } else if constexpr (kTogether<M> == 2) {
+      Lanes<Acc, H> first[2], second[2];
+      accumulate(first, x, m, v, r, width);
+      const auto a = joinedTo<4>(first[0]), b = joinedTo<4>(first[1]);
+      accumulate(second, x, m, v, r + 2, width);
+      joinHalves4(a, b, joinedTo<4>(second[0]), joinedTo<4>(second[1])).store(result);
     } else {
-      L acc[4];
-      accumulate(acc, x, m, v, r, width);
-      joinHalves4(acc[0], acc[1], acc[2], acc[3]).store(sums);
+      Lanes<Acc, H> sums[4];
+      accumulate(sums, x, m, v, r, width);
+      joinHalves4(sums[0], sums[1], sums[2], sums[3]).store(result);
     }
   }
 };

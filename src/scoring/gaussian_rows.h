@@ -22,6 +22,11 @@ struct SharedRow {
 template <class T>
 SharedRow(const T*) -> SharedRow<T>;
 
+template <class Rows>
+inline constexpr bool kIsShared = false;
+template <class T>
+inline constexpr bool kIsShared<SharedRow<T>> = true;
+
 // The variance of an identity covariance: nothing to read.
 struct UnitRow {
   friend UnitRow operator+(UnitRow, std::ptrdiff_t) { return {}; }
@@ -73,6 +78,28 @@ auto diagonal(const T* mean, const V* variance) {
 template <class T>
 auto identity(const T* mean) {
   return Gaussians{SharedRow{mean}, UnitRows{}};
+}
+
+// Row pointers r to r + R - 1 of a matrix, or of a row that serves them all. Strided rows are stepped through: one multiplication a
+// tile, and nothing for a compiler to gather into vectors.
+template <class Row, int R>
+struct RowPointers {
+  Row row[R];
+
+  Row operator[](int i) const { return row[i]; }
+};
+template <int R, class Rows>
+[[gnu::always_inline]] inline auto takeRows(const Rows& rows, std::ptrdiff_t r) {
+  RowPointers<std::remove_cvref_t<decltype(rows[0])>, R> p;
+  p.row[0] = rows[r];
+  for (int i = 1; i < R; ++i) {
+    if constexpr (requires { rows.stride; }) {
+      p.row[i] = p.row[i - 1] + rows.stride;
+    } else {
+      p.row[i] = rows[r + i];
+    }
+  }
+  return p;
 }
 
 // The rows behind the first `count`.
