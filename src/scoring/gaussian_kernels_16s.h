@@ -25,12 +25,55 @@ namespace qorsr {
 
 namespace shorts {
 
-using Group = Lanes<int16_t, 8>;
-
-inline UnitRow load(UnitRow, const Tail<int16_t, 8>&) { return {}; }
-inline Group load(const int16_t* p, const Tail<int16_t, 8>& tail) { return tail.load(p); }
-inline UnitRow loadGroup(UnitRow) { return {}; }
-inline Group loadGroup(const int16_t* p) { return Group::load(p); }
+// Of a row that holds no variances nothing is loaded.
+template <int N>
+inline Lanes<int16_t, N> load(const int16_t* p) {
+  return Lanes<int16_t, N>::load(p);
+}
+template <int N>
+inline UnitRow load(UnitRow) {
+  return {};
+}
+template <int N>
+inline Lanes<int16_t, N> loadFirst(const int16_t* p, const Tail<int16_t, N>& tail) {
+  return tail.load(p);
+}
+template <int N>
+inline UnitRow loadFirst(UnitRow, const Tail<int16_t, N>&) {
+  return {};
+}
+template <bool Overlaps>
+inline Lanes<int16_t, 8> loadEnd(const int16_t* row, const RowEnd& end) {
+  return end.load<Overlaps>(row);
+}
+template <bool Overlaps>
+inline UnitRow loadEnd(UnitRow, const RowEnd&) {
+  return {};
+}
+// A group of each of R rows, one behind the other.
+template <int R>
+inline Lanes<int16_t, 8 * R> loadGroups(const RowPointers<const int16_t*, R>& rows, int32_t column) {
+  Lanes<int16_t, 8> groups[R];
+  for (int i = 0; i < R; ++i) groups[i] = Lanes<int16_t, 8>::load(rows[i] + column);
+  return chainGroups(groups);
+}
+template <int R>
+inline UnitRow loadGroups(const RowPointers<UnitRow, R>&, int32_t) {
+  return {};
+}
+// The ends of R rows, one behind the other.
+template <bool Overlaps, int R>
+inline Lanes<int16_t, 8 * R> loadEnds(const RowPointers<const int16_t*, R>& rows, const RowEnd& end) {
+  Lanes<int16_t, 8> groups[R];
+  for (int i = 0; i < R; ++i) groups[i] = end.load<Overlaps>(rows[i]);
+  return chainGroups(groups);
+}
+template <bool Overlaps, int R>
+inline UnitRow loadEnds(const RowPointers<UnitRow, R>&, const RowEnd&) {
+  return {};
+}
+inline UnitRow dropFirst(UnitRow row) { return row; }
+using qorsr::dropFirst;
 
 // d^2 * v of float lanes.
 template <int N>
@@ -54,88 +97,143 @@ inline Lanes<uint32_t, N / 2> pairs(const Lanes<int16_t, N>& a, UnitRow) {
 
 inline int32_t difference(const int16_t* x, const int16_t* m) { return static_cast<int32_t>(*x) - *m; }
 
-// total + p[0] + p[1] + ... + p[count - 1], one after the other; p beyond count is zero.
-inline float addInOrder(float total, const Lanes<float, 8>& p, int count) {
+// total + p[0] + p[1] + ... + p[7], one after the other. Of four rows, only the last four where the first four are zeros.
+inline float addInOrder(float total, const Lanes<float, 8> (&p)[1]) {
   float all[8];
-  p.store(all);
-  for (int i = 0; i < count; ++i) total += all[i];
+  p[0].store(all);
+  for (const float term : all) total += term;
   return total;
 }
-inline Lanes<float, 4> addInOrder(Lanes<float, 4> total, const Lanes<float, 8> (&p)[4], int count) {
+template <bool Lower, bool Upper>
+inline Lanes<float, 4> addInOrder(Lanes<float, 4> total, const Lanes<float, 8> (&p)[4]) {
   const auto addFour = [&](const Turned& t) { total = total + t.lane[0] + t.lane[1] + t.lane[2] + t.lane[3]; };
-  addFour(turn4(lowerHalf(p[0]), lowerHalf(p[1]), lowerHalf(p[2]), lowerHalf(p[3])));
-  if (count > 4) addFour(turn4(upperHalf(p[0]), upperHalf(p[1]), upperHalf(p[2]), upperHalf(p[3])));
+  if (Lower) addFour(turn4(lowerHalf(p[0]), lowerHalf(p[1]), lowerHalf(p[2]), lowerHalf(p[3])));
+  if (Upper) addFour(turn4(upperHalf(p[0]), upperHalf(p[1]), upperHalf(p[2]), upperHalf(p[3])));
   return total;
 }
 
-inline float joinRows(const Lanes<float, 8> (&p)[1]) { return joinHalves(p[0]); }
-inline Lanes<float, 4> joinRows(const Lanes<float, 8> (&p)[4]) { return joinHalves4(p[0], p[1], p[2], p[3]); }
+// The total of one row.
+class GroupTotal {
+ public:
+  static constexpr int kProducts = 8;
+  void add(const Lanes<float, 8> (&p)[1]) { sum_ += joinHalves(p[0]); }
+  float totals() const { return sum_; }
+
+ private:
+  float sum_ = 0.0F;
+};
 
 }  // namespace shorts
 
 struct ShortSums {
   using Sum = float;
 
+  // R is 4 or 1.
   template <int R, class X, class M, class V>
   [[gnu::always_inline]] void tile(const X& xs, const M& ms, const V& vs, int32_t r, int32_t width, float* sums) const {
-    const int16_t *x[R], *m[R];
-    decltype(vs[0]) v[R];
-    for (int i = 0; i < R; ++i) x[i] = xs[r + i], m[i] = ms[r + i], v[i] = vs[r + i];
-    std::conditional_t<R == 1, float, Lanes<float, 4>> total(0.0F);
-    Lanes<float, 8> p[R];
+    const auto x = takeRows<R>(xs, r), m = takeRows<R>(ms, r);
+    const auto v = takeRows<R>(vs, r);
+    using Totals = std::conditional_t<R == 1, shorts::GroupTotal, GroupTotals>;
+    constexpr int K = Totals::kProducts;
+    Totals groups;
+    Lanes<float, K> p[R];
     int32_t c = 0;
-    for (; c <= width - 8; c += 8) {
+    for (; c <= width - K; c += K) {
       for (int i = 0; i < R; ++i) {
-        const auto d = subtractSaturated(shorts::loadGroup(x[i] + c), shorts::loadGroup(m[i] + c));
-        p[i] = shorts::weighted(toFloat(d), shorts::loadGroup(v[i] + c));
+        const auto d = subtractSaturated(shorts::load<K>(x[i] + c), shorts::load<K>(m[i] + c));
+        p[i] = shorts::weighted(toFloat(d), shorts::load<K>(v[i] + c));
       }
-      total = total + shorts::joinRows(p);
+      groups.add(p);
     }
-    if (c < width) {
-      const Tail<int16_t, 8> tail(width - c);
+    if (K > 8 && c <= width - 8) {  // one group more, beside one of zeros
+      const Tail<int16_t, K> group(8);
       for (int i = 0; i < R; ++i) {
-        const auto d = toFloat(tail.load(x[i] + c)) - toFloat(tail.load(m[i] + c));
-        p[i] = shorts::weighted(d, shorts::load(v[i] + c, tail));
+        const auto d = subtractSaturated(group.load(x[i] + c), group.load(m[i] + c));
+        p[i] = shorts::weighted(toFloat(d), shorts::loadFirst(v[i] + c, group));
       }
-      if constexpr (R == 1) total = shorts::addInOrder(total, p[0], tail.size());
-      if constexpr (R == 4) total = shorts::addInOrder(total, p, tail.size());
+      groups.add(p);
+    }
+    auto total = groups.totals();
+    if (width % 8 != 0) {
+      const RowEnd end(width);
+      if (end.overlaps()) total = addEnds<true>(total, x, m, v, end);
+      if (!end.overlaps()) total = addEnds<false>(total, x, m, v, end);
     }
     if constexpr (R == 1) *sums = total;
     if constexpr (R == 4) total.store(sums);
+  }
+
+ private:
+  // The remainders, without saturation, element by element.
+  template <bool Overlaps, class Totals, int R, class V>
+  [[gnu::always_inline]] static Totals addEnds(Totals total, const RowPointers<const int16_t*, R>& x,
+                                               const RowPointers<const int16_t*, R>& m, const RowPointers<V, R>& v,
+                                               const RowEnd& end) {
+    Lanes<float, 8> p[R];
+    for (int i = 0; i < R; ++i) {
+      const auto d = toFloat(end.keep<1>(end.load<Overlaps>(x[i]))) - toFloat(end.keep<1>(end.load<Overlaps>(m[i])));
+      p[i] = shorts::weighted(d, shorts::loadEnd<Overlaps>(v[i], end));
+    }
+    if constexpr (R == 1) {
+      return shorts::addInOrder(total, p);
+    } else {
+      if (end.count() > 4) return shorts::addInOrder<true, true>(total, p);
+      return shorts::addInOrder<!Overlaps, Overlaps>(total, p);
+    }
   }
 };
 
 struct ShortIntegerSums {
   using Sum = int32_t;
 
-  // A negative scale factor shifts left (identity variance alone).
-  explicit ShortIntegerSums(int32_t scaleFactor) {
-    const int64_t sf = scaleFactor;
-    upper_ = Shift(15 - sf);
-    lower_ = Shift(sf > 15 ? -15 : -sf);  // required: right by 15 at most
-  }
+  // A negative scale factor shifts left (identity variance alone). required: the lower halves shift right by 15 at most.
+  explicit ShortIntegerSums(int32_t scaleFactor)
+      : scaleFactor_(scaleFactor), upper_(int64_t{scaleFactor} - 15), lower_(std::min(scaleFactor, 15)) {}
 
+  // R is 4 or 1.
   template <int R, class X, class M, class V>
   [[gnu::always_inline]] void tile(const X& xs, const M& ms, const V& vs, int32_t r, int32_t width, int32_t* sums) const {
-    Lanes<uint32_t, 4> total[R];
-    for (int i = 0; i < R; ++i) total[i] = rowLanes(xs[r + i], ms[r + i], vs[r + i], width);
-    if constexpr (R == 4) {
-      asSigned(joinHalves4(total[0], total[1], total[2], total[3])).store(sums);
-    } else {
-      *sums = static_cast<int32_t>(joinHalves(total[0]));
+    const auto x = takeRows<R>(xs, r), m = takeRows<R>(ms, r);
+    const auto v = takeRows<R>(vs, r);
+    constexpr bool kUnit = std::is_same_v<decltype(v[0]), UnitRow>;
+    Halves<kWide / 2> rows[R];
+    const int32_t whole = width / 8 * 8;
+    int32_t c = 0;
+    for (; c <= whole - kWide; c += kWide) {
+      for (int i = 0; i < R; ++i) {
+        rows[i].add(subtractSaturated(shorts::load<kWide>(x[i] + c), shorts::load<kWide>(m[i] + c)), shorts::load<kWide>(v[i] + c));
+      }
     }
-    if constexpr (std::is_same_v<decltype(vs[0]), UnitRow>) {
-      if (width % 2 == 0) return;
-      for (int i = 0; i < R; ++i) sums[i] = wrapAdd(sums[i], lastOfUnit(xs[r + i] + width - 1, ms[r + i] + width - 1));
+    Halves<4 * R> groups = folded(rows);
+    for (; c < whole; c += 8) {  // single groups, those of all rows together
+      groups.add(subtractSaturated(shorts::loadGroups(x, c), shorts::loadGroups(m, c)), shorts::loadGroups(v, c));
+    }
+    // With identity variance a last odd element comes by itself.
+    const int32_t even = kUnit ? width / 2 * 2 : width;
+    Lanes<uint32_t, 4 * R> total;
+    if (even == whole) {
+      total = shifted(groups);
+    } else {
+      Halves<4 * R> ends;
+      const RowEnd end(even);
+      if (end.overlaps()) ends.template addEnds<true>(x, m, v, end);
+      if (!end.overlaps()) ends.template addEnds<false>(x, m, v, end);
+      total = shifted(groups, ends);
+    }
+    if constexpr (R == 4) asSigned(joinFours(total)).store(sums);
+    if constexpr (R == 1) *sums = static_cast<int32_t>(joinHalves(total));
+    if (kUnit && width % 2 != 0) {
+      for (int i = 0; i < R; ++i) sums[i] = wrapAdd(sums[i], lastOfUnit(x[i] + width - 1, m[i] + width - 1));
     }
   }
 
  private:
   static constexpr int kWide = kNativeLanes<int16_t>;
 
+  // The two sums, without their sign.
   template <int N>
   struct Halves {
-    Lanes<uint32_t, N> upper, lower;
+    Lanes<uint32_t, N> upper{0}, lower{0};
 
     template <class V>
     [[gnu::always_inline]] void add(const Lanes<int16_t, 2 * N>& d, const V& v) {
@@ -143,81 +241,59 @@ struct ShortIntegerSums {
       upper += shorts::pairs(square.upper, v);
       lower += shorts::pairs(square.halvedLower, v);
     }
+    // Pairs must stay pairs: an odd number of elements that end the lanes is moved down by one.
+    template <bool Overlaps, int R, class V>
+    [[gnu::always_inline]] void addEnds(const RowPointers<const int16_t*, R>& x, const RowPointers<const int16_t*, R>& m,
+                                        const RowPointers<V, R>& v, const RowEnd& end) {
+      const auto d = end.keep<R>(subtractSaturated(shorts::loadEnds<Overlaps>(x, end), shorts::loadEnds<Overlaps>(m, end)));
+      const auto weights = shorts::loadEnds<Overlaps>(v, end);
+      if (Overlaps && end.count() % 2 != 0) {
+        add(shorts::dropFirst(d), shorts::dropFirst(weights));
+      } else {
+        add(d, weights);
+      }
+    }
   };
 
-  template <int N>
-  static Lanes<int16_t, N> loadWide(const int16_t* p) {
-    return Lanes<int16_t, N>::load(p);
+  static Halves<4> folded(const Halves<kWide / 2> (&rows)[1]) {
+    Halves<4> h;
+    h.upper = joinedTo<4>(rows[0].upper);
+    h.lower = joinedTo<4>(rows[0].lower);
+    return h;
   }
-  template <int N>
-  static UnitRow loadWide(UnitRow) {
-    return {};
-  }
-  template <int N>
-  static Lanes<int16_t, N> loadTail(const int16_t* p, const Tail<int16_t, N>& tail) {
-    return tail.load(p);
-  }
-  template <int N>
-  static UnitRow loadTail(UnitRow, const Tail<int16_t, N>&) {
-    return {};
+  static Halves<16> folded(const Halves<kWide / 2> (&rows)[4]) {
+    Halves<16> h;
+    h.upper = foldToFours(rows[0].upper, rows[1].upper, rows[2].upper, rows[3].upper);
+    h.lower = foldToFours(rows[0].lower, rows[1].lower, rows[2].lower, rows[3].lower);
+    return h;
   }
 
-  // Shifted lanes of one row, with the negative sign.
-  template <class V>
-  [[gnu::always_inline]] Lanes<uint32_t, 4> rowLanes(const int16_t* x, const int16_t* m, V v, int32_t width) const {
-    Halves<kWide / 2> groups{Lanes<uint32_t, kWide / 2>(0), Lanes<uint32_t, kWide / 2>(0)};
-    const int32_t whole = width - width % 8;
-    int32_t c = 0;
-    for (; c <= whole - kWide; c += kWide) {
-      groups.add(subtractSaturated(loadWide<kWide>(x + c), loadWide<kWide>(m + c)), loadWide<kWide>(v + c));
-    }
-    if (kWide > 8 && c < whole) {
-      const Tail<int16_t, kWide> tail(whole - c);
-      groups.add(subtractSaturated(tail.load(x + c), tail.load(m + c)), loadTail(v + c, tail));
-    }
-    Lanes<uint32_t, 4> total = shifted(joinedTo<4>(groups.upper), joinedTo<4>(groups.lower));
-    constexpr bool kUnit = std::is_same_v<V, UnitRow>;
-    const int32_t rest = kUnit ? width % 8 / 2 * 2 : width % 8;
-    if (rest > 0) {
-      const Tail<int16_t, 8> tail(rest);
-      Halves<4> pairs{Lanes<uint32_t, 4>(0), Lanes<uint32_t, 4>(0)};
-      pairs.add(subtractSaturated(tail.load(x + whole), tail.load(m + whole)), loadTail(v + whole, tail));
-      total += shifted(pairs.upper, pairs.lower);
-    }
-    return total;
+  // The shifted lanes with the negative sign, of one set of sums or of two that are shifted each by itself. In the usual range of
+  // scale factors the upper halves move left, which loses nothing by coming last.
+  template <int N>
+  Lanes<uint32_t, N> shifted(const Halves<N>& a) const {
+    const Lanes<uint32_t, N> zero(0);
+    return asUnsigned(upper_(asSigned(zero - a.upper))) + asUnsigned(lower_(asSigned(zero - a.lower)));
   }
-
-  Lanes<uint32_t, 4> shifted(const Lanes<uint32_t, 4>& upper, const Lanes<uint32_t, 4>& lower) const {
-    const Lanes<uint32_t, 4> zero(0);
-    return upper_.of(zero - upper) + lower_.of(zero - lower);
+  template <int N>
+  Lanes<uint32_t, N> shifted(const Halves<N>& a, const Halves<N>& b) const {
+    if (scaleFactor_ < 0 || scaleFactor_ > 15) return shifted(a) + shifted(b);
+    const Lanes<uint32_t, N> zero(0);
+    const auto right = [&](const Lanes<uint32_t, N>& l) { return asUnsigned(shiftRight(asSigned(l), scaleFactor_)); };
+    return shiftLeft(zero - (a.upper + b.upper), 15 - scaleFactor_) + (right(zero - a.lower) + right(zero - b.lower));
   }
 
   // The last odd element with identity variance: a plain difference, whose square fits 32 unsigned bits.
   int32_t lastOfUnit(const int16_t* x, const int16_t* m) const {
     const auto d = static_cast<uint32_t>(shorts::difference(x, m)), square = d * d;
-    const auto sum =
-        shifted(Lanes<uint32_t, 4>::of(square >> 16, 0, 0, 0), Lanes<uint32_t, 4>::of((square & 0xFFFF) >> 1, 0, 0, 0));
-    return static_cast<int32_t>(joinHalves(sum));
+    Halves<4> one;
+    one.upper = Lanes<uint32_t, 4>::of(square >> 16, 0, 0, 0);
+    one.lower = Lanes<uint32_t, 4>::of((square & 0xFFFF) >> 1, 0, 0, 0);
+    return static_cast<int32_t>(joinHalves(shifted(one)));
   }
 
-  // An arithmetic shift of 32-bit lanes by any count, left if it is positive. A shift by 32 takes two steps.
-  class Shift {
-   public:
-    Shift() = default;
-    explicit Shift(int64_t left) {
-      left_ = static_cast<int>(std::clamp<int64_t>(left, 0, 31));
-      more_ = left > 31 ? 1 : 0;
-      right_ = static_cast<int>(std::clamp<int64_t>(-left, 0, 31));
-    }
-    Lanes<uint32_t, 4> of(const Lanes<uint32_t, 4>& a) const {
-      return asUnsigned(shiftRight(asSigned(shiftLeft(shiftLeft(a, left_), more_)), right_));
-    }
-
-   private:
-    int left_ = 0, more_ = 0, right_ = 0;
-  };
-
-  Shift upper_, lower_;
+  int32_t scaleFactor_;
+  ScaleShift upper_, lower_;
 };
 
 // Identity variance only.
@@ -244,11 +320,11 @@ struct ShortPairSums {
   [[gnu::always_inline]] static Lanes<float, 4> rowLanes(const int16_t* x, const int16_t* m, int32_t width) {
     Lanes<float, 4> total(0.0F);
     int32_t c = 0;
-    const auto add = [&](const shorts::Group& a, const shorts::Group& b) {
-      const shorts::Group d = subtractSaturated(a, b);
+    const auto add = [&](const Lanes<int16_t, 8>& a, const Lanes<int16_t, 8>& b) {
+      const Lanes<int16_t, 8> d = subtractSaturated(a, b);
       total += toFloat(pairDots(d, d));
     };
-    for (; c <= width - 8; c += 8) add(shorts::loadGroup(x + c), shorts::loadGroup(m + c));
+    for (; c <= width - 8; c += 8) add(shorts::load<8>(x + c), shorts::load<8>(m + c));
     if (const int32_t rest = (width - c) / 2 * 2; rest > 0) {
       const Tail<int16_t, 8> tail(rest);
       add(tail.load(x + c), tail.load(m + c));
