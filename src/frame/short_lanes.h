@@ -173,6 +173,51 @@ inline Lanes<int16_t, N> dropFirst(const Lanes<int16_t, N>& a) {
   return Lanes<int16_t, N>::each(a, [](Part x) { return native::dropFirst(x); });
 }
 
+// total + p[0] + p[1] + ... + p[7], one after the other, for each of four rows. UpperOnly: from p[4] on.
+template <bool UpperOnly>
+inline Lanes<float, 4> addInOrder(const Lanes<float, 4>& total, const Lanes<float, 8> (&rows)[4]) {
+  using Four = native::Vector<float, 4>;
+  Four sum = total.part[0];
+#if defined(__AVX512F__)
+  const auto pair = [](auto x, auto y) {
+    return __builtin_shufflevector(x, y, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
+  };
+  const auto ab = pair(rows[0].part[0], rows[1].part[0]), cd = pair(rows[2].part[0], rows[3].part[0]);
+  const auto addFours = [&](auto fours) {  // a0 b0 c0 d0, a1 b1 c1 d1, ...
+    sum = sum + __builtin_shufflevector(fours, fours, 0, 1, 2, 3);
+    sum = sum + __builtin_shufflevector(fours, fours, 4, 5, 6, 7);
+    sum = sum + __builtin_shufflevector(fours, fours, 8, 9, 10, 11);
+    sum = sum + __builtin_shufflevector(fours, fours, 12, 13, 14, 15);
+  };
+  if (!UpperOnly) addFours(__builtin_shufflevector(ab, cd, 0, 8, 16, 24, 1, 9, 17, 25, 2, 10, 18, 26, 3, 11, 19, 27));
+  addFours(__builtin_shufflevector(ab, cd, 4, 12, 20, 28, 5, 13, 21, 29, 6, 14, 22, 30, 7, 15, 23, 31));
+#elif defined(__AVX2__)
+  const auto evens = [](auto x, auto y) { return __builtin_shufflevector(x, y, 0, 1, 8, 9, 4, 5, 12, 13); };
+  const auto odds = [](auto x, auto y) { return __builtin_shufflevector(x, y, 2, 3, 10, 11, 6, 7, 14, 15); };
+  const auto lows = [](auto x, auto y) { return __builtin_shufflevector(x, y, 0, 8, 1, 9, 4, 12, 5, 13); };
+  const auto highs = [](auto x, auto y) { return __builtin_shufflevector(x, y, 2, 10, 3, 11, 6, 14, 7, 15); };
+  const auto ab = lows(rows[0].part[0], rows[1].part[0]), cd = lows(rows[2].part[0], rows[3].part[0]);
+  const auto abHigh = highs(rows[0].part[0], rows[1].part[0]), cdHigh = highs(rows[2].part[0], rows[3].part[0]);
+  const native::Vector<float, 8> fours[4] = {evens(ab, cd), odds(ab, cd), evens(abHigh, cdHigh), odds(abHigh, cdHigh)};
+  if (!UpperOnly) {  // a0 b0 c0 d0 a4 b4 c4 d4, ...
+    for (const auto& f : fours) sum = sum + __builtin_shufflevector(f, f, 0, 1, 2, 3);
+  }
+  for (const auto& f : fours) sum = sum + __builtin_shufflevector(f, f, 4, 5, 6, 7);
+#else
+  const auto addFours = [&](int half) {
+    Lanes<float, 4> four[4];
+    for (int i = 0; i < 4; ++i) four[i].part[0] = rows[i].part[half];
+    const Turned turned = turn4(four[0], four[1], four[2], four[3]);
+    for (const auto& f : turned.lane) sum = sum + f.part[0];
+  };
+  if (!UpperOnly) addFours(0);
+  addFours(1);
+#endif
+  Lanes<float, 4> v;
+  v.part[0] = sum;
+  return v;
+}
+
 // Totals of four rows. Each group of eight products is joined by halves, ((p0 + p4) + (p2 + p6)) + ((p1 + p5) + (p3 + p7)), and
 // joins the total of its row, group by group.
 class GroupTotals {

@@ -42,13 +42,14 @@ template <int N>
 inline UnitRow loadFirst(UnitRow, const Tail<int16_t, N>&) {
   return {};
 }
+// The weights of a row's end, zeros where it does not reach; without variances ones.
 template <bool Overlaps>
-inline Lanes<int16_t, 8> loadEnd(const int16_t* row, const RowEnd& end) {
-  return end.load<Overlaps>(row);
+inline Lanes<float, 8> endWeights(const int16_t* row, const RowEnd& end) {
+  return toFloat(end.keep<1>(end.load<Overlaps>(row)));
 }
 template <bool Overlaps>
-inline UnitRow loadEnd(UnitRow, const RowEnd&) {
-  return {};
+inline Lanes<float, 8> endWeights(UnitRow, const RowEnd& end) {
+  return toFloat(end.keep<1>(Lanes<int16_t, 8>(1)));
 }
 // A group of each of R rows, one behind the other.
 template <int R>
@@ -97,18 +98,11 @@ inline Lanes<uint32_t, N / 2> pairs(const Lanes<int16_t, N>& a, UnitRow) {
 
 inline int32_t difference(const int16_t* x, const int16_t* m) { return static_cast<int32_t>(*x) - *m; }
 
-// total + p[0] + p[1] + ... + p[7], one after the other. Of four rows, only the last four where the first four are zeros.
-inline float addInOrder(float total, const Lanes<float, 8> (&p)[1]) {
+// total + p[0] + p[1] + ... + p[7], one after the other.
+inline float addInOrder(float total, const Lanes<float, 8>& p) {
   float all[8];
-  p[0].store(all);
+  p.store(all);
   for (const float term : all) total += term;
-  return total;
-}
-template <bool Lower, bool Upper>
-inline Lanes<float, 4> addInOrder(Lanes<float, 4> total, const Lanes<float, 8> (&p)[4]) {
-  const auto addFour = [&](const Turned& t) { total = total + t.lane[0] + t.lane[1] + t.lane[2] + t.lane[3]; };
-  if (Lower) addFour(turn4(lowerHalf(p[0]), lowerHalf(p[1]), lowerHalf(p[2]), lowerHalf(p[3])));
-  if (Upper) addFour(turn4(upperHalf(p[0]), upperHalf(p[1]), upperHalf(p[2]), upperHalf(p[3])));
   return total;
 }
 
@@ -171,14 +165,14 @@ struct ShortSums {
                                                const RowEnd& end) {
     Lanes<float, 8> p[R];
     for (int i = 0; i < R; ++i) {
-      const auto d = toFloat(end.keep<1>(end.load<Overlaps>(x[i]))) - toFloat(end.keep<1>(end.load<Overlaps>(m[i])));
-      p[i] = shorts::weighted(d, shorts::loadEnd<Overlaps>(v[i], end));
+      const auto d = toFloat(end.load<Overlaps>(x[i])) - toFloat(end.load<Overlaps>(m[i]));
+      p[i] = d * d * shorts::endWeights<Overlaps>(v[i], end);
     }
     if constexpr (R == 1) {
-      return shorts::addInOrder(total, p);
+      return shorts::addInOrder(total, p[0]);
     } else {
-      if (end.count() > 4) return shorts::addInOrder<true, true>(total, p);
-      return shorts::addInOrder<!Overlaps, Overlaps>(total, p);
+      if (Overlaps && end.count() <= 4) return addInOrder<true>(total, p);
+      return addInOrder<false>(total, p);
     }
   }
 };
