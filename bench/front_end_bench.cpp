@@ -1,5 +1,5 @@
-// The road from samples to features, and its parts: the forward real transform beside kissfft and FFTW, the evaluation of a filter bank
-// beside the plain loop, and the whole front-end at 16 kHz (frames of 25 ms every 10 ms, 26 filters, 13 cepstra with deltas and
+// The road from samples to features, and its parts: the forward real transform beside kissfft and FFTW, the evaluation of filter
+// banks beside the plain loops, and the whole front-end at 16 kHz (frames of 25 ms every 10 ms, 26 filters, 13 cepstra with deltas and
 // accelerations) beside FFTW's transform of the same length alone.
 #include <cmath>
 #include <cstdint>
@@ -68,7 +68,8 @@ void addTransform(const bench::Level& level, const std::string& task, int32_t or
 
 // ---- The whole front-end ----
 
-constexpr int32_t kRate = 16000, kFrame = 400, kHop = 160, kFft = 512, kFilters = 26, kCepstra = 13, kFrames = 300;
+constexpr int32_t kRate = 16000, kFrame = 400, kHop = 160, kFft = 512, kFilters = 26, kCepstra = 13, kFrames = 300,
+                  kBins = kFft / 2 + 1;
 
 struct FrontEnd {
   FBankState_32f *bank = nullptr, *spectrumBank = nullptr;
@@ -110,28 +111,79 @@ void addFrontEnd(const bench::Level& level, const std::string& task) {
 
 // ---- Evaluation of a bank ----
 
-void addEvaluation(const bench::Level& level, const std::string& task) {
-  const auto f = std::make_shared<FrontEnd>(level);
-  const auto spectrum = std::make_shared<std::vector<float>>(noise(kFft / 2 + 1));
-  struct Dense {
-    std::vector<float> weights;
-    std::vector<int32_t> first, count;
-  };
-  const auto dense = std::make_shared<Dense>();
-  std::vector<int32_t> centers(kFilters + 2);
-  OURS(qorsFBankGetCenters_32f)(f->spectrumBank, centers.data());
-  for (int32_t k = 1; k <= kFilters; ++k) {
-    const int32_t first = centers[static_cast<std::size_t>(k) - 1], last = centers[static_cast<std::size_t>(k) + 1];
-    std::vector<float> weights(static_cast<std::size_t>(last - first + 1));
-    OURS(qorsFBankGetCoeffs_32f)(f->spectrumBank, k, weights.data());
-    dense->weights.insert(dense->weights.end(), weights.begin(), weights.end());
-    dense->first.push_back(first);
-    dense->count.push_back(last - first + 1);
+// A bank's weights, one filter behind the other.
+struct Dense {
+  std::vector<float> weights;
+  std::vector<int32_t> first, count;
+
+  Dense(const bench::Level& level, const FBankState_32f* bank) {
+    std::vector<int32_t> centers(kFilters + 2);
+    OURS(qorsFBankGetCenters_32f)(bank, centers.data());
+    for (int32_t k = 1; k <= kFilters; ++k) {
+      const int32_t from = centers[static_cast<std::size_t>(k) - 1], to = centers[static_cast<std::size_t>(k) + 1];
+      std::vector<float> filter(static_cast<std::size_t>(to - from + 1));
+      OURS(qorsFBankGetCoeffs_32f)(bank, k, filter.data());
+      weights.insert(weights.end(), filter.begin(), filter.end());
+      first.push_back(from);
+      count.push_back(to - from + 1);
+    }
   }
+  std::vector<int32_t> wholeWeights(float one) const {
+    std::vector<int32_t> v;
+    for (const float w : weights) v.push_back(static_cast<int32_t>(w * one));
+    return v;
+  }
+};
+
+void addEvaluation(const bench::Level& level) {
+  const std::string task = "EvalFBank 32f, 26 filters over 257 bins";
+  const auto f = std::make_shared<FrontEnd>(level);
+  const auto spectrum = std::make_shared<std::vector<float>>(noise(kBins));
+  const auto dense = std::make_shared<Dense>(level, f->spectrumBank);
   bench::add({task, "ours", level.name, 1, "spectra"},
              [=, e = OURS(qorsEvalFBank_32f)] { e(spectrum->data(), f->energies.data(), f->spectrumBank); });
   bench::add({task, "plain", level.name}, [=, e = PLAIN(plainEvalFBank)] {
     e(spectrum->data(), dense->weights.data(), dense->first.data(), dense->count.data(), kFilters, f->energies.data());
+  });
+}
+
+// Banks of whole weights, and spectra and results of whole numbers.
+struct WholeBanks {
+  FBankState_16s* bank16 = nullptr;
+  std::vector<char> block;  // of the fixed-point bank
+  std::vector<int16_t> spectrum16, result16 = std::vector<int16_t>(kFilters);
+  std::vector<int32_t> spectrum32, result32 = std::vector<int32_t>(kFilters);
+
+  explicit WholeBanks(const bench::Level& level) {
+    int32_t order = 0, bytes = 0;
+    OURS(qorsMelFBankInitAlloc_16s)(&bank16, &order, kFft, kRate, 64.0F, 8000.0F, kFilters, 1127.0F, 700.0F, 1);
+    OURS(qorsMelFBankGetSize_32s)(kFft, kFilters, 2, &bytes);
+    block.resize(static_cast<std::size_t>(bytes));
+    OURS(qorsMelFBankInit_32s)(bank32(), &order, kFft, kRate, 64, 8000, kFilters, 1127 << 15, 700 << 15, 2);
+    for (const float x : noise(kBins)) {
+      spectrum16.push_back(static_cast<int16_t>(x));
+      spectrum32.push_back(static_cast<int32_t>(x * 100.0F));
+    }
+  }
+  FBankState_32s* bank32() { return reinterpret_cast<FBankState_32s*>(block.data()); }
+};
+
+void addWholeEvaluations(const bench::Level& level) {
+  const FrontEnd f(level);
+  const auto dense = std::make_shared<Dense>(level, f.spectrumBank);
+  const auto w = std::make_shared<WholeBanks>(level);
+  const auto weights14 = std::make_shared<std::vector<int32_t>>(dense->wholeWeights(0x1p14F));
+  const auto weights30 = std::make_shared<std::vector<int32_t>>(dense->wholeWeights(0x1p30F));
+  const std::string task16 = "EvalFBank 16s, 26 filters over 257 bins", task32 = "EvalFBank 32s, 26 filters over 257 bins";
+  bench::add({task16, "ours", level.name, 1, "spectra"},
+             [=, e = OURS(qorsEvalFBank_16s_Sfs)] { e(w->spectrum16.data(), w->result16.data(), w->bank16, 4); });
+  bench::add({task16, "plain", level.name}, [=, e = PLAIN(plainEvalFBank16)] {
+    e(w->spectrum16.data(), weights14->data(), dense->first.data(), dense->count.data(), kFilters, w->result16.data(), 18);
+  });
+  bench::add({task32, "ours", level.name, 1, "spectra"},
+             [=, e = OURS(qorsEvalFBank_32s_Sfs)] { e(w->spectrum32.data(), w->result32.data(), w->bank32(), 0); });
+  bench::add({task32, "plain", level.name}, [=, e = PLAIN(plainEvalFBank32)] {
+    e(w->spectrum32.data(), weights30->data(), dense->first.data(), dense->count.data(), kFilters, w->result32.data());
   });
 }
 
@@ -145,7 +197,8 @@ int main(int argc, char** argv) {
     addTransformPeers(task, 1 << order);
   }
   for (const bench::Level& level : bench::levels()) {
-    addEvaluation(level, "EvalFBank 32f, 26 filters over 257 bins");
+    addEvaluation(level);
+    addWholeEvaluations(level);
     addFrontEnd(level, whole);
   }
 #if QORSR_HAVE_FFTW3F

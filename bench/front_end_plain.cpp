@@ -23,6 +23,27 @@ void plainEvalFBank(const float* spectrum, const float* weights, const int32_t* 
   }
 }
 
+void plainEvalFBank16(const int16_t* spectrum, const int32_t* weights, const int32_t* first, const int32_t* count, int32_t filters,
+                      int16_t* result, int32_t shift) {
+  for (int32_t k = 0; k < filters; ++k) {
+    int64_t sum = 0;
+    for (int32_t i = 0; i < count[k]; ++i) sum += int64_t{weights[i]} * spectrum[first[k] + i];
+    sum >>= shift;
+    result[k] = static_cast<int16_t>(sum < -32768 ? -32768 : sum > 32767 ? 32767 : sum);
+    weights += count[k];
+  }
+}
+
+void plainEvalFBank32(const int32_t* spectrum, const int32_t* weights, const int32_t* first, const int32_t* count, int32_t filters,
+                      int32_t* result) {
+  for (int32_t k = 0; k < filters; ++k) {
+    int64_t sum = 0;
+    for (int32_t i = 0; i < count[k]; ++i) sum += (int64_t{weights[i]} * spectrum[first[k] + i]) >> 8;
+    result[k] = static_cast<int32_t>((sum >> 22) + (sum >> 21 & 1));
+    weights += count[k];
+  }
+}
+
 int64_t transformSetupBytes(int32_t order) { return qorsr::RealTransform::setupBytes(order); }
 int64_t transformWorkBytes(int32_t order) { return qorsr::RealTransform::workBytes(order); }
 void transformInit(void* setup, int32_t order) { qorsr::RealTransform::init(setup, order); }

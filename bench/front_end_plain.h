@@ -13,6 +13,11 @@ PLAIN_API void programLog(float* values, int32_t length, float floor);
 // y[k] = sum over the bins of filter k; `first` and `count` say which, weights stand one filter behind the other.
 PLAIN_API void plainEvalFBank(const float* spectrum, const float* weights, const int32_t* first, const int32_t* count,
                               int32_t filters, float* result);
+// The same in integers, Q14 weights and Q30 ones: sums in 64 bits; each product of the latter loses 8 bits, and results are rounded.
+PLAIN_API void plainEvalFBank16(const int16_t* spectrum, const int32_t* weights, const int32_t* first, const int32_t* count,
+                                int32_t filters, int16_t* result, int32_t shift);
+PLAIN_API void plainEvalFBank32(const int32_t* spectrum, const int32_t* weights, const int32_t* first, const int32_t* count,
+                                int32_t filters, int32_t* result);
 
 // The library's transform has no export of its own, so its source is compiled here too, with the library's flags.
 PLAIN_API int64_t transformSetupBytes(int32_t order);
