@@ -109,7 +109,7 @@ QorStatus setCoeffs(Bank* state, int32_t k, const float* weights) {
   const int32_t rising = bank.risingSection(k).count, falling = bank.fallingSection(k).count;
   for (int32_t i = 0; i < rising; ++i) assign(bank.rising(k)[i], *weights++);
   for (int32_t i = 0; i < falling; ++i) assign(bank.falling(k)[i], *weights++);
-  planFilter(state, k);
+  replanEvaluation(state, k);
   return qorStatusOk;
 }
 
@@ -175,6 +175,8 @@ QorStatus evaluate(const int16_t* source, Result* result, const FBankState_16s* 
   const auto store = [&](int64_t sum) { return saturate<Result>(shiftByScale(sum, shift)); };
   if (front) {
     evaluateBank<LowProduct>(viewOf(state), wholeMagnitudes(source, state), result, store);
+  } else if (state->planned) {
+    evaluatePlanned<ExactProduct, int16_t>(viewOf(state), planOf(state), source, result, store);
   } else {
     evaluateBank<ExactProduct>(viewOf(state), source, result, store);
   }
@@ -223,6 +225,12 @@ QorStatus qorsEvalFBank_32s_Sfs(const int32_t* source, int32_t* result, const FB
   if (QorStatus bad = Checks().null(source, result, state).require(scaleFactor >= -31 && scaleFactor <= 31, qorStatusBadArgument)) {
     return bad;
   }
-  evaluateBank<ShiftedProduct>(viewOf(state), source, result, [&](int64_t sum) { return fixedResult(sum, scaleFactor); });
+  const auto store = [&](int64_t sum) { return fixedResult(sum, scaleFactor); };
+  if (state->plan != 0) {
+    const auto* plan = areaAt<const std::byte>(state, state->plan);
+    evaluatePlanned<ShiftedProduct, int32_t>(viewOf(state), plan, source, result, store);
+  } else {
+    evaluateBank<ShiftedProduct>(viewOf(state), source, result, store);
+  }
   return qorStatusOk;
 }

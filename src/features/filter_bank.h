@@ -7,7 +7,8 @@
 // existing bin, and an empty section adds nothing. Nothing a caller can set makes a section longer than the H + 1 elements of a
 // row.
 //
-// Behind the rows of the n filters, the room of two more rows holds the plan of a float bank's evaluation (filter_bank_plan.h).
+// Behind the rows of the n filters, the room of two more rows holds the plan of a bank's evaluation (filter_bank_plan.h, and
+// filter_bank_integer.h for integers).
 //
 // Weights are floats in the float bank and Q14 integers in the 16-bit one. A filter's two rows lie side by side, falling then
 // rising; falling element 0 begins on a 32-byte boundary, rising element 1 on one of 16 bytes.
@@ -31,8 +32,9 @@ struct [[gnu::packed]] FilterBankRecord {
   int32_t filterCount, linearFilterCount;
   float melMul, melDiv;
   uint8_t ready;
-  uint8_t planned;  // whether there is a plan of the evaluation
-  uint16_t unused;
+  uint8_t planned;       // whether there is a plan of the evaluation
+  uint8_t wholeWeights;  // the weights are integers: a 16-bit bank
+  uint8_t unused;
   int32_t fftSpec, workBuffer;  // the transform's set-up, its own work memory behind it; one spectrum
 };
 
@@ -47,6 +49,7 @@ struct [[gnu::packed]] FBankState_32s {
   int32_t centers, rising, falling;  // byte offsets, as above
   int32_t flags;
   int32_t filterCount, binCount;
+  int32_t plan;  // where it is; 0 if there is none
 };
 static_assert(sizeof(FBankState_32f) == 52 && sizeof(FBankState_16s) == 56, "part of the size rule");
 
@@ -125,7 +128,10 @@ void placeFilterBank(Bank* bank, int32_t n, TransformSize size, bool withTransfo
   bank->fftLength = length;
   bank->filterCount = bank->linearFilterCount = n;
   bank->melDiv = 1.0F;
-  if constexpr (std::is_same_v<Bank, FBankState_16s>) bank->coeffScale = kWeightFractionBits;
+  if constexpr (std::is_same_v<Bank, FBankState_16s>) {
+    bank->wholeWeights = 1;
+    bank->coeffScale = kWeightFractionBits;
+  }
   if (withTransform) {
     bank->fftSpec = area(transformBytes(size.order));
     bank->workBuffer = area(4 * (size.length + 2));

@@ -208,7 +208,7 @@ inline void evaluateBank(const FBankState_32f* bank, const float* x, float* resu
   if (bank->planned) {
     PlannedEvaluation evaluation(bank->filterCount, areaAt<const int32_t>(bank, bank->centers),
                                  areaAt<const float>(bank, bank->rising), x);
-    if (evaluation.evaluate(firstGroup<const GroupHead>(bank), result)) return;
+    if (evaluation.evaluate(reinterpret_cast<const GroupHead*>(planOf(bank)), result)) return;
   }
   evaluateEach(bank, x, result);
 }

@@ -17,6 +17,7 @@
 #include <cstring>
 
 #include "features/filter_bank.h"
+#include "features/filter_bank_integer.h"
 
 namespace qorsr {
 
@@ -73,11 +74,6 @@ struct GroupParts {
   explicit GroupParts(Head* head) : GroupParts(head, head->kind, head->blocks) {}
 };
 
-template <class Head, class Bank>
-Head* firstGroup(Bank* bank) {
-  return areaAt<Head>(bank, bank->falling + static_cast<int32_t>(4 * bank->filterCount * rowElements(halfLength(*bank))));
-}
-
 // ---- Construction ----
 
 // A section's bins and blocks.
@@ -109,7 +105,6 @@ inline void describeGroup(GroupHead& group, const BankView<const float>& bank, i
                                              : GroupKind::kShort;
 }
 
-// Weights are copied as words: what sets centres does not know which of the two elements a bank has.
 inline void copyWeights(float* to, const float* from, int64_t count) { std::memcpy(to, from, static_cast<std::size_t>(4 * count)); }
 
 // Sections s to s + count - 1: bins and weights, into areas that were clear.
@@ -139,39 +134,61 @@ inline void fillGroup(GroupHead& group, const BankView<const float>& bank, int32
   }
 }
 
-// To be called when centres have changed: makes the plan, if there can be one.
-inline void planEvaluation(FilterBankRecord* bank) {
-  const auto view = viewAs<const float>(bank);
-  const int32_t n = view.filterCount, *const c = view.centers;
-  const TransformSize size = transformSize(bank->fftLength);
-  const std::byte* const end = reinterpret_cast<std::byte*>(bank) + filterBankBytes<FBankState_32f>(n, size, bank->fftSpec != 0);
-  bool possible = view.half >= 7 && c[0] >= 0 && c[n + 1] <= view.half && std::is_sorted(c, c + n + 2);
+// ---- Plans of either kind ----
+
+// Makes the plan at `begin`; false if it does not fit in front of `end`, or the bank can have none.
+inline bool planGroups(const BankView<const float>& bank, std::byte* begin, const std::byte* end) {
+  const int32_t n = bank.filterCount, *const c = bank.centers;
+  bool possible = bank.half >= 7 && c[0] >= 0 && c[n + 1] <= bank.half && std::is_sorted(c, c + n + 2);
   for (int32_t s = 1; s <= n && possible; ++s) possible = (c[s + 1] - c[s]) / 8 <= kMostBlocks;
-  auto* group = firstGroup<GroupHead>(bank);
+  auto* group = reinterpret_cast<GroupHead*>(begin);
   for (int64_t s = 1; s <= n && possible; s += kGroup) {
     const auto count = static_cast<int>(std::min<int64_t>(kGroup, n + 1 - s));
-    possible = reinterpret_cast<std::byte*>(group + 1) <= end;
-    if (!possible) break;
-    describeGroup(*group, view, static_cast<int32_t>(s), count);
-    GroupHead* const next = GroupParts<GroupHead>(group).next;
-    possible = reinterpret_cast<std::byte*>(next) <= end;
-    if (!possible) break;
-    std::memset(static_cast<void*>(group + 1), 0,
-                static_cast<std::size_t>(reinterpret_cast<std::byte*>(next) - reinterpret_cast<std::byte*>(group + 1)));
-    fillGroup(*group, view, static_cast<int32_t>(s), count);
-    group = next;
+    const auto first = static_cast<int32_t>(s);
+    if (reinterpret_cast<std::byte*>(group + 1) > end) return false;
+    describeGroup(*group, bank, first, count);
+    auto* const behind = reinterpret_cast<std::byte*>(group + 1);
+    auto* const next = reinterpret_cast<std::byte*>(GroupParts<GroupHead>(group).next);
+    if (next > end) return false;
+    std::memset(behind, 0, static_cast<std::size_t>(next - behind));
+    fillGroup(*group, bank, first, count);
+    group = reinterpret_cast<GroupHead*>(next);
   }
-  bank->planned = possible;
+  return possible;
 }
 
-// To be called when the weights of filter k have changed.
-inline void planFilter(FilterBankRecord* bank, int32_t k) {
-  if (!bank->planned) return;
-  const auto view = viewAs<const float>(bank);
-  auto* group = firstGroup<GroupHead>(bank);
+// The weights of filter k have changed.
+inline void replanGroups(const BankView<const float>& bank, int32_t k, std::byte* begin) {
+  auto* group = reinterpret_cast<GroupHead*>(begin);
   for (int64_t s = 1; s <= k; s += kGroup, group = GroupParts<GroupHead>(group).next) {
-    if (s + kGroup >= k)
-      fillGroup(*group, view, static_cast<int32_t>(s), static_cast<int>(std::min<int64_t>(kGroup, view.filterCount + 1 - s)));
+    const auto count = static_cast<int>(std::min<int64_t>(kGroup, bank.filterCount + 1 - s));
+    if (s + kGroup >= k) fillGroup(*group, bank, static_cast<int32_t>(s), count);
+  }
+}
+
+// Where a bank's plan begins.
+template <class Bank>
+auto* planOf(Bank* bank) {
+  using Byte = std::conditional_t<std::is_const_v<Bank>, const std::byte, std::byte>;
+  const int64_t rows = 4 * int64_t{bank->filterCount} * rowElements(halfLength(*bank));
+  return areaAt<Byte>(bank, bank->falling + static_cast<int32_t>(rows));
+}
+
+// To be called when centres have changed: makes the plan, if there can be one.
+inline void planEvaluation(FilterBankRecord* bank) {
+  const TransformSize size = transformSize(bank->fftLength);
+  const int64_t bytes = filterBankBytes<FBankState_32f>(bank->filterCount, size, bank->fftSpec != 0);
+  const std::byte* const end = reinterpret_cast<std::byte*>(bank) + bytes;
+  bank->planned = bank->wholeWeights ? planBank<int16_t>(viewAs<const int32_t>(bank), planOf(bank), end)
+                                     : planGroups(viewAs<const float>(bank), planOf(bank), end);
+}
+// To be called when the weights of filter k have changed.
+inline void replanEvaluation(FilterBankRecord* bank, int32_t k) {
+  if (!bank->planned) return;
+  if (bank->wholeWeights) {
+    replanFilter<int16_t>(viewAs<const int32_t>(bank), k, planOf(bank));
+  } else {
+    replanGroups(viewAs<const float>(bank), k, planOf(bank));
   }
 }
 

@@ -54,7 +54,7 @@ QorStatus initMelBank(Bank* state, int32_t* order, int32_t length, const MelSpec
   *order = size.order;
   placeFilterBank(state, spec.filterCount, size, spec.withTransform());
   fillMelBank(state, spec, size);
-  if constexpr (std::is_same_v<Bank, FBankState_32f>) planEvaluation(state);
+  planEvaluation(state);
   return qorStatusOk;
 }
 
@@ -66,7 +66,7 @@ QorStatus allocateMelBank(Bank** state, int32_t* order, int32_t length, const Me
   Bank* bank = allocateFilterBank<Bank>(spec.filterCount, size, spec.withTransform());
   if (bank == nullptr) return qorStatusNoMemory;
   fillMelBank(bank, spec, size);
-  if constexpr (std::is_same_v<Bank, FBankState_32f>) planEvaluation(bank);
+  planEvaluation(bank);
   *state = bank;
   return qorStatusOk;
 }
@@ -88,7 +88,7 @@ QorStatus allocateMixedBank(Bank** state, int32_t* order, int32_t length, const 
   Bank* bank = allocateFilterBank<Bank>(spec.filterCount, size, spec.withTransform());
   if (bank == nullptr) return qorStatusNoMemory;
   fillMixedBank(bank, spec, linear, size);
-  if constexpr (std::is_same_v<Bank, FBankState_32f>) planEvaluation(bank);
+  planEvaluation(bank);
   *state = bank;
   return qorStatusOk;
 }
@@ -159,6 +159,7 @@ QorStatus qorsMelFBankInit_32s(FBankState_32s* state, int32_t* order, int32_t le
   fixedCenters(areaAt<int32_t>(state, state->centers), {sampleFrequency, lowFrequency, highFrequency, filterCount, melMul, melDiv},
                size.length);
   fillFixedWeights(bank);
+  planFixedBank(state);
   return qorStatusOk;
 }
 

@@ -12,6 +12,7 @@
 #include <cstdint>
 
 #include "features/filter_bank.h"
+#include "features/filter_bank_plan.h"
 #include "features/mel_bank.h"
 #include "frame/bits.h"
 
@@ -82,7 +83,17 @@ inline BankView<int32_t> placeFixedBank(FBankState_32s* bank, int32_t n, int32_t
   bank->flags = kIndexShaped;
   bank->filterCount = n;
   bank->binCount = half + 1;
+  bank->plan = 0;
   return viewOf(bank);
+}
+
+// With centres and weights in their places.
+inline void planFixedBank(FBankState_32s* bank) {
+  std::byte* const begin = reinterpret_cast<std::byte*>(bank);
+  std::byte* const plan = planOf(bank);
+  if (planBank<int32_t>(viewAs<const int32_t>(bank), plan, begin + fixedBankBytes(bank->filterCount, halfLength(*bank)))) {
+    bank->plan = static_cast<int32_t>(plan - begin);
+  }
 }
 
 // The n + 2 centres.

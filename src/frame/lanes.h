@@ -9,7 +9,7 @@
 //   Joins add in the order that their names say. Nothing is contracted, nothing reassociated.
 //   A Tail reads and writes its first n elements only; lanes beyond hold the fill value.
 //
-// This file and short_lanes.h (verbs of 16-bit lanes) are the only ones that know the instruction level.
+// This file, short_lanes.h and word_lanes.h (verbs of 16 and 32-bit lanes) are the only ones that know the instruction level.
 #pragma once
 
 #include <bit>

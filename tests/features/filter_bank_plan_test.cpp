@@ -1,4 +1,4 @@
-// Evaluation of float banks whose weights have been arranged for it: widths of every kind side by side, changes, and strange bins.
+// Evaluation of banks whose weights have been arranged for it: widths of every kind side by side, changes, strange bins, limits.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -87,6 +87,39 @@ TEST(FilterBankPlan, AStrangeBinReachesItsFiltersAlone) {
       for (const auto& f : bank.filters) expected.push_back(model::evaluate(f, expected.empty(), x));
       ASSERT_EQ(qorsEvalFBank_32f(x.data(), result.data(), bank.state), qorStatusOk);
       ASSERT_BITS(result, expected) << "bin " << bin;
+    }
+  }
+}
+
+// Whole weights of every size and width of filters, with samples at the limits: sums that fill 32 bits, and that do not fit them.
+TEST(FilterBankPlan, WholeSumsAreExactAtTheLimits) {
+  constexpr int32_t kHalf = 256;
+  for (const float largest : {0.1F, 0.5F, 1.0F, 1.9999F, -1.0F, -1.9999F, 2.0F, -2.0F, 3.0F, 131071.0F, -131072.0F}) {
+    for (int32_t width = 1; width <= 120; width += width < 20 ? 1 : 9) {
+      banks::Bank<banks::Int16> bank;
+      ASSERT_EQ(qorsEmptyFBankInitAlloc_16s(&bank.state, &bank.order, 2 * kHalf, 2, 0), qorStatusOk);
+      const std::vector<int32_t> centers = {kHalf - 2 * width - 3, kHalf - width - 3, kHalf - 3, kHalf};
+      ASSERT_EQ(qorsFBankSetCenters_32f(reinterpret_cast<FBankState_32f*>(bank.state), centers.data()), qorStatusOk);
+      std::vector<model::Filter<int32_t>> filters;
+      for (std::size_t k = 1; k <= 2; ++k) {
+        const auto one = [&](int64_t bin) { return bin % 29 == 28 ? 0.25F * largest : largest; };
+        const auto f = model::makeFilter<float>(centers, k, kHalf, one, one);
+        const auto drawn = f.all();
+        ASSERT_EQ(qorsFBankSetCoeffs_16s(bank.state, static_cast<int32_t>(k), drawn.data()), qorStatusOk);
+        model::Filter<int32_t> stored{f.risingFirst, f.fallingFirst, {}, {}};
+        for (const float w : f.rising) stored.rising.push_back(banks::Int16::stored(w));
+        for (const float w : f.falling) stored.falling.push_back(banks::Int16::stored(w));
+        filters.push_back(stored);
+      }
+      for (const int16_t sample : {INT16_MIN, INT16_MAX, -1}) {
+        const kit::Area<int16_t> x(std::vector<int16_t>(kHalf + 1, sample), kit::Place::kAtGuard);
+        for (const int32_t sf : {0, -14, 4}) {
+          std::vector<int32_t> expected, result(2);
+          for (const auto& f : filters) expected.push_back(model::limited<int32_t>(model::evaluate16(f, x.values(), sf)));
+          ASSERT_EQ(qorsEvalFBank_16s32s_Sfs(x.data(), result.data(), bank.state, sf), qorStatusOk);
+          ASSERT_BITS(result, expected) << "weight " << largest << " width " << width << " sample " << sample;
+        }
+      }
     }
   }
 }
