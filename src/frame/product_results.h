@@ -22,15 +22,15 @@ struct RealResult {
 
 namespace detail {
 
-inline void storeSaturated(const Lanes<int32_t, 4>& v, int32_t* at) { v.store(at); }
-inline void storeSaturated(const Lanes<int32_t, 4>& v, int16_t* at) {
+[[gnu::always_inline]] inline void storeSaturated(const Lanes<int32_t, 4>& v, int32_t* at) { v.store(at); }
+[[gnu::always_inline]] inline void storeSaturated(const Lanes<int32_t, 4>& v, int16_t* at) {
   int16_t twice[8];
   saturated(v, v).store(twice);
   std::memcpy(at, twice, 4 * sizeof(int16_t));
 }
 
 // Limited to the range of 32-bit integers.
-inline Lanes<double, 4> limitedTo32(const Lanes<double, 4>& v) {
+[[gnu::always_inline]] inline Lanes<double, 4> limitedTo32(const Lanes<double, 4>& v) {
   return max(min(v, Lanes<double, 4>(2147483647.0)), Lanes<double, 4>(-2147483648.0));
 }
 

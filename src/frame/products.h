@@ -11,7 +11,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
 
 #include "frame/checks.h"
 #include "frame/column_blocks.h"
@@ -109,6 +108,23 @@ void multiplyColumns(const float* vector, const Rows& rows, int32_t height, floa
   });
 }
 
+// finish() of any number of sums.
+template <int N, class Result, class Finish>
+[[gnu::always_inline]] inline void finishAll(const Lanes<double, N>& sums, Result* result, const Finish& finish) {
+  if constexpr (N > 4) {
+    finishAll(lowerHalf(sums), result, finish);
+    finishAll(upperHalf(sums), result + N / 2, finish);
+  } else if constexpr (N == 4) {
+    finish(sums, result);
+  } else {
+    double all[4] = {};
+    Result results[4];
+    sums.store(all);
+    finish(Lanes<double, 4>::load(all), results);
+    std::copy_n(results, N, result);
+  }
+}
+
 template <class T, class Rows, class Result, class Finish>
 void multiplyColumnsInDouble(const T* vector, const Rows& rows, int32_t height, Result* result, int32_t width,
                              const Finish& finish) {
@@ -116,12 +132,7 @@ void multiplyColumnsInDouble(const T* vector, const Rows& rows, int32_t height, 
     using L = Lanes<double, n>;
     L sum(0.0);
     for (int32_t r = 0; r < height; ++r) sum += L(static_cast<double>(vector[r])) * loadAs<double, n>(rows[r] + c);
-    constexpr int kSums = std::max<int>(n, 4);
-    double sums[kSums] = {};
-    Result results[kSums];
-    sum.store(sums);
-    for (int i = 0; i < n; i += 4) finish(Lanes<double, 4>::load(sums + i), results + i);
-    std::memcpy(result + c, results, n * sizeof(Result));
+    finishAll(sum, result + c, finish);
   });
 }
 
