@@ -44,7 +44,7 @@ std::function<void()> fftwOf(int32_t length, int32_t times) {
 }
 #endif
 
-void addTransformPeers(const std::string& task, int32_t length) {
+void addTransformPeers([[maybe_unused]] const std::string& task, [[maybe_unused]] int32_t length) {
 #if QORSR_HAVE_FFTW3F
   bench::add({task, "fftw measured", ""}, fftwOf(length, 1));
 #endif

@@ -8,7 +8,7 @@
 #include "kit/bench.h"
 #include "qorsr.h"
 
-#if defined(QORSR_HAVE_OPENBLAS)
+#if QORSR_HAVE_OPENBLAS
 #include <cblas.h>
 #endif
 
@@ -73,7 +73,7 @@ std::vector<int16_t> shortFrames(int32_t height) {
 #define PLAIN(name) level.plain<decltype(name)>(#name)
 
 // One frame against a whole model.
-void addModel(const bench::Level& level, const Model& m, bool first) {
+void addModel(const bench::Level& level, const Model& m, [[maybe_unused]] bool first) {
   static std::vector<float> scores(1000000);
   static std::vector<double> wideScores(1000000);
   static std::vector<int32_t> shortScores(1000000);
@@ -90,9 +90,6 @@ void addModel(const bench::Level& level, const Model& m, bool first) {
   const auto ours32 = [=, &m, f = OURS(qorsLogGaussMultiMix_32f_D2)] {
     f(m.means.data(), m.variances.data(), w, x.data(), w, s, n);
   };
-  const auto turned = [=, &m, f = PLAIN(eigenTurnedGaussians_32f)] {
-    f(m.turnedMeans.data(), m.turnedVariances.data(), n, x.data(), w, m.vals.data(), s, n);
-  };
   const std::string real = "LogGaussMultiMix 32f";
   add(real, "ours", ours32);
   add(real, "plain",
@@ -101,12 +98,14 @@ void addModel(const bench::Level& level, const Model& m, bool first) {
     a();
     b();
   });
-#if defined(QORSR_HAVE_EIGEN3)
+#if QORSR_HAVE_EIGEN3
   add(real, "Eigen",
       [=, &m, f = PLAIN(eigenGaussians_32f)] { f(m.means.data(), m.variances.data(), w, x.data(), w, m.vals.data(), s, n); });
-  add(real, "Eigen turned", turned);
+  add(real, "Eigen turned", [=, &m, f = PLAIN(eigenTurnedGaussians_32f)] {
+    f(m.turnedMeans.data(), m.turnedVariances.data(), n, x.data(), w, m.vals.data(), s, n);
+  });
 #endif
-#if defined(QORSR_HAVE_OPENBLAS)
+#if QORSR_HAVE_OPENBLAS
   if (first) {
     openblas_set_num_threads(1);
     bench::add({m.task(real), "OpenBLAS", "", static_cast<double>(n), "Gaussians"}, [=, &m] {
@@ -161,7 +160,7 @@ void addModel(const bench::Level& level, const Model& m, bool first) {
 }
 
 // Blocks of frames against one Gaussian, and against a model.
-void addFrames(const bench::Level& level, const Model& m, int32_t height, bool first) {
+void addFrames(const bench::Level& level, const Model& m, int32_t height, [[maybe_unused]] bool first) {
   static std::vector<float> scores(1000000);
   static std::vector<int32_t> shortScores(1000000);
   static const std::vector<float> frames = realFrames(256);
@@ -178,7 +177,7 @@ void addFrames(const bench::Level& level, const Model& m, int32_t height, bool f
   const auto plain = [=, f = PLAIN(plainFrames_32f)] { f(frames.data(), w, mean, variance, w, s, height, -30); };
   add("LogGauss 32f", "ours", ours32);
   add("LogGauss 32f", "plain", plain);
-#if defined(QORSR_HAVE_EIGEN3)
+#if QORSR_HAVE_EIGEN3
   add("LogGauss 32f", "Eigen", [=, f = PLAIN(eigenFrames_32f)] { f(frames.data(), w, mean, variance, w, s, height, -30); });
 #endif
   add("LogGaussAdd 32f", "ours", [=, f = OURS(qorsLogGaussAdd_32f_D2)] { f(frames.data(), w, mean, variance, w, s, height, -30); });
@@ -199,7 +198,7 @@ void addFrames(const bench::Level& level, const Model& m, int32_t height, bool f
   bench::add({whole, "plain", level.name, items, "Gaussians"}, [=, &m, f = PLAIN(plainFrames_32f)] {
     for (int32_t g = 0; g < m.count; ++g) f(frames.data(), w, mean + g * w, variance + g * w, w, s + g * height, height, m.vals[0]);
   });
-#if defined(QORSR_HAVE_OPENBLAS)
+#if QORSR_HAVE_OPENBLAS
   if (first) {  // the expanded square: cheap, and useless far from the origin
     bench::add({whole, "OpenBLAS", "", items, "Gaussians"}, [=, &m] {
       static float squares[256 * kWidth];

@@ -3,17 +3,15 @@
 
 #include <cstdint>
 
-#define PLAIN_API extern "C" __attribute__((visibility("default")))
-
-PLAIN_API void plainMatVecMul_32f(const float* matrix, int32_t stride, const float* vector, int32_t width, float* result,
-                                  int32_t height);
-PLAIN_API void plainMatVecMul_16s32s(const int16_t* matrix, int32_t stride, const int16_t* vector, int32_t width, int32_t* result,
-                                     int32_t height, int32_t shift);
-PLAIN_API void plainMatVecMul_32s(const int32_t* matrix, int32_t stride, const int32_t* vector, int32_t width, int32_t* result,
-                                  int32_t height, double power);
-PLAIN_API void plainVecMatMul_32f(const float* vector, const float* matrix, int32_t stride, int32_t height, float* result,
-                                  int32_t width);
-PLAIN_API void plainVecMatMul_16s32s(const int16_t* vector, const int16_t* matrix, int32_t stride, int32_t height, int32_t* result,
-                                     int32_t width, double power);
-PLAIN_API void plainVecMatMul_32s(const int32_t* vector, const int32_t* matrix, int32_t stride, int32_t height, int32_t* result,
-                                  int32_t width, double power);
+extern "C" void plainMatVecMul_32f(const float* matrix, int32_t stride, const float* vector, int32_t width, float* result,
+                                   int32_t height);
+extern "C" void plainMatVecMul_16s32s(const int16_t* matrix, int32_t stride, const int16_t* vector, int32_t width, int32_t* result,
+                                      int32_t height, int32_t shift);
+extern "C" void plainMatVecMul_32s(const int32_t* matrix, int32_t stride, const int32_t* vector, int32_t width, int32_t* result,
+                                   int32_t height, double power);
+extern "C" void plainVecMatMul_32f(const float* vector, const float* matrix, int32_t stride, int32_t height, float* result,
+                                   int32_t width);
+extern "C" void plainVecMatMul_16s32s(const int16_t* vector, const int16_t* matrix, int32_t stride, int32_t height, int32_t* result,
+                                      int32_t width, double power);
+extern "C" void plainVecMatMul_32s(const int32_t* vector, const int32_t* matrix, int32_t stride, int32_t height, int32_t* result,
+                                   int32_t width, double power);

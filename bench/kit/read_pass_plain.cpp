@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <cstring>
 
-extern "C" __attribute__((visibility("default"))) uint64_t plainReadPass(const void* data, std::size_t bytes);
+extern "C" uint64_t plainReadPass(const void* data, std::size_t bytes);
 
 uint64_t plainReadPass(const void* data, std::size_t bytes) {
   const auto* p = static_cast<const unsigned char*>(data);
