@@ -154,18 +154,17 @@ struct DoubleLogAddByParity {
 
 // ---- Vectors: result[i] = logAdd(source[i], result[i]) ----
 
-// Blocks of N elements, then narrower ones down to 16 bytes, then a tail.
+// Blocks of N elements. A remainder takes the narrowest lanes that hold it at once, so that no chain of operations waits for another.
 template <class Form, int N, class T = typename Form::Element>
 inline void logAddVectors(const T* source, T* result, int32_t length) {
   int32_t i = 0;
   for (; length - i >= N; i += N) Form::add(Lanes<T, N>::load(source + i), Lanes<T, N>::load(result + i)).store(result + i);
   if (i == length) return;
   if constexpr (N * sizeof(T) > 16) {
-    logAddVectors<Form, N / 2>(source + i, result + i, length - i);
-  } else {
-    const Tail<T, N> tail(length - i);
-    tail.store(Form::add(tail.load(source + i), tail.load(result + i)), result + i);
+    if (length - i <= N / 2) return logAddVectors<Form, N / 2>(source + i, result + i, length - i);
   }
+  const Tail<T, N> tail(length - i);
+  tail.store(Form::add(tail.load(source + i), tail.load(result + i)), result + i);
 }
 
 [[gnu::noinline]] inline void qorLogAddKernel_32f(const float* source, float* result, int32_t length) {
