@@ -230,6 +230,22 @@ TEST(Svd, GradedOver200OrdersOfMagnitude) {
   }
 }
 
+// Squares of elements here are denormal, or two of them overflow together: rotations stay exact because their lengths are formed from
+// scaled numbers.
+TEST(Svd, LengthsOfRotationsAreScaled) {
+  kit::Random random(1);
+  for (const double scale : {1e-154, 1e-156, 1e-158, 1e153, 3e153}) {
+    for (int trial = 0; trial < 5; ++trial) {
+      Table a = randomTable(random, 3, 3);
+      for (auto& row : a) {
+        for (double& x : row) x *= scale / 10;
+      }
+      expectAll(a);
+      if (HasFailure()) FAIL() << scale;
+    }
+  }
+}
+
 // The shift squares elements of the bidiagonal form: what underflows or overflows there is a NaN, and does not converge.
 TEST(Svd, SquaresOutOfRangeEndInTheStatus) {
   kit::Random random;
