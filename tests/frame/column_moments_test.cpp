@@ -276,56 +276,6 @@ TEST(MeanVarColumn, Int16WithInt16MeansAndInt32Variances) {
   });
 }
 
-// ---- Large matrices: tiles of rows, and sums that leave 53 bits ----
-
-TEST(Moments, AWideTallMatrixIsTakenInTilesWithTheSameBits) {
-  kit::Random random;
-  for (const int32_t width : {131, 300, 5000}) {
-    const int32_t height = width == 5000 ? 23 : 801;  // beyond the near cache, an odd number of rows
-    kit::Matrix<float> m(height, width, width, kit::Place::kAtGuard);
-    m.fill(random, kit::Random::kPlain);
-    const auto table = model::tableOf<float>(m);
-    const float r = model::reciprocalByDouble(height), q = model::reciprocalByDouble(height - 1);
-    std::vector<float> means(static_cast<std::size_t>(width)), variances(means.size()), sums(means.size());
-    ASSERT_EQ(qorsSumColumn_32f_D2(m.block(), width, height, sums.data(), width), qorStatusOk);
-    EXPECT_BITS(sums, columns<float>(width, [&](std::size_t c) { return model::columnSum<float>(table, c); }));
-    ASSERT_EQ(qorsMeanColumn_32f_D2(m.block(), height, width, means.data(), width), qorStatusOk);
-    EXPECT_BITS(means, columns<float>(width, [&](std::size_t c) { return model::columnMean(table, c, r); }));
-    ASSERT_EQ(qorsVarColumn_32f_D2(m.block(), height, width, means.data(), variances.data(), width), qorStatusOk);
-    EXPECT_BITS(variances, columns<float>(width, [&](std::size_t c) { return model::columnVariance(table, c, means[c], q); }));
-    ASSERT_EQ(qorsMeanVarColumn_32f_D2(m.block(), height, width, means.data(), variances.data(), width), qorStatusOk);
-    EXPECT_BITS(means, columns<float>(width, [&](std::size_t c) { return model::columnMeanVar(table, c, r, q).mean; }));
-    EXPECT_BITS(variances, columns<float>(width, [&](std::size_t c) { return model::columnMeanVar(table, c, r, q).variance; }));
-  }
-}
-
-TEST(MeanVarColumn, Int16SumsOfManyRows) {
-  // Around the height up to which whole numbers hold the sums, and one at which a sum of squares no longer fits 53 bits.
-  constexpr int32_t kWidth = 9;
-  for (const int32_t height : {(1 << 14) + 1, (1 << 22) - 1, (1 << 22) + 1, (1 << 23) + 3}) {
-    std::vector<int16_t> x(static_cast<std::size_t>(height) * kWidth, -32768);
-    x[5] = 32767;
-    x[x.size() - 2] = 1;
-    int16_t means[kWidth];
-    int32_t variances[kWidth], expectedVariances[kWidth];
-    int16_t expectedMeans[kWidth];
-    for (int32_t c = 0; c < kWidth; ++c) {
-      double sum = 0, squares = 0;
-      for (int32_t r = 0; r < height; ++r) {
-        const double value = x[static_cast<std::size_t>(r) * kWidth + static_cast<std::size_t>(c)];
-        sum += value;
-        squares += value * value;
-      }
-      const double mean = sum * (1.0 / height);
-      expectedMeans[c] = static_cast<int16_t>(model::limitAndRound32(mean));
-      expectedVariances[c] = model::limitAndRound32((squares - mean * mean * height) * (1.0 / (height - 1)));
-    }
-    ASSERT_EQ(qorsMeanVarColumn_16s16s32s_D2(x.data(), height, kWidth, means, variances, kWidth), qorStatusOk);
-    EXPECT_BITS(means, expectedMeans, kWidth);
-    EXPECT_BITS(variances, expectedVariances, kWidth);
-  }
-}
-
 // ---- Faults ----
 
 template <class T, class Mean, class Var>
