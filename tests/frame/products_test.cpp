@@ -256,6 +256,26 @@ TEST(MatVecMul, Int16IsFlooredAndVecMatMulIsRounded) {
   EXPECT_BITS(columns(0, INT32_MIN), int16_t{0});  // zero times infinity
 }
 
+TEST(MatVecMul, SmallInt16SumsAreShiftedLeftUpToTheLimits) {
+  for (const int32_t width : {1, 16, (1 << 19) + 1}) {
+    std::vector<int16_t> row(static_cast<std::size_t>(width)), ones(row.size(), 1);
+    const auto shifted = [&](int16_t x, int32_t sf) {
+      int32_t y = 77;
+      row[0] = x;
+      EXPECT_EQ(qorsMatVecMul_16s32s_D2Sfs(row.data(), width, ones.data(), width, &y, 1, sf), qorStatusOk);
+      return y;
+    };
+    EXPECT_BITS(shifted(1, -30), 1 << 30);
+    EXPECT_BITS(shifted(-3, -30), INT32_MIN);
+    EXPECT_BITS(shifted(-1, -31), INT32_MIN);
+    for (const int32_t sf : {-31, -32, -33, -63, -64, -65, -1024, INT32_MIN + 1, INT32_MIN}) {
+      EXPECT_BITS(shifted(1, sf), INT32_MAX) << width << ", " << sf;
+      EXPECT_BITS(shifted(-1, sf), INT32_MIN) << width << ", " << sf;
+      EXPECT_BITS(shifted(0, sf), 0) << width << ", " << sf;
+    }
+  }
+}
+
 TEST(MatVecMul, FloatLanes) {
   // 1e8 and -1e8 meet in lane 0 and leave the ones alone; in order they would swallow them.
   const float row[] = {1e8F, 1, 1, 1, -1e8F, 1, 1, 1}, ones[] = {1, 1, 1, 1, 1, 1, 1, 1};

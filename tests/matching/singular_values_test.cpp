@@ -322,6 +322,63 @@ TEST(Svd, FollowsTheProcedure) {
   }
 }
 
+// Small whole numbers with zeros where a sign is chosen: nothing vanishes by rounding, so the signs are those of the procedure.
+TEST(Svd, AZeroCountsAsPositiveWhereASignIsChosen) {
+  const std::vector<Table> tables = {{{0}, {1}},
+                                     {{-0.0}, {-2}},
+                                     {{0}, {0}, {3}},
+                                     {{0, 1}},
+                                     {{0, 0, 1}},
+                                     {{3, 0, 4}},
+                                     {{1, 0, 2}, {0, 0, 0}},
+                                     {{0, 1}, {1, 0}},
+                                     {{0, 2, 0}, {1, 0, 0}},
+                                     {{2, 0}, {0, 0}, {0, 1}},
+                                     {{1, 0, 0}, {0, 0, 2}, {0, 3, 0}},
+                                     {{0, 0x1p-33, 0}, {0, 1, 0x1p-33}, {0, 0, -1}}};
+  for (const Table& a : tables) {
+    for (const int32_t limit : {1, 2, 30}) {
+      const model::Svd expected(a, limit);
+      const auto d = decompose(a, false, limit);
+      ASSERT_EQ(d.status, expected.status);
+      const auto near = [&](const std::vector<double>& actual, const std::vector<double>& wanted) {
+        return kit::within(actual.data(), wanted.data(), std::ssize(wanted), 1e-14);
+      };
+      ASSERT_TRUE(near(d.w, expected.w)) << a.size() << " x " << a[0].size();
+      for (std::size_t r = 0; r < d.v.size(); ++r) ASSERT_TRUE(near(d.v[r], expected.v[r])) << a.size() << " x " << a[0].size();
+      for (std::size_t r = 0; r < d.u.size(); ++r) ASSERT_TRUE(near(d.u[r], expected.u[r])) << a.size() << " x " << a[0].size();
+    }
+  }
+  const auto d = decompose({{0}, {1}}, false, 1);
+  EXPECT_EQ(d.v[0][0], -1.0);
+  EXPECT_EQ(d.u[1][0], -1.0);
+}
+
+// Sums of two terms know no grouping: here every bit is that of the procedure.
+TEST(Svd, TwoByTwoHasTheBitsOfTheProcedure) {
+  kit::Random random(2);
+  for (int trial = 0; trial < 1000; ++trial) {
+    Table a = randomTable(random, 2, trial % 7 == 0 ? 1 : 2);
+    for (auto& row : a) {
+      for (double& x : row) {
+        if (trial % 3 == 1) x = static_cast<double>(random.integer(-5, 5));
+        if (trial % 3 == 2) x = std::ldexp(x, static_cast<int>(random.integer(-60, 60)));
+      }
+    }
+    if (trial == 0) a = {{5, 3}, {0, 4}};  // a shift of exactly zero
+    for (const int32_t limit : {1, 2, 3, 30}) {
+      model::Svd expected(a, limit);
+      const bool sorted = trial % 2 == 1;
+      if (sorted && expected.status == qorStatusOk) expected.sort();
+      const auto d = decompose(a, sorted, limit);
+      ASSERT_EQ(d.status, expected.status);
+      ASSERT_BITS(d.w, expected.w) << "trial " << trial << " limit " << limit;
+      for (std::size_t r = 0; r < 2; ++r) ASSERT_BITS(d.u[r], expected.u[r]) << "trial " << trial << " limit " << limit;
+      for (std::size_t r = 0; r < d.v.size(); ++r) ASSERT_BITS(d.v[r], expected.v[r]) << "trial " << trial << " limit " << limit;
+    }
+  }
+}
+
 TEST(SvdSort, EqualValuesKeepTheirOrder) {
   Table a(6, std::vector<double>(6, 0.0));
   const double diagonal[] = {2, 5, 2, 7, 5, 2};
