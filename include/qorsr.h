@@ -115,7 +115,7 @@ QORSR_API const QorLibraryVersion* qorsrGetLibVersion(void);
  *  one); then (l0 + l1) + (l2 + l3).
  *
  *  **Means** (`MeanColumn`). mean[c] = column sum * (1/n), the sum as above. 1/n is formed in double and rounded to float in
- *  qorsMeanColumn_32f_D2 and qorsMeanVarColumn_32f_D2, in float elsewhere.
+ *  qorsMeanColumn_32f_D2 and qorsMeanVarColumn_32f_D2, in float elsewhere; where sums are double it is a double.
  *
  *  **Variances** (`VarColumn`, with the means given; `MeanVarColumn`, which forms them). The one-pass form with divisor n - 1:
  *  var[c] = (sum over r of x[r][c]^2 - n mean^2) / (n - 1), in float as (((mean * mean) * -n) + x0^2 + x1^2 + ...) * q, with q =
@@ -1764,7 +1764,8 @@ QORSR_API QorStatus qorsDTW_L2Low_16s32s_D2Sfs(const int16_t* source1, int32_t h
  *  - Both layouts give the same bits. Sums are grouped in four and eight lanes.
  *
  *  Statuses, in order: null; height, width or limit below 1, in `_D2` also a stride below width (#qorStatusBadSize, required);
- *  #qorStatusNoMemory with nothing written; #qorStatusNoConvergence.
+ *  #qorStatusNoMemory with nothing written (scratch is about width (height + width) doubles, less than 2^31 bytes);
+ *  #qorStatusNoConvergence.
  *
  *  Source of the method: G. Golub, C. Reinsch, "Singular Value Decomposition and Least Squares Solutions", Numer. Math. 14 (1970).
  *  @{ */
