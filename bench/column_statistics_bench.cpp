@@ -58,6 +58,11 @@ void addTasks(const bench::Level& level, const Block& b) {
       level, b.task("MeanVarColumn 16s32s"), x16, bytes / 2,
       [=, f = OURS(qorsMeanVarColumn_16s32s_D2Sfs)] { f(x16, h, w, wideMeans.data(), wideVariances.data(), w, 0); },
       [=, f = PLAIN(plainMeanVarColumn_16s32s)] { f(x16, h, w, wideMeans.data(), wideVariances.data(), w); });
+  if (w > 100) return;  // a row of w * h elements, so that the conversion of float sums to integers is most of the work
+  compare(
+      level, "conversion of " + std::to_string(w * h) + " sums, SumColumn 16s32s", x16, bytes / 2,
+      [=, f = OURS(qorsSumColumn_16s32s_D2Sfs)] { f(x16, w * h, 1, wideMeans.data(), w * h, 3); },
+      [=, f = PLAIN(plainSumColumn_16s32s)] { f(x16, w * h, 1, wideMeans.data(), w * h, 0.125F); });
 #undef OURS
 #undef PLAIN
 }

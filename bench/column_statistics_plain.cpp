@@ -47,3 +47,14 @@ void plainMeanVarColumn_16s32s(const int16_t* source, int32_t height, int32_t st
     variances[c] = static_cast<int32_t>(__builtin_lrint((squares - mean * mean * height) / (height - 1)));
   }
 }
+
+void plainSumColumn_16s32s(const int16_t* source, int32_t stride, int32_t height, int32_t* result, int32_t width, float factor) {
+  for (int32_t c = 0; c < width; ++c) {
+    float sum = 0;
+    for (int32_t r = 0; r < height; ++r) sum += static_cast<float>(source[static_cast<int64_t>(r) * stride + c]);
+    const float value = sum * factor;
+    result[c] = value >= 2147483648.0F   ? INT32_MAX
+                : value < -2147483648.0F ? INT32_MIN
+                                         : static_cast<int32_t>(__builtin_lrintf(value));
+  }
+}

@@ -9,3 +9,5 @@ extern "C" void plainMeanVarColumn_32f(const float* source, int32_t height, int3
                                        int32_t width);
 extern "C" void plainMeanVarColumn_16s32s(const int16_t* source, int32_t height, int32_t stride, int32_t* means, int32_t* variances,
                                           int32_t width);
+extern "C" void plainSumColumn_16s32s(const int16_t* source, int32_t stride, int32_t height, int32_t* result, int32_t width,
+                                      float factor);
