@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <vector>
 
 #include "kit/compare.h"
@@ -34,7 +35,7 @@ struct Transform {
     const kit::Area<T> source(x, kit::Place::kAtGuard);
     const kit::Area<float> result(length + 2, kit::Place::kAtGuard);
     setup->transform(source.data(), result.data(), work.data());
-    EXPECT_EQ(source.values(), x);
+    EXPECT_BITS(source.values(), x);
     return result.values();
   }
   std::vector<float> magnitudes(const std::vector<float>& x) const {
@@ -156,6 +157,22 @@ TEST(RealTransform, EndsAreRealAndMagnitudesAreThoseOfTheSpectrum) {
       expected.push_back(std::sqrt(spectrum[k] * spectrum[k] + spectrum[k + 1] * spectrum[k + 1]));
     }
     EXPECT_BITS(transform.magnitudes(x), expected) << "order " << order;
+  }
+}
+
+TEST(RealTransform, EndsAreRealWhateverTheSignal) {
+  constexpr float kInfinite = std::numeric_limits<float>::infinity(), kMost = std::numeric_limits<float>::max();
+  for (int order = 1; order <= 9; ++order) {
+    const Transform transform(order);
+    for (const float value : {-1.0F, -0.0F, kMost, -kMost, kInfinite, -kInfinite, std::numeric_limits<float>::quiet_NaN()}) {
+      for (int64_t at = 0; at < transform.length; at += transform.length / 2) {
+        std::vector<float> x(static_cast<std::size_t>(transform.length), -1.0F);
+        x[static_cast<std::size_t>(at)] = value;
+        const auto spectrum = transform.spectrum(x);
+        ASSERT_BITS(spectrum[1], 0.0F) << "order " << order << ", value " << value;
+        ASSERT_BITS(spectrum[static_cast<std::size_t>(transform.length) + 1], 0.0F) << "order " << order << ", value " << value;
+      }
+    }
   }
 }
 
