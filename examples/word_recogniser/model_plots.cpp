@@ -13,6 +13,8 @@ using example::fixed;
 using example::quoted;
 
 constexpr size_t meansShown = 20, meansAcross = 5;
+constexpr size_t methodsCompared = 3;  // of each split: a colour a method, a dash a split
+constexpr const char* methodColours[methodsCompared] = {"#7b3294", "#1b9e77", "#d95f02"};
 
 // Mean of a state's mixture, without the derivatives: a state a row.
 Matrix staticMeans(const WordModel& model, int width) {
@@ -56,9 +58,10 @@ std::string drawHistory(const std::filesystem::path& png, const std::vector<Iter
             quoted(history[first].stage + ", " + std::to_string(history[first].gaussians) + " Gaussians");
     first = last;
   }
-  return example::drawPng(png, 900, 460,
-                          script + "set key bottom right\nset grid lc rgb '#d0d4da'\nset xlabel 'iteration'\n" +
-                              "set ylabel 'log likelihood a frame'\n" + plot + "\n");
+  return example::drawPng(
+      png, 900, 460,
+      script + "set linetype 5 lc rgb '#a65628'\nset key bottom right\nset grid lc rgb '#d0d4da'\nset xlabel 'iteration'\n" +
+          "set ylabel 'log likelihood a frame'\n" + plot + "\n");
 }
 
 std::string drawMeans(const std::filesystem::path& png, const ModelFile& models) {
@@ -94,7 +97,9 @@ std::string drawAccuracies(const std::filesystem::path& png, const std::vector<s
     }
     const std::string name = "curve" + std::to_string(c);
     script += example::curveBlock(name, x, y);
-    plot += (plot.empty() ? "plot $" : ", $") + name + " using 1:2 with linespoints pt 7 lw 2 title " + quoted(curves[c].title);
+    plot += (plot.empty() ? "plot $" : ", $") + name + " using 1:2 with linespoints pt 7 lw 2 lc rgb '" +
+            methodColours[c % methodsCompared] + "' dt " + std::to_string(c / methodsCompared + 1) + " title " +
+            quoted(curves[c].title);
   }
   return example::drawPng(png, 900, 460,
                           script +

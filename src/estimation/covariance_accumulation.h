@@ -61,7 +61,16 @@ template <class Matrix>
 void addRun(const double* d, int32_t count, int32_t width, const Matrix& s) {
   int32_t i = 0;
   for (; i <= width - 4; i += 4) addTileRow<4>(d, count, width, s, i);
-  for (; i < width; ++i) addTileRow<1>(d, count, width, s, i);
+  switch (width - i) {
+    case 3:
+      return addTileRow<3>(d, count, width, s, i);
+    case 2:
+      return addTileRow<2>(d, count, width, s, i);
+    case 1:
+      return addTileRow<1>(d, count, width, s, i);
+    default:
+      return;
+  }
 }
 
 template <class Matrix>

@@ -56,7 +56,7 @@ bool feedsItself(const T* destination, const T* source, int32_t length) {
 
 // Blocks of elements, or one element after the other where an earlier result is a later input.
 template <class T, class Body>
-inline void coverElements(int32_t length, bool oneByOne, const Body& body) {
+[[gnu::always_inline]] inline void coverElements(int32_t length, bool oneByOne, const Body& body) {
   if (!oneByOne) return coverColumnsOnce<T>(length, body);
   for (int32_t i = 0; i < length; ++i) body(i, LaneCount<1>());
 }
@@ -81,10 +81,11 @@ QorStatus updateMean(const T* source, T* destination, int32_t length, T occupanc
   Checks checks;
   if (QorStatus bad = checkOccupancies(checks.null(source, destination).size(length), occupancy)) return bad;
   const Quotient<T> over(occupancy);
-  coverElements<T>(length, feedsItself(destination, source, length), [&](int32_t i, auto n) {
-    using L = Lanes<T, n>;
-    (L::load(destination + i) + over(L::load(source + i))).store(destination + i);
-  });
+  coverElements<T>(
+      length, feedsItself(destination, source, length), [&](int32_t i, auto n) __attribute__((always_inline)) {
+        using L = Lanes<T, n>;
+        (L::load(destination + i) + over(L::load(source + i))).store(destination + i);
+      });
   return qorStatusOk;
 }
 
@@ -96,14 +97,15 @@ QorStatus updateVar(const T* first, const T* second, const T* floors, T* destina
   if (QorStatus bad = checkOccupancies(checks, firstOccupancy, secondOccupancy)) return bad;
   const Quotient<T> overFirst(firstOccupancy), overSecond(secondOccupancy);
   bool anyAbove = false;
-  coverColumnsOnce<T>(length, [&](int32_t i, auto n) {
-    using L = Lanes<T, n>;
-    const L mean = overFirst(L::load(first + i));
-    const L variance = overSecond(L::load(second + i)) - mean * mean;
-    const L floor = L::load(floors + i);
-    anyAbove |= anyLess(floor, variance);
-    max(variance, floor).store(destination + i);
-  });
+  coverColumnsOnce<T>(
+      length, [&](int32_t i, auto n) __attribute__((always_inline)) {
+        using L = Lanes<T, n>;
+        const L mean = overFirst(L::load(first + i));
+        const L variance = overSecond(L::load(second + i)) - mean * mean;
+        const L floor = L::load(floors + i);
+        anyAbove |= anyLess(floor, variance);
+        max(variance, floor).store(destination + i);
+      });
   return anyAbove ? qorStatusOk : qorStatusAllFloored;
 }
 
@@ -114,16 +116,15 @@ QorStatus updateWeight(const T* counts, T* destination, int32_t length, T* sum, 
   constexpr int kSumLanes = 16 / static_cast<int>(sizeof(T));
   using L = Lanes<T, kSumLanes>;
   const T r = T(1) / total;
-  L lanes(T(0));
-  bool anyAbove = false;
+  L lanes(T(0)), most(floor);
   int32_t i = 0;
   for (; i <= length - kSumLanes; i += kSumLanes) {
-    const L weight = L::load(counts + i) * L(r);
-    anyAbove |= anyLess(L(floor), weight);
-    const L kept = max(weight, L(floor));
+    const L weight = L::load(counts + i) * L(r), kept = max(weight, L(floor));
+    most = max(weight, most);  // a NaN leaves what was there
     kept.store(destination + i);
     lanes += kept;
   }
+  bool anyAbove = anyLess(L(floor), most);
   T l[kSumLanes];
   lanes.store(l);
   for (; i < length; ++i) {
@@ -142,13 +143,14 @@ QorStatus updateWeight(const T* counts, T* destination, int32_t length, T* sum, 
 inline QorStatus newVar(const float* means, const float* squares, float* destination, int32_t length, float a, float b) {
   if (QorStatus bad = Checks().null(means, squares, destination).size(length)) return bad;
   const bool oneByOne = feedsItself(destination, means, length) || feedsItself(destination, squares, length);
-  coverElements<float>(length, oneByOne, [&](int32_t i, auto n) {
-    using L = Lanes<double, n>;
-    const Lanes<float, n> mean = Lanes<float, n>::load(means + i);
-    const L variance =
-        (loadAs<double, n>(squares + i) - widen(mean * mean) * L(static_cast<double>(a))) * L(static_cast<double>(b));
-    narrow(variance).store(destination + i);
-  });
+  coverElements<float>(
+      length, oneByOne, [&](int32_t i, auto n) __attribute__((always_inline)) {
+        using L = Lanes<double, n>;
+        const Lanes<float, n> mean = Lanes<float, n>::load(means + i);
+        const L variance =
+            (loadAs<double, n>(squares + i) - widen(mean * mean) * L(static_cast<double>(a))) * L(static_cast<double>(b));
+        narrow(variance).store(destination + i);
+      });
   return qorStatusOk;
 }
 
@@ -162,7 +164,9 @@ inline Lanes<float, N> newVarInFloat(const T* means, const T* squares, float a, 
 
 inline QorStatus newVarInPlace(const float* means, float* squares, int32_t length, float a, float b) {
   if (QorStatus bad = Checks().null(means, squares).size(length)) return bad;
-  coverColumnsOnce<float>(length, [&](int32_t i, auto n) { newVarInFloat<n>(means + i, squares + i, a, b).store(squares + i); });
+  coverColumnsOnce<float>(
+      length, [&](int32_t i, auto n)
+                  __attribute__((always_inline)) { newVarInFloat<n>(means + i, squares + i, a, b).store(squares + i); });
   return qorStatusOk;
 }
 
@@ -173,13 +177,16 @@ inline QorStatus newVarScaled(const int32_t* means, const int32_t* squares, int3
   if (QorStatus bad = Checks().null(means, squares, destination).size(length)) return bad;
   if (isAligned16(means) && isAligned16(squares)) {
     float* const floats = reinterpret_cast<float*>(destination);
-    coverColumnsOnce<float>(length, [&](int32_t i, auto n) { newVarInFloat<n>(means + i, squares + i, a, b).store(floats + i); });
+    coverColumnsOnce<float>(
+        length, [&](int32_t i, auto n)
+                    __attribute__((always_inline)) { newVarInFloat<n>(means + i, squares + i, a, b).store(floats + i); });
     return qorConvert_32f32s_Sfs(floats, destination, length, kNearestEven, scaleFactor);
   }
   const float multiplier = qorPow2Neg_32f(scaleFactor);
-  coverColumnsOnce<float>(length, [&](int32_t i, auto n) {
-    truncated(newVarInFloat<n>(means + i, squares + i, a, b) * Lanes<float, n>(multiplier)).store(destination + i);
-  });
+  coverColumnsOnce<float>(
+      length, [&](int32_t i, auto n) __attribute__((always_inline)) {
+        truncated(newVarInFloat<n>(means + i, squares + i, a, b) * Lanes<float, n>(multiplier)).store(destination + i);
+      });
   return qorStatusOk;
 }
 
@@ -188,12 +195,13 @@ inline QorStatus newVarScaled(const int32_t* means, const int32_t* squares, int3
 template <class T>
 QorStatus meanVarAcc(const T* source, const T* mean, T* accumulatedMean, T* accumulatedVariance, int32_t length, T weight) {
   if (QorStatus bad = Checks().null(source, mean, accumulatedMean, accumulatedVariance).size(length)) return bad;
-  coverColumnsOnce<T>(length, [&](int32_t i, auto n) {
-    using L = Lanes<T, n>;
-    const L d = L::load(source + i) - L::load(mean + i), e = d * L(weight);
-    (L::load(accumulatedMean + i) + e).store(accumulatedMean + i);
-    (L::load(accumulatedVariance + i) + d * e).store(accumulatedVariance + i);
-  });
+  coverColumnsOnce<T>(
+      length, [&](int32_t i, auto n) __attribute__((always_inline)) {
+        using L = Lanes<T, n>;
+        const L d = L::load(source + i) - L::load(mean + i), e = d * L(weight);
+        (L::load(accumulatedMean + i) + e).store(accumulatedMean + i);
+        (L::load(accumulatedVariance + i) + d * e).store(accumulatedVariance + i);
+      });
   return qorStatusOk;
 }
 

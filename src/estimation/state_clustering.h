@@ -54,12 +54,13 @@ struct DirectVariance {
 
 template <class Variance, class T>
 void accumulatePlain(const State<T>& s, int32_t length) {
-  coverColumnsOnce<T>(length, [&](int32_t i, auto n) {
-    using L = Lanes<T, n>;
-    const L mean = L::load(s.mean + i), occupancy(s.occupancy);
-    (mean * occupancy).store(s.sum + i);
-    Variance()(L::load(s.variance + i), mean * mean, occupancy).store(s.squares + i);
-  });
+  coverColumnsOnce<T>(
+      length, [&](int32_t i, auto n) __attribute__((always_inline)) {
+        using L = Lanes<T, n>;
+        const L mean = L::load(s.mean + i), occupancy(s.occupancy);
+        (mean * occupancy).store(s.sum + i);
+        Variance()(L::load(s.variance + i), mean * mean, occupancy).store(s.squares + i);
+      });
 }
 
 // ---- By the fast way of inverse variances ----
@@ -73,13 +74,14 @@ inline void storeFast(const State<T>& s, int32_t i, const L& term) {
 }
 
 inline void accumulateFast(const State<float>& s, int32_t length) {
-  coverColumnsOnce<float>(length - length % 2, [&](int32_t i, auto n) {
-    using L = Lanes<float, n>;
-    const L v = L::load(s.variance + i), r = L(1.0F) / v;
-    const L least(std::numeric_limits<float>::denorm_min());
-    const L refined = selectLess(abs(v), least, r, (L(2.0F) - v * r) * r);  // of zero it stays infinite
-    storeFast(s, i, refined * L(s.occupancy));
-  });
+  coverColumnsOnce<float>(
+      length - length % 2, [&](int32_t i, auto n) __attribute__((always_inline)) {
+        using L = Lanes<float, n>;
+        const L v = L::load(s.variance + i), r = L(1.0F) / v;
+        const L least(std::numeric_limits<float>::denorm_min());
+        const L refined = selectLess(abs(v), least, r, (L(2.0F) - v * r) * r);  // of zero it stays infinite
+        storeFast(s, i, refined * L(s.occupancy));
+      });
   if (length % 2 != 0) {
     const int32_t i = length - 1;
     storeFast(s, i, Lanes<float, 1>(s.occupancy / s.variance[i]));
@@ -88,6 +90,14 @@ inline void accumulateFast(const State<float>& s, int32_t length) {
 
 inline void accumulateFast(const State<double>& s, int32_t length) {
   int32_t i = 0;
+  using Four = Lanes<double, 4>;
+  for (; i <= length - 8; i += 8) {  // elements 0, 1, 4, 5 and their partners 2, 3, 6, 7
+    const Four a = Four::load(s.variance + i), b = Four::load(s.variance + i + 4);
+    const Four lower = lowerHalves(a, b), upper = upperHalves(a, b), q = Four(s.occupancy) / (lower * upper);
+    const Four ofLower = upper * q, ofUpper = lower * q;
+    storeFast(s, i, lowerHalves(ofLower, ofUpper));
+    storeFast(s, i + 4, upperHalves(ofLower, ofUpper));
+  }
   for (; i <= length - 4; i += 4) {
     using Pair = Lanes<double, 2>;
     const Pair v01 = Pair::load(s.variance + i), v23 = Pair::load(s.variance + i + 2);
@@ -137,11 +147,12 @@ QorStatus sumOfSpreads(const T* sum, const T* squares, int32_t length, double oc
   SumOfLogs logs;
   for (int64_t first = 0; first < length; first += SumOfLogs::kRun) {
     const auto count = static_cast<int32_t>(std::min<int64_t>(length - first, SumOfLogs::kRun));
-    coverColumns<double>(count, [&](int32_t i, auto n) {
-      using L = Lanes<double, n>;
-      const L x = loadAs<double, n>(sum + first + i);
-      (loadAs<double, n>(squares + first + i) * L(occupancy) - x * x).store(d + i);
-    });
+    coverColumns<double>(
+        count, [&](int32_t i, auto n) __attribute__((always_inline)) {
+          using L = Lanes<double, n>;
+          const L x = loadAs<double, n>(sum + first + i);
+          (loadAs<double, n>(squares + first + i) * L(occupancy) - x * x).store(d + i);
+        });
     if (QorStatus warning = addPastNan(logs, d, count)) return warning;
   }
   result = logs.value();

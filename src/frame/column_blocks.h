@@ -24,16 +24,30 @@ namespace detail {
 template <class T, int N>
 inline constexpr int kNarrower = (N / 2) * static_cast<int>(sizeof(T)) < 16 ? 1 : N / 2;
 
-template <class T, int N, bool MayOverlap, class Body>
+template <class T, int N, class Body>
 inline void coverFrom(int32_t column, int32_t width, const Body& body) {
   for (; width - column >= N; column += N) body(column, LaneCount<N>());
   if constexpr (N > 1) {
     if (column == width) return;
-    if (MayOverlap && width >= N && width - column > kNarrower<T, N>) {
+    if (width >= N && width - column > kNarrower<T, N>) {
       body(width - N, LaneCount<N>());
     } else {
-      coverFrom<T, kNarrower<T, N>, MayOverlap>(column, width, body);
+      coverFrom<T, kNarrower<T, N>>(column, width, body);
     }
+  }
+}
+
+// Fewer than 2 N columns, none twice.
+template <class T, int N, class Body>
+[[gnu::always_inline]] inline void coverRest(int32_t column, int32_t width, const Body& body) {
+  if constexpr (N > 1) {
+    if (width - column >= N) {
+      body(column, LaneCount<N>());
+      column += N;
+    }
+    coverRest<T, kNarrower<T, N>>(column, width, body);
+  } else {
+    for (; column < width; ++column) body(column, LaneCount<1>());
   }
 }
 
@@ -43,13 +57,16 @@ inline void coverFrom(int32_t column, int32_t width, const Body& body) {
 // overlap the one before it, so the body must not read what it writes.
 template <class T, int Widest = kWidestBlock<T>, class Body>
 inline void coverColumns(int32_t width, const Body& body) {
-  detail::coverFrom<T, Widest, true>(0, width, body);
+  detail::coverFrom<T, Widest>(0, width, body);
 }
 
-// The same for a body that works in place: no column is visited twice.
+// The same for a body that works in place: no column is visited twice. Such bodies are short: where a call for each block would
+// cost as much as the block, the body is to be always inlined.
 template <class T, int Widest = kWidestBlock<T>, class Body>
-inline void coverColumnsOnce(int32_t width, const Body& body) {
-  detail::coverFrom<T, Widest, false>(0, width, body);
+[[gnu::always_inline]] inline void coverColumnsOnce(int32_t width, const Body& body) {
+  int32_t column = 0;
+  for (; width - column >= Widest; column += Widest) body(column, LaneCount<Widest>());
+  detail::coverRest<T, detail::kNarrower<T, Widest>>(column, width, body);
 }
 
 // The same for a width that is known when compiling, in blocks of kLanes columns.

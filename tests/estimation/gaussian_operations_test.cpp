@@ -148,6 +148,21 @@ TEST(GaussianDist, TheMarkerOfANegativeVarianceIsTheDefaultNan) {
   EXPECT_EQ(std::bit_cast<uint32_t>(result), 0xFFC00000U);
 }
 
+TEST(GaussianDist, InDoubleTheMarkerIsTheDefaultNanToo) {
+  const double m[1] = {0}, v[1] = {-1};
+  const float m32[1] = {0}, v32[1] = {-1};
+  double result = 0, mean, variance;
+  const auto expectMarker = [&](QorStatus status) {
+    EXPECT_EQ(status, qorStatusLogNegative);
+    EXPECT_EQ(std::bit_cast<uint64_t>(result), 0xFFF8000000000000U);
+    result = 0;
+  };
+  expectMarker(qorsGaussianDist_64f(m, v, m, v, 1, &result, 1, 1, 1, 1));
+  expectMarker(qorsGaussianMerge_64f(m, v, m, v, &mean, &variance, 1, &result, 1, 1));
+  expectMarker(qorsBhatDist_32f64f(m32, v32, m32, v32, 1, &result));
+  expectMarker(qorsBhatDistSLog_32f64f(m32, v32, m32, v32, 1, &result, 0, 0));
+}
+
 TYPED_TEST(GaussianPairs, WeightsThatSumToZeroGiveNan) {
   using T = TypeParam;
   kit::Random random;

@@ -291,6 +291,30 @@ TEST(Svd, OneColumnTakesItsSignFromV) {
   EXPECT_EQ(decompose({{-3.0}}, false, 1).v[0][0], 1.0);
 }
 
+// The first element of a column is zero: it counts as positive, and the column is reflected to the negative side.
+TEST(Svd, APivotOfZeroCountsAsPositive) {
+  const auto d = decompose({{0.0, 1.0}, {1.0, 0.0}}, false);
+  ASSERT_EQ(d.status, qorStatusOk);
+  EXPECT_BITS(d.w, std::vector<double>{1.0, 1.0});
+  for (std::size_t r = 0; r < 2; ++r) {
+    for (std::size_t c = 0; c < 2; ++c) {
+      EXPECT_EQ(d.u[r][c], r == c ? 0.0 : r == 0 ? 1.0 : -1.0) << r << ", " << c;
+      EXPECT_EQ(d.v[r][c], r != c ? 0.0 : r == 0 ? -1.0 : 1.0) << r << ", " << c;
+    }
+  }
+}
+
+// The product of two elements of a row this small is no number any more: V divides by one and then by the other.
+TEST(Svd, ATinyRowKeepsItsReflection) {
+  const Table a = {{1.0, 1e-170, 2e-170}, {0.0, 1.0, 0.0}, {0.0, 0.0, 1.0}};
+  const auto d = decompose(a, false);
+  ASSERT_EQ(d.status, qorStatusOk);
+  expectDecomposition(a, d, 1.0);
+}
+
+// The sweep takes a root of a sum of squares that no double holds.
+TEST(Svd, RootsOfSquaresOutOfRange) { expectAll({{0x1p513, 0x1p462}, {0.0, 0x1p513}}); }
+
 // U and V, up to the sign of a pair of columns (which hangs on the sign of an element that vanishes), and w in its order are those
 // of the procedure. The model sums in another order, so last bits differ; gaps between the values of some hundredths bound their
 // growth.
