@@ -10,12 +10,14 @@
 namespace {
 
 constexpr int32_t kLong = 4096;
-float a32[kLong], b32[kLong], c32[kLong], d32[kLong];
-double a64[kLong], b64[kLong], c64[kLong], d64[kLong];
+// Somewhat longer than used, so that elements of one index do not share their place in a page.
+constexpr int32_t kRoom = kLong + 144;
+float a32[kRoom], b32[kRoom], c32[kRoom], d32[kRoom];
+double a64[kRoom], b64[kRoom], c64[kRoom], d64[kRoom];
 float rows32[1000 * 160], mean32[160];
 int16_t rows16[1000 * 160], mean16[160];
 double covariance[160 * 160];
-int32_t means[kLong], squares[kLong], integers[kLong];
+int32_t means[kRoom], squares[kRoom], integers[kRoom];
 
 void fill() {
   for (int32_t i = 0; i < kLong; ++i) {

@@ -7,7 +7,8 @@
 //   NewVar       (square - mean * mean * a) * b                        where each step is rounded differs by member; no floor
 //   MeanVarAcc   d = x - mean, e = d * weight;                         first += e, second += d * e
 //
-// Elements are independent of each other, so the number that is worked on at once never shows, the lanes of the sum apart.
+// Elements are independent of each other, so the number that is worked on at once never shows, the lanes of the sum apart. One
+// register at a time: the loops wait for memory.
 #pragma once
 
 #include <cstdint>
@@ -57,7 +58,7 @@ bool feedsItself(const T* destination, const T* source, int32_t length) {
 // Blocks of elements, or one element after the other where an earlier result is a later input.
 template <class T, class Body>
 [[gnu::always_inline]] inline void coverElements(int32_t length, bool oneByOne, const Body& body) {
-  if (!oneByOne) return coverColumnsOnce<T>(length, body);
+  if (!oneByOne) return coverColumnsOnce<T, kNativeLanes<T>>(length, body);
   for (int32_t i = 0; i < length; ++i) body(i, LaneCount<1>());
 }
 
@@ -97,7 +98,7 @@ QorStatus updateVar(const T* first, const T* second, const T* floors, T* destina
   if (QorStatus bad = checkOccupancies(checks, firstOccupancy, secondOccupancy)) return bad;
   const Quotient<T> overFirst(firstOccupancy), overSecond(secondOccupancy);
   bool anyAbove = false;
-  coverColumnsOnce<T>(
+  coverColumnsOnce<T, kNativeLanes<T>>(
       length, [&](int32_t i, auto n) __attribute__((always_inline)) {
         using L = Lanes<T, n>;
         const L mean = overFirst(L::load(first + i));
@@ -125,15 +126,13 @@ QorStatus updateWeight(const T* counts, T* destination, int32_t length, T* sum, 
     lanes += kept;
   }
   bool anyAbove = anyLess(L(floor), most);
-  T l[kSumLanes];
-  lanes.store(l);
   for (; i < length; ++i) {
     const T weight = counts[i] * r;
     anyAbove |= floor < weight;
     destination[i] = floor < weight ? weight : floor;
-    l[0] += destination[i];
+    lanes.part[0][0] += destination[i];
   }
-  *sum = joinHalves(L::load(l));
+  *sum = joinHalves(lanes);
   return anyAbove ? qorStatusOk : qorStatusAllFloored;
 }
 
@@ -164,7 +163,7 @@ inline Lanes<float, N> newVarInFloat(const T* means, const T* squares, float a, 
 
 inline QorStatus newVarInPlace(const float* means, float* squares, int32_t length, float a, float b) {
   if (QorStatus bad = Checks().null(means, squares).size(length)) return bad;
-  coverColumnsOnce<float>(
+  coverColumnsOnce<float, kNativeLanes<float>>(
       length, [&](int32_t i, auto n)
                   __attribute__((always_inline)) { newVarInFloat<n>(means + i, squares + i, a, b).store(squares + i); });
   return qorStatusOk;
@@ -177,13 +176,13 @@ inline QorStatus newVarScaled(const int32_t* means, const int32_t* squares, int3
   if (QorStatus bad = Checks().null(means, squares, destination).size(length)) return bad;
   if (isAligned16(means) && isAligned16(squares)) {
     float* const floats = reinterpret_cast<float*>(destination);
-    coverColumnsOnce<float>(
+    coverColumnsOnce<float, kNativeLanes<float>>(
         length, [&](int32_t i, auto n)
                     __attribute__((always_inline)) { newVarInFloat<n>(means + i, squares + i, a, b).store(floats + i); });
     return qorConvert_32f32s_Sfs(floats, destination, length, kNearestEven, scaleFactor);
   }
   const float multiplier = qorPow2Neg_32f(scaleFactor);
-  coverColumnsOnce<float>(
+  coverColumnsOnce<float, kNativeLanes<float>>(
       length, [&](int32_t i, auto n) __attribute__((always_inline)) {
         truncated(newVarInFloat<n>(means + i, squares + i, a, b) * Lanes<float, n>(multiplier)).store(destination + i);
       });
@@ -195,12 +194,13 @@ inline QorStatus newVarScaled(const int32_t* means, const int32_t* squares, int3
 template <class T>
 QorStatus meanVarAcc(const T* source, const T* mean, T* accumulatedMean, T* accumulatedVariance, int32_t length, T weight) {
   if (QorStatus bad = Checks().null(source, mean, accumulatedMean, accumulatedVariance).size(length)) return bad;
-  coverColumnsOnce<T>(
+  coverColumnsOnce<T, kNativeLanes<T>>(
       length, [&](int32_t i, auto n) __attribute__((always_inline)) {
         using L = Lanes<T, n>;
         const L d = L::load(source + i) - L::load(mean + i), e = d * L(weight);
-        (L::load(accumulatedMean + i) + e).store(accumulatedMean + i);
-        (L::load(accumulatedVariance + i) + d * e).store(accumulatedVariance + i);
+        const L first = L::load(accumulatedMean + i) + e, second = L::load(accumulatedVariance + i) + d * e;
+        first.store(accumulatedMean + i);
+        second.store(accumulatedVariance + i);
       });
   return qorStatusOk;
 }

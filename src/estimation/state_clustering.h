@@ -20,6 +20,7 @@
 
 #include "frame/checks.h"
 #include "frame/column_blocks.h"
+#include "frame/lane_units.h"
 #include "frame/lanes.h"
 #include "frame/rows.h"
 #include "frame/sum_of_logs.h"
@@ -53,13 +54,13 @@ struct DirectVariance {
 };
 
 template <class Variance, class T>
-void accumulatePlain(const State<T>& s, int32_t length) {
-  coverColumnsOnce<T>(
+[[gnu::always_inline]] inline void accumulatePlain(const State<T>& s, int32_t length) {
+  coverColumnsOnce<T, kNativeLanes<T>>(
       length, [&](int32_t i, auto n) __attribute__((always_inline)) {
         using L = Lanes<T, n>;
-        const L mean = L::load(s.mean + i), occupancy(s.occupancy);
+        const L mean = L::load(s.mean + i), variance = L::load(s.variance + i), occupancy(s.occupancy);
         (mean * occupancy).store(s.sum + i);
-        Variance()(L::load(s.variance + i), mean * mean, occupancy).store(s.squares + i);
+        Variance()(variance, mean * mean, occupancy).store(s.squares + i);
       });
 }
 
@@ -67,19 +68,20 @@ void accumulatePlain(const State<T>& s, int32_t length) {
 
 // `term` is the share of the variance.
 template <class L, class T>
-inline void storeFast(const State<T>& s, int32_t i, const L& term) {
+[[gnu::always_inline]] inline void storeFast(const State<T>& s, int32_t i, const L& term) {
   const L mean = L::load(s.mean + i), sum = L(s.occupancy) * mean;
   sum.store(s.sum + i);
   (sum * mean + term).store(s.squares + i);
 }
 
-inline void accumulateFast(const State<float>& s, int32_t length) {
-  coverColumnsOnce<float>(
+[[gnu::always_inline]] inline void accumulateFast(const State<float>& s, int32_t length) {
+  coverColumnsOnce<float, kNativeLanes<float>>(
       length - length % 2, [&](int32_t i, auto n) __attribute__((always_inline)) {
         using L = Lanes<float, n>;
         const L v = L::load(s.variance + i), r = L(1.0F) / v;
-        const L least(std::numeric_limits<float>::denorm_min());
-        const L refined = selectLess(abs(v), least, r, (L(2.0F) - v * r) * r);  // of zero it stays infinite
+        const L size = abs(v), least(std::numeric_limits<float>::denorm_min());
+        L refined = (L(2.0F) - v * r) * r;
+        if (anyLess(size, least)) refined = selectLess(size, least, r, refined);  // of zero it stays infinite
         storeFast(s, i, refined * L(s.occupancy));
       });
   if (length % 2 != 0) {
@@ -88,15 +90,16 @@ inline void accumulateFast(const State<float>& s, int32_t length) {
   }
 }
 
-inline void accumulateFast(const State<double>& s, int32_t length) {
+[[gnu::always_inline]] inline void accumulateFast(const State<double>& s, int32_t length) {
   int32_t i = 0;
-  using Four = Lanes<double, 4>;
-  for (; i <= length - 8; i += 8) {  // elements 0, 1, 4, 5 and their partners 2, 3, 6, 7
-    const Four a = Four::load(s.variance + i), b = Four::load(s.variance + i + 4);
-    const Four lower = lowerHalves(a, b), upper = upperHalves(a, b), q = Four(s.occupancy) / (lower * upper);
-    const Four ofLower = upper * q, ofUpper = lower * q;
-    storeFast(s, i, lowerHalves(ofLower, ofUpper));
-    storeFast(s, i + 4, upperHalves(ofLower, ofUpper));
+  constexpr int kWide = kNativeLanes < double >> 4 ? kNativeLanes<double> : 4;
+  using Wide = Lanes<double, kWide>;
+  for (; i <= length - 2 * kWide; i += 2 * kWide) {  // pairs of elements 0 and 1, 4 and 5 ..., with their partners
+    const Wide a = Wide::load(s.variance + i), b = Wide::load(s.variance + i + kWide);
+    const Wide ours = shuffleUnits<EveryOtherUnit<0>>(a, b), partners = shuffleUnits<EveryOtherUnit<1>>(a, b);
+    const Wide q = Wide(s.occupancy) / (ours * partners), term = partners * q, partnersTerm = ours * q;
+    storeFast(s, i, shuffleUnits<UnitsInTurn<0>>(term, partnersTerm));
+    storeFast(s, i + kWide, shuffleUnits<UnitsInTurn<1>>(term, partnersTerm));
   }
   for (; i <= length - 4; i += 4) {
     using Pair = Lanes<double, 2>;
@@ -118,12 +121,12 @@ inline void accumulateFast(const State<double>& s, int32_t length) {
 // ---- Family bodies ----
 
 template <class T>
-QorStatus accumulateChecks(const State<T>& s, int32_t length) {
+[[gnu::always_inline]] inline QorStatus accumulateChecks(const State<T>& s, int32_t length) {
   return Checks().null(s.mean, s.variance, s.sum, s.squares).size(length);
 }
 
 template <class T>
-QorStatus accumulateInverse(const State<T>& s, int32_t length) {
+[[gnu::always_inline]] inline QorStatus accumulateInverse(const State<T>& s, int32_t length) {
   if (QorStatus bad = accumulateChecks(s, length)) return bad;
   if (length >= 8 && isAligned16(s.mean) && isAligned16(s.variance) && isAligned16(s.sum) && isAligned16(s.squares)) {
     accumulateFast(s, length);
@@ -134,7 +137,7 @@ QorStatus accumulateInverse(const State<T>& s, int32_t length) {
 }
 
 template <class T>
-QorStatus accumulateDirect(const State<T>& s, int32_t length) {
+[[gnu::always_inline]] inline QorStatus accumulateDirect(const State<T>& s, int32_t length) {
   if (QorStatus bad = accumulateChecks(s, length)) return bad;
   accumulatePlain<DirectVariance>(s, length);
   return qorStatusOk;

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <type_traits>
+#include <utility>
 
 #include "frame/lanes.h"
 
@@ -37,17 +38,23 @@ inline void coverFrom(int32_t column, int32_t width, const Body& body) {
   }
 }
 
-// Fewer than 2 N columns, none twice.
+// So many columns at most, each alone.
+template <class Body, int... I>
+[[gnu::always_inline]] inline void coverSingles(int32_t column, int32_t width, const Body& body, std::integer_sequence<int, I...>) {
+  (void)((column + I < width && (body(column + I, LaneCount<1>()), true)) && ...);
+}
+
+// Fewer than 2 N columns, none twice. Written out: a loop over the last columns would cost as much as all others.
 template <class T, int N, class Body>
 [[gnu::always_inline]] inline void coverRest(int32_t column, int32_t width, const Body& body) {
-  if constexpr (N > 1) {
-    if (width - column >= N) {
-      body(column, LaneCount<N>());
-      column += N;
-    }
+  if (width - column >= N) {
+    body(column, LaneCount<N>());
+    column += N;
+  }
+  if constexpr (1 < kNarrower<T, N>) {
     coverRest<T, kNarrower<T, N>>(column, width, body);
   } else {
-    for (; column < width; ++column) body(column, LaneCount<1>());
+    coverSingles(column, width, body, std::make_integer_sequence<int, N - 1>());
   }
 }
 
@@ -66,7 +73,11 @@ template <class T, int Widest = kWidestBlock<T>, class Body>
 [[gnu::always_inline]] inline void coverColumnsOnce(int32_t width, const Body& body) {
   int32_t column = 0;
   for (; width - column >= Widest; column += Widest) body(column, LaneCount<Widest>());
-  detail::coverRest<T, detail::kNarrower<T, Widest>>(column, width, body);
+  if constexpr (1 < detail::kNarrower<T, Widest>) {
+    detail::coverRest<T, detail::kNarrower<T, Widest>>(column, width, body);
+  } else {
+    detail::coverSingles(column, width, body, std::make_integer_sequence<int, Widest - 1>());
+  }
 }
 
 // The same for a width that is known when compiling, in blocks of kLanes columns.
