@@ -50,11 +50,7 @@ inline void addTile(const double* d, int32_t count, int32_t width, const Matrix&
 // I rows of S, up to their diagonals.
 template <int I, class Matrix>
 inline void addTileRow(const double* d, int32_t count, int32_t width, const Matrix& s, int32_t i) {
-  coverColumnsOnce<double>(i + I, [&](int32_t j, auto n) {
-    constexpr int kWidest = 2 * kNativeBytes / static_cast<int>(sizeof(double));
-    constexpr int kBlock = n < kWidest ? n : kWidest;
-    for (int k = 0; k < n; k += kBlock) addTile<I, kBlock>(d, count, width, s, i, j + k);
-  });
+  coverColumnsOnce<double, 2 * kNativeLanes<double>>(i + I, [&](int32_t j, auto n) { addTile<I, n>(d, count, width, s, i, j); });
 }
 
 template <class Matrix>
