@@ -224,6 +224,17 @@ TEST(VecMatMul, Int16SumsOfManyRowsRunInDouble) {
   }
 }
 
+// 2^54 - 1, which no double holds.
+TEST(MatVecMul, Int16SumBeyondADouble) {
+  constexpr int32_t kWidth = (1 << 24) + 1;
+  std::vector<int16_t> row(kWidth, -32768), vector(kWidth, -32768);
+  row.back() = -1;
+  vector.back() = 1;
+  int32_t result = 0;
+  ASSERT_EQ(qorsMatVecMul_16s32s_D2Sfs(row.data(), kWidth, vector.data(), kWidth, &result, 1, 24), qorStatusOk);
+  EXPECT_BITS(result, (1 << 30) - 1);
+}
+
 TEST(MatVecMul, Int16IsFlooredAndVecMatMulIsRounded) {
   const int16_t one = 1;
   const auto rows = [&](int16_t x, int32_t sf) {
