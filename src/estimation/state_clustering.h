@@ -20,8 +20,8 @@
 
 #include "frame/checks.h"
 #include "frame/column_blocks.h"
-#include "frame/lane_units.h"
 #include "frame/lanes.h"
+#include "frame/lanes/units.h"
 #include "frame/rows.h"
 #include "frame/sum_of_logs.h"
 

@@ -25,8 +25,8 @@
 #include "features/filter_bank.h"
 #include "features/filter_bank_plan.h"
 #include "frame/bits.h"
-#include "frame/lane_order.h"
 #include "frame/lanes.h"
+#include "frame/lanes/order.h"
 
 namespace qorsr {
 

@@ -21,7 +21,7 @@
 #include "features/filter_bank.h"
 #include "frame/bits.h"
 #include "frame/lanes.h"
-#include "frame/word_lanes.h"
+#include "frame/lanes/words.h"
 
 namespace qorsr {
 

@@ -2,8 +2,8 @@
 
 #include <cmath>
 
-#include "frame/lane_order.h"
 #include "frame/lanes.h"
+#include "frame/lanes/order.h"
 #include "frame/memory.h"
 
 namespace qorsr {

@@ -8,7 +8,7 @@
 #include "frame/bits.h"
 #include "frame/checks.h"
 #include "frame/environment.h"
-#include "frame/rounding.h"
+#include "frame/lanes/rounding.h"
 
 namespace qorsr {
 namespace {

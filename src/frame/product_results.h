@@ -7,7 +7,7 @@
 
 #include "frame/bits.h"
 #include "frame/lanes.h"
-#include "frame/rounding.h"
+#include "frame/lanes/rounding.h"
 
 namespace qorsr {
 

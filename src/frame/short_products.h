@@ -10,10 +10,10 @@
 #include <cstdint>
 #include <cstring>
 
-#include "frame/lane_sums.h"
 #include "frame/lanes.h"
+#include "frame/lanes/rounding.h"
+#include "frame/lanes/sums.h"
 #include "frame/product_results.h"
-#include "frame/rounding.h"
 
 namespace qorsr {
 

@@ -18,7 +18,7 @@
 
 #include "frame/bits.h"
 #include "frame/lanes.h"
-#include "frame/short_lanes.h"
+#include "frame/lanes/shorts.h"
 #include "scoring/gaussian_rows.h"
 
 namespace qorsr {

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "frame/lanes.h"
-#include "frame/short_lanes.h"
+#include "frame/lanes/shorts.h"
 #include "kit/compare.h"
 #include "kit/memory.h"
 #include "kit/random.h"

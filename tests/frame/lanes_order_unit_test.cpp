@@ -5,9 +5,9 @@
 #include <limits>
 #include <vector>
 
-#include "frame/lane_order.h"
 #include "frame/lanes.h"
-#include "frame/short_lanes.h"
+#include "frame/lanes/order.h"
+#include "frame/lanes/shorts.h"
 #include "kit/compare.h"
 #include "kit/memory.h"
 #include "kit/random.h"

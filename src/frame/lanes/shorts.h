@@ -1,6 +1,6 @@
 // Verbs of lanes of 16-bit integers: squares in two halves, conversions to float, 32-bit sums that wrap.
 //
-// Like lanes.h this file knows the instruction level. All results are exact or wrap: the same at every level.
+// All results are exact or wrap: the same at every level.
 #pragma once
 
 #include <bit>

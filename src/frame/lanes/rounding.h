@@ -1,7 +1,7 @@
 // Lanes of floats and doubles to integers.
 //
 // A NaN or a value out of range gives the most negative integer. `nearest` rounds in the mode in force: in a guarded mode only,
-// where the result must not follow the caller's. Like lanes.h this file knows the instruction level.
+// where the result must not follow the caller's.
 #pragma once
 
 #include <bit>

@@ -1,4 +1,4 @@
-// Verbs of 32-bit integer lanes that are taken as unsigned. Knows the instruction level, like lanes.h.
+// Verbs of 32-bit integer lanes that are taken as unsigned.
 #pragma once
 
 #include <bit>
