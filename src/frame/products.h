@@ -90,8 +90,12 @@ void multiplyRows(const Rows& rows, const int16_t* vector, int32_t width, Result
     for (int32_t r = 0; r < height; ++r) result[r] = finish.exactly(dotShortRow(rows[r], vector, width));
     return;
   }
-  if (width >= kWide) return forFourRows<int16_t>(rows, height, ExactDots<kWide>(vector, width), result, finish);
-  if (width >= 8) return forFourRows<int16_t>(rows, height, ExactDots<8>(vector, width), result, finish);
+  const auto blocksOf = [&]<int N>(LaneCount<N>) {
+    forFourRows<int16_t>(rows, height, ExactDots<N>(vector, width), result, finish);
+  };
+  if (width >= kWide / 2) return blocksOf(LaneCount<kWide>());
+  if (kWide > 16 && width >= 8) return blocksOf(LaneCount<std::min(kWide, 16)>());
+  if (kWide > 8 && width >= 4) return blocksOf(LaneCount<8>());
   forFourRows<int16_t>(
       rows, height, [=](const auto& four) { return dotFourShortRows(four, vector, width); }, result, finish);
 }

@@ -12,21 +12,13 @@
 
 #include "frame/lanes.h"
 #include "frame/lanes/rounding.h"
+#include "frame/lanes/shorts.h"
 #include "frame/lanes/sums.h"
 #include "frame/product_results.h"
 
 namespace qorsr {
 
 // ---- Rows times a vector ----
-
-// A 16-bit vector v in two parts: v = 256 high + low, low from 0 to 255.
-template <int N>
-struct SplitVector {
-  Lanes<int16_t, N> high, low;
-
-  SplitVector() = default;
-  explicit SplitVector(const Lanes<int16_t, N>& v) : high(v >> 8) { low = v - shiftLeft(high, 8); }
-};
 
 // N zeros, then N ones.
 template <int N>
@@ -36,72 +28,75 @@ inline constexpr auto kZerosAndOnes = [] {
   return v;
 }();
 
-// 16-bit rows in blocks of N elements; width is at least N. The last block may overlap the one before it: the vector there is zero
-// where the elements have been counted.
+// 16-bit rows in blocks of N / 2 elements, which stand in both halves of N lanes: the lower half is multiplied by the low parts of
+// the vector, the upper half by the high ones. The width is at least N / 2. The last block may overlap the one before it: the
+// vector there is zero where the elements have been counted.
 template <int N>
 class ExactDots {
  public:
-  ExactDots(const int16_t* vector, int32_t width) : vector_(vector), width_(width), blocks_((width - 1) / N + 1) {
+  ExactDots(const int16_t* vector, int32_t width) : vector_(vector), width_(width), blocks_((width - 1) / kBlock + 1) {
     if (blocks_ <= kPiece) {
-      for (int32_t b = 0; b < blocks_ - 1; ++b) split_[b] = splitAt(b * N);
+      for (int32_t b = 0; b < blocks_ - 1; ++b) parts_[b] = partsAt(b * kBlock);
     }
-    const int32_t counted = blocks_ * N - width;  // elements of the last block
-    last_ = SplitVector<N>(Elements::load(vector + width - N) * Elements::load(kZerosAndOnes<N>.data() + (N - counted)));
+    const int32_t counted = blocks_ * kBlock - width;  // elements of the last block
+    last_ = partsOf(loadTwice<N>(vector + width - kBlock) * loadTwice<N>(kZerosAndOnes<kBlock>.data() + (kBlock - counted)));
   }
 
   [[gnu::always_inline]] Lanes<double, 4> operator()(const FourRows<int16_t>& rows) const {
     if (blocks_ <= kPiece) {
-      Parts parts;
-      for (int32_t b = 0; b < blocks_ - 1; ++b) parts.add(rows, b * N, split_[b]);
-      parts.add(rows, width_ - N, last_);
-      return parts.joined();
+      RowSums sums;
+      for (int32_t b = 0; b < blocks_ - 1; ++b) sums.add(rows, b * kBlock, parts_[b]);
+      sums.add(rows, width_ - kBlock, last_);
+      return sums.joined();
     }
     Lanes<double, 4> total(0.0);
     for (int32_t b = 0; b < blocks_;) {
-      Parts parts;
+      RowSums sums;
       for (const int32_t end = std::min(blocks_, b + kPiece); b < end; ++b) {
         if (b < blocks_ - 1) {
-          parts.add(rows, b * N, splitAt(b * N));
+          sums.add(rows, b * kBlock, partsAt(b * kBlock));
         } else {
-          parts.add(rows, width_ - N, last_);
+          sums.add(rows, width_ - kBlock, last_);
         }
       }
-      total += parts.joined();
+      total += sums.joined();
     }
     return total;
   }
 
  private:
-  static constexpr int32_t kPiece = 256 / N;  // blocks of 256 elements: 256 * 2^15 * 255 is below 2^31
+  static constexpr int kBlock = N / 2;
+  static constexpr int32_t kPiece = 256 / kBlock;  // blocks of 256 elements: 256 * 2^15 * 255 is below 2^31
   using Elements = Lanes<int16_t, N>;
   using Sums = Lanes<uint32_t, N / 2>;
 
-  // Sums of x low (0 to 3) and of x high (4 to 7) of four rows.
-  struct Parts {
-    Sums sums[8];
+  // Sums of x low (lower halves) and of x high (upper halves) of four rows.
+  struct RowSums {
+    Sums sums[4];
 
-    Parts() {
+    RowSums() {
       for (auto& s : sums) s = Sums(0);
     }
-    [[gnu::always_inline]] void add(const FourRows<int16_t>& rows, int32_t column, const SplitVector<N>& v) {
-      for (int i = 0; i < 4; ++i) {
-        const Elements x = Elements::load(rows[i] + column);
-        sums[i] += std::bit_cast<Sums>(pairDots(x, v.low));
-        sums[4 + i] += std::bit_cast<Sums>(pairDots(x, v.high));
-      }
+    [[gnu::always_inline]] void add(const FourRows<int16_t>& rows, int32_t column, const Elements& parts) {
+      for (int i = 0; i < 4; ++i) sums[i] += std::bit_cast<Sums>(pairDots(loadTwice<N>(rows[i] + column), parts));
     }
     [[gnu::always_inline]] Lanes<double, 4> joined() const {
-      const EightSums all = sumsOfSets(sums);
-      return widen(std::bit_cast<Lanes<int32_t, 4>>(all.first)) +
-             widen(std::bit_cast<Lanes<int32_t, 4>>(all.second)) * Lanes<double, 4>(256.0);
+      const SumsOfHalves all = sumsOfHalves(sums);
+      return widen(std::bit_cast<Lanes<int32_t, 4>>(all.lower)) +
+             widen(std::bit_cast<Lanes<int32_t, 4>>(all.upper)) * Lanes<double, 4>(256.0);
     }
   };
 
-  SplitVector<N> splitAt(int32_t column) const { return SplitVector<N>(Elements::load(vector_ + column)); }
+  // Low parts of the lower half of v, from 0 to 255, and high parts of the upper half: v = 256 high + low.
+  static Elements partsOf(const Elements& v) {
+    const Elements high = v >> 8, low = v - shiftLeft(high, 8);
+    return low + (high - low) * Elements::load(kZerosAndOnes<kBlock>.data());
+  }
+  Elements partsAt(int32_t column) const { return partsOf(loadTwice<N>(vector_ + column)); }
 
   const int16_t* vector_;
   int32_t width_, blocks_;
-  SplitVector<N> last_, split_[kPiece];
+  Elements last_, parts_[kPiece];
 };
 
 inline int64_t dotShortRow(const int16_t* row, const int16_t* vector, int32_t width) {

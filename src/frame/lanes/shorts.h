@@ -51,6 +51,23 @@ inline V dropFirst(V a) {
   return v;
 }
 
+// W / 2 numbers from p on, twice.
+template <int W>
+inline Vector<int16_t, W> loadTwice(const int16_t* p) {
+#if defined(__AVX512BW__)
+  if constexpr (W == 32) return Vector<int16_t, W>(_mm512_broadcast_i64x4(load<__m256i>(p)));
+#endif
+#if defined(__AVX2__)
+  if constexpr (W == 16) return Vector<int16_t, W>(_mm256_broadcastsi128_si256(load<__m128i>(p)));
+#endif
+#if defined(__SSE3__)
+  if constexpr (W == 8) return Vector<int16_t, W>(__m128i(_mm_set1_pd(load<double>(p))));
+#endif
+  Vector<int16_t, W> v{};
+  for (int i = 0; i < W; ++i) v[i] = p[i % (W / 2)];
+  return v;
+}
+
 // The Index-th W lanes of v as floats.
 template <int W, int Index, class V>
 inline Vector<float, W> shortsToFloats(V v) {
@@ -71,6 +88,15 @@ inline Vector<float, W> shortsToFloats(V v) {
 }
 
 }  // namespace native
+
+// N / 2 numbers from p on in both halves of one register.
+template <int N>
+inline Lanes<int16_t, N> loadTwice(const int16_t* p) {
+  static_assert(Lanes<int16_t, N>::kParts == 1);
+  Lanes<int16_t, N> v;
+  v.part[0] = native::loadTwice<N>(p);
+  return v;
+}
 
 // The square of a 16-bit number in two halves: its upper 16 bits, and its lower 16 bits shifted right by one.
 template <int N>

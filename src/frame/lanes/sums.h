@@ -1,7 +1,7 @@
-// Sums of products of whole numbers: over all lanes of eight sets at once, and of two rows, lane by lane.
+// Sums of products of whole numbers: over the halves of four registers at once, and of two rows, lane by lane.
 //
-// Eight sets take far fewer steps together than eight joins. Registers are folded in halves until a set has four lanes; these are
-// turned within 128 bits, where shuffles are cheap. The sums are modulo 2^32 and so the same in any order.
+// Eight halves take far fewer steps together than eight joins: they are turned within 128 bits, where shuffles are cheap, before
+// they are folded. The sums are modulo 2^32 and so the same in any order.
 #pragma once
 
 #include <cstdint>
@@ -25,13 +25,6 @@ inline V halvesOfFours(V a, V b, std::index_sequence<I...>) {
   constexpr int kLanes = sizeof...(I);
   return __builtin_shufflevector(a, b, (static_cast<int>(I / 4 * 4 + I % 2) + First + (I % 4 < 2 ? 0 : kLanes))...);
 }
-// The lower halves of a and b (Upper 0), or the upper ones.
-template <int Upper, class V, std::size_t... I>
-inline V halves(V a, V b, std::index_sequence<I...>) {
-  constexpr int kLanes = sizeof...(I), kHalf = kLanes / 2;
-  return __builtin_shufflevector(a, b,
-                                 (static_cast<int>(I) % kHalf + kHalf * Upper + (static_cast<int>(I) < kHalf ? 0 : kLanes))...);
-}
 template <int First, class V, std::size_t... I>
 inline V interleaveEights(V a, V b, std::index_sequence<I...>) {
   constexpr int kLanes = sizeof...(I);
@@ -52,9 +45,9 @@ inline Lanes<int16_t, N> interleaveUpperOfEights(const Lanes<int16_t, N>& a, con
       a, b, [](auto x, auto y) { return native::interleaveEights<4>(x, y, std::make_index_sequence<Lanes<int16_t, N>::kPart>()); });
 }
 
-// Sums of eight lane sets of one native register each: of sets 0 to 3, and of sets 4 to 7.
-struct EightSums {
-  Lanes<uint32_t, 4> first, second;
+// Sums over the halves of four sets.
+struct SumsOfHalves {
+  Lanes<uint32_t, 4> lower, upper;
 };
 
 // Within each 128 bits: the sums of four lanes of a, b, c and d.
@@ -71,24 +64,25 @@ template <int N>
   return v;
 }
 
+// The sums of lanes First and First + 1 of four sets.
+template <int First>
+[[gnu::always_inline]] inline Lanes<uint32_t, 4> sumsOfPairs(const Lanes<uint32_t, 4> (&sets)[4]) {
+  constexpr auto kLanes = std::make_index_sequence<4>();
+  const auto ab = native::interleaveFours<First>(sets[0].part[0], sets[1].part[0], kLanes);
+  const auto cd = native::interleaveFours<First>(sets[2].part[0], sets[3].part[0], kLanes);
+  Lanes<uint32_t, 4> v;
+  v.part[0] = native::halvesOfFours<0>(ab, cd, kLanes) + native::halvesOfFours<2>(ab, cd, kLanes);
+  return v;
+}
+
 template <int N>
-[[gnu::always_inline]] inline EightSums sumsOfSets(const Lanes<uint32_t, N> (&sets)[8]) {
-  static_assert(Lanes<uint32_t, N>::kParts == 1 && N >= 4);
-  if constexpr (N > 8) {
-    Lanes<uint32_t, N / 2> folded[8];
-    for (int i = 0; i < 8; ++i) folded[i] = lowerHalf(sets[i]) + upperHalf(sets[i]);
-    return sumsOfSets(folded);
-  } else if constexpr (N == 8) {
-    constexpr auto kLanes = std::make_index_sequence<N>();
-    Lanes<uint32_t, N> both[4];  // of sets i and 4 + i, half a register each
-    for (int i = 0; i < 4; ++i) {
-      const auto a = sets[i].part[0], b = sets[4 + i].part[0];
-      both[i].part[0] = native::halves<0>(a, b, kLanes) + native::halves<1>(a, b, kLanes);
-    }
-    const Lanes<uint32_t, N> all = turnedSums(both[0], both[1], both[2], both[3]);
-    return {lowerHalf(all), upperHalf(all)};
+[[gnu::always_inline]] inline SumsOfHalves sumsOfHalves(const Lanes<uint32_t, N> (&sets)[4]) {
+  static_assert(Lanes<uint32_t, N>::kParts == 1 && N >= 4 && N <= 16);
+  if constexpr (N == 4) {
+    return {sumsOfPairs<0>(sets), sumsOfPairs<2>(sets)};
   } else {
-    return {turnedSums(sets[0], sets[1], sets[2], sets[3]), turnedSums(sets[4], sets[5], sets[6], sets[7])};
+    const Lanes<uint32_t, N> all = turnedSums(sets[0], sets[1], sets[2], sets[3]);
+    return {joinedTo<4>(lowerHalf(all)), joinedTo<4>(upperHalf(all))};
   }
 }
 
