@@ -232,6 +232,42 @@ struct LaneSums {
   }
 };
 
+// One lane in all four.
+template <int K>
+[[gnu::always_inline]] inline Lanes<float, 4> copiesOf(const Lanes<float, 4>& a) {
+  Lanes<float, 4> v;
+  v.part[0] = __builtin_shufflevector(a.part[0], a.part[0], K, K, K, K);
+  return v;
+}
+
+// Four orders' lanes 0 with the products of up to seven more inputs, one after the other. Written out: as a loop they would take as
+// long as all blocks.
+template <class From>
+[[gnu::always_inline]] inline Lanes<float, 4> withRest(Lanes<float, 4> first, const From* x, std::ptrdiff_t count,
+                                                       const float* cosines) {
+  const auto add = [&](const Lanes<float, 4>& input) __attribute__((always_inline)) {
+    first += input * Lanes<float, 4>::load(static_cast<const float*>(__builtin_assume_aligned(cosines, 16)));
+    cosines += 4;
+  };
+  const auto addOne = [&]() __attribute__((always_inline)) { add(Lanes<float, 4>(static_cast<float>(*x++))); };
+  if (count >= 4) {
+    const auto four = loadAs<float, 4>(x);
+    add(copiesOf<0>(four));
+    add(copiesOf<1>(four));
+    add(copiesOf<2>(four));
+    add(copiesOf<3>(four));
+    x += 4;
+    count -= 4;
+  }
+  if (count >= 2) {
+    addOne();
+    addOne();
+    count -= 2;
+  }
+  if (count != 0) addOne();
+  return first;
+}
+
 // Sums of R orders. `cosines` begins at theirs, and ends behind them.
 template <int R, class From>
 inline Lanes<float, R> cosineSums(const From* x, std::ptrdiff_t length, const float*& cosines) {
@@ -249,7 +285,8 @@ inline Lanes<float, R> cosineSums(const From* x, std::ptrdiff_t length, const fl
     Lanes<float, 4> first = pair.lane[0];
     if (j < length) {  // lanes 0 before their pairing, with what remains
       first = turn4(lanes.low(0), lanes.low(1), lanes.low(2), lanes.low(3)).lane[0];
-      for (; j < length; ++j, cosines += 4) first += Lanes<float, 4>(static_cast<float>(x[j])) * Lanes<float, 4>::load(cosines);
+      first = withRest(first, x + j, length - j, cosines);
+      cosines += 4 * (length - j);
       first += turn4(lanes.high(0), lanes.high(1), lanes.high(2), lanes.high(3)).lane[0];
     }
     return (first + pair.lane[2]) + (pair.lane[1] + pair.lane[3]);
@@ -272,19 +309,19 @@ void dctLifter(const From* source, float* result, const State* state) {
   const int32_t length = state->dctLength, order = state->cepstrumLength;
   const float* lifter = areaOf<const float>(state, state->lifter);
   const float* cosines = areaOf<const float>(state, state->cosines);
-  // The sum of order 0 is one long chain of additions: a share of it beside each group, so that it is waited for nowhere.
-  const int32_t inputs = state->hasC0 != 0 ? length : 0, share = inputs / ((order + 3) / 4) + 1;
+  // The sum of order 0 is one long chain of additions: some of it beside each group, so that it is waited for nowhere.
+  constexpr int32_t kShare = 8;
+  const int32_t inputs = state->hasC0 != 0 ? length : 0;
   float sum = 0.0F;
   int32_t added = 0;
-  const auto addUpTo = [&](int32_t end) {
-    for (; added < end; ++added) sum += static_cast<float>(source[added]);
-  };
   eachGroup(order, [&](int32_t first, auto count) {
     (Lanes<float, count>::load(lifter + first) * cosineSums<count>(source, length, cosines)).store(result + first - 1);
-    addUpTo(std::min(added + share, inputs));
+    if (inputs - added < kShare) return;
+    for (int32_t k = 0; k < kShare; ++k) sum += static_cast<float>(source[added + k]);
+    added += kShare;
   });
   if (inputs != 0) {
-    addUpTo(inputs);
+    for (; added < inputs; ++added) sum += static_cast<float>(source[added]);
     result[order] = lifter[0] * sum;
   }
 }
