@@ -17,7 +17,7 @@ namespace {
 struct Square {
   int32_t n;
   std::vector<float> x, v, y;
-  std::vector<int16_t> x16, v16;
+  std::vector<int16_t> x16, v16, y16;
   std::vector<int32_t> x32, v32, y32;
 
   explicit Square(int32_t size) : n(size) {
@@ -31,6 +31,7 @@ struct Square {
     v16.assign(x16.begin(), x16.begin() + n);
     v32.assign(x32.begin(), x32.begin() + n);
     y.resize(static_cast<std::size_t>(n));
+    y16.resize(y.size());
     y32.resize(y.size());
   }
   std::string task(const std::string& operation) const { return operation + ", " + std::to_string(n) + " x " + std::to_string(n); }
@@ -51,6 +52,7 @@ void addTasks(const bench::Level& level, Square& s) {
   const int16_t *x16 = s.x16.data(), *v16 = s.v16.data();
   const int32_t *x32 = s.x32.data(), *v32 = s.v32.data();
   float* y = s.y.data();
+  int16_t* y16 = s.y16.data();
   int32_t* y32 = s.y32.data();
   const double power = 1.0 / (1 << 20);
   compare(
@@ -61,6 +63,9 @@ void addTasks(const bench::Level& level, Square& s) {
       level, s.task("MatVecMul 16s32s"), [=, f = OURS(qorsMatVecMul_16s32s_D2Sfs)] { f(x16, n, v16, n, y32, n, 20); },
       [=, f = PLAIN(plainMatVecMul_16s32s)] { f(x16, n, v16, n, y32, n, 20); });
   bench::add({s.task("MatVecMul 16s32s"), "our 32f", level.name}, [=, f = OURS(qorsMatVecMul_32f_D2)] { f(x, n, v, n, y, n); });
+  bench::add({s.task("MatVecMul 16s"), "ours", level.name, 1, "products"},
+             [=, f = OURS(qorsMatVecMul_16s_D2Sfs)] { f(x16, n, v16, n, y16, n, 20); });
+  bench::add({s.task("MatVecMul 16s"), "our 32f", level.name}, [=, f = OURS(qorsMatVecMul_32f_D2)] { f(x, n, v, n, y, n); });
   compare(
       level, s.task("MatVecMul 32s"), [=, f = OURS(qorsMatVecMul_32s_D2Sfs)] { f(x32, n, v32, n, y32, n, 20); },
       [=, f = PLAIN(plainMatVecMul_32s)] { f(x32, n, v32, n, y32, n, power); });
@@ -71,6 +76,9 @@ void addTasks(const bench::Level& level, Square& s) {
       level, s.task("VecMatMul 16s32s"), [=, f = OURS(qorsVecMatMul_16s32s_D2Sfs)] { f(v16, x16, n, n, y32, n, 20); },
       [=, f = PLAIN(plainVecMatMul_16s32s)] { f(v16, x16, n, n, y32, n, power); });
   bench::add({s.task("VecMatMul 16s32s"), "our 32f", level.name}, [=, f = OURS(qorsVecMatMul_32f_D2)] { f(v, x, n, n, y, n); });
+  bench::add({s.task("VecMatMul 16s"), "ours", level.name, 1, "products"},
+             [=, f = OURS(qorsVecMatMul_16s_D2Sfs)] { f(v16, x16, n, n, y16, n, 20); });
+  bench::add({s.task("VecMatMul 16s"), "our 32f", level.name}, [=, f = OURS(qorsVecMatMul_32f_D2)] { f(v, x, n, n, y, n); });
   compare(
       level, s.task("VecMatMul 32s"), [=, f = OURS(qorsVecMatMul_32s_D2Sfs)] { f(v32, x32, n, n, y32, n, 20); },
       [=, f = PLAIN(plainVecMatMul_32s)] { f(v32, x32, n, n, y32, n, power); });

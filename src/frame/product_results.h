@@ -1,4 +1,4 @@
-// What products of all types share: groups of four rows, and finishes, which make results of four sums.
+// What products of all types share: groups of rows, and finishes, which make results of the sums of a group.
 #pragma once
 
 #include <algorithm>
@@ -11,7 +11,7 @@
 
 namespace qorsr {
 
-// ---- Finishes: from four sums to results ----
+// ---- Finishes: from the sums of a group to results ----
 
 struct RealResult {
   using Result = float;
@@ -22,16 +22,25 @@ struct RealResult {
 
 namespace detail {
 
-[[gnu::always_inline]] inline void storeSaturated(const Lanes<int32_t, 4>& v, int32_t* at) { v.store(at); }
-[[gnu::always_inline]] inline void storeSaturated(const Lanes<int32_t, 4>& v, int16_t* at) {
-  int16_t twice[8];
-  saturated(v, v).store(twice);
-  std::memcpy(at, twice, 4 * sizeof(int16_t));
+template <int N>
+[[gnu::always_inline]] inline void storeSaturated(const Lanes<int32_t, N>& v, int32_t* at) {
+  v.store(at);
+}
+template <int N>
+[[gnu::always_inline]] inline void storeSaturated(const Lanes<int32_t, N>& v, int16_t* at) {
+  if constexpr (N == 4) {
+    int16_t twice[8];
+    saturated(v, v).store(twice);
+    std::memcpy(at, twice, 4 * sizeof(int16_t));
+  } else {
+    narrowSaturated(v).store(at);
+  }
 }
 
 // Limited to the range of 32-bit integers.
-[[gnu::always_inline]] inline Lanes<double, 4> limitedTo32(const Lanes<double, 4>& v) {
-  return max(min(v, Lanes<double, 4>(2147483647.0)), Lanes<double, 4>(-2147483648.0));
+template <int N>
+[[gnu::always_inline]] inline Lanes<double, N> limitedTo32(const Lanes<double, N>& v) {
+  return max(min(v, Lanes<double, N>(2147483647.0)), Lanes<double, N>(-2147483648.0));
 }
 
 }  // namespace detail
@@ -45,8 +54,9 @@ class RoundedResult {
 
   explicit RoundedResult(int32_t scaleFactor) : power_(qorPow2Neg_64f(scaleFactor)) {}
 
-  [[gnu::always_inline]] void operator()(const Lanes<double, 4>& sums, To* at) const {
-    detail::storeSaturated(nearest(detail::limitedTo32(zeroWhereNaN(sums * Lanes<double, 4>(power_)))), at);
+  template <int N>
+  [[gnu::always_inline]] void operator()(const Lanes<double, N>& sums, To* at) const {
+    detail::storeSaturated(nearest(detail::limitedTo32(zeroWhereNaN(sums * Lanes<double, N>(power_)))), at);
   }
 
  private:
@@ -66,8 +76,9 @@ class ShiftedResult {
         below_(scaleFactor <= 0 ? 0.0 : 1.0 - qorPow2Neg_64f(-std::min(scaleFactor, kPlaces))) {}
 
   // The floor of n / 2^s is n / 2^s truncated, for a negative n (n - (2^s - 1)) / 2^s truncated.
-  [[gnu::always_inline]] void operator()(const Lanes<double, 4>& sums, To* at) const {
-    using L = Lanes<double, 4>;
+  template <int N>
+  [[gnu::always_inline]] void operator()(const Lanes<double, N>& sums, To* at) const {
+    using L = Lanes<double, N>;
     const L zero(0.0), start = sums + selectLess(sums, zero, L(below_), zero);
     detail::storeSaturated(truncated(detail::limitedTo32(start * L(power_))), at);
   }
@@ -88,32 +99,37 @@ class ShiftedResult {
 // Above this width the sums of 16-bit products take more than a double holds beside the offset.
 inline constexpr int32_t kExactColumns = 1 << 19;
 
-// ---- Four rows at a time ----
+// ---- Rows in groups ----
 
-// Rows first to first + 3 of a matrix; with a height below four, the last row stands for those that are missing.
-template <class T>
-struct FourRows {
-  const T* row[4];
+// Rows first to first + R - 1 of a matrix; with a height below R, the last row stands for those that are missing.
+template <class T, int R>
+struct RowGroup {
+  const T* row[R];
 
   template <class Rows>
-  FourRows(const Rows& rows, int32_t first, int32_t height) {
-    for (int32_t i = 0; i < 4; ++i) row[i] = rows[height >= 4 ? first + i : std::min(i, height - 1)];
+  RowGroup(const Rows& rows, int32_t first, int32_t height) {
+    for (int32_t i = 0; i < R; ++i) row[i] = rows[height >= R ? first + i : std::min(i, height - 1)];
   }
   const T* operator[](int i) const { return row[i]; }
 };
+template <class T>
+using FourRows = RowGroup<T, 4>;
 
-// Calls dots(four rows) -> four sums, for all rows, and finish(sums, where) for each four.
-template <class T, class Rows, class Dots, class Result, class Finish>
-inline void forFourRows(const Rows& rows, int32_t height, const Dots& dots, Result* result, const Finish& finish) {
-  if (height < 4) {
-    Result four[4];
-    finish(dots(FourRows<T>(rows, 0, height)), four);
-    std::copy_n(four, height, result);
+// Calls dots(R rows) -> R sums, for all rows, and finish(sums, where) for each group.
+template <class T, int R, class Rows, class Dots, class Result, class Finish>
+inline void forRowGroups(const Rows& rows, int32_t height, const Dots& dots, Result* result, const Finish& finish) {
+  if constexpr (R > 4) {
+    if (height < R) return forRowGroups<T, 4>(rows, height, dots, result, finish);
+  }
+  if (height < R) {
+    Result results[R];
+    finish(dots(RowGroup<T, R>(rows, 0, height)), results);
+    std::copy_n(results, height, result);
     return;
   }
-  for (int64_t r = 0; r < height; r += 4) {
-    const auto first = static_cast<int32_t>(std::min<int64_t>(r, height - 4));  // the last four may overlap those before them
-    finish(dots(FourRows<T>(rows, first, 4)), result + first);
+  for (int64_t r = 0; r < height; r += R) {
+    const auto first = static_cast<int32_t>(std::min<int64_t>(r, height - R));  // the last group may overlap the one before it
+    finish(dots(RowGroup<T, R>(rows, first, R)), result + first);
   }
 }
 

@@ -72,14 +72,14 @@ inline Lanes<double, 4> dotFourRows(const FourRows<int32_t>& rows, const int32_t
 
 template <class Rows, class Result>
 void multiplyRows(const Rows& rows, const float* vector, int32_t width, Result* result, int32_t height, RealResult) {
-  forFourRows<float>(
+  forRowGroups<float, 4>(
       rows, height, [=](const auto& four) { return dotFourRows(four, vector, width); }, result, RealResult());
 }
 
 template <class Rows, class Result, class Finish>
 QORSR_IN_GUARDED_MODE void multiplyRows(const Rows& rows, const int32_t* vector, int32_t width, Result* result, int32_t height,
                                         const Finish& finish) {
-  forFourRows<int32_t>(
+  forRowGroups<int32_t, 4>(
       rows, height, [=](const auto& four) { return dotFourRows(four, vector, width); }, result, finish);
 }
 
@@ -90,13 +90,14 @@ void multiplyRows(const Rows& rows, const int16_t* vector, int32_t width, Result
     for (int32_t r = 0; r < height; ++r) result[r] = finish.exactly(dotShortRow(rows[r], vector, width));
     return;
   }
-  const auto blocksOf = [&]<int N>(LaneCount<N>) {
-    forFourRows<int16_t>(rows, height, ExactDots<N>(vector, width), result, finish);
+  const auto blocksOf = [=, &rows, &finish]<int N>(LaneCount<N>) {
+    constexpr int kRows = std::max(kNativeLanes<double>, 4);
+    forRowGroups<int16_t, kRows>(rows, height, ExactDots<N>(vector, width), result, finish);
   };
   if (width >= kWide / 2) return blocksOf(LaneCount<kWide>());
   if (kWide > 16 && width >= 8) return blocksOf(LaneCount<std::min(kWide, 16)>());
   if (kWide > 8 && width >= 4) return blocksOf(LaneCount<8>());
-  forFourRows<int16_t>(
+  forRowGroups<int16_t, 4>(
       rows, height, [=](const auto& four) { return dotFourShortRows(four, vector, width); }, result, finish);
 }
 

@@ -42,16 +42,17 @@ class ExactDots {
     last_ = partsOf(loadTwice<N>(vector + width - kBlock) * loadTwice<N>(kZerosAndOnes<kBlock>.data() + (kBlock - counted)));
   }
 
-  [[gnu::always_inline]] Lanes<double, 4> operator()(const FourRows<int16_t>& rows) const {
+  template <int R>
+  [[gnu::always_inline]] Lanes<double, R> operator()(const RowGroup<int16_t, R>& rows) const {
     if (blocks_ <= kPiece) {
-      RowSums sums;
+      RowSums<R> sums;
       for (int32_t b = 0; b < blocks_ - 1; ++b) sums.add(rows, b * kBlock, parts_[b]);
       sums.add(rows, width_ - kBlock, last_);
       return sums.joined();
     }
-    Lanes<double, 4> total(0.0);
+    Lanes<double, R> total(0.0);
     for (int32_t b = 0; b < blocks_;) {
-      RowSums sums;
+      RowSums<R> sums;
       for (const int32_t end = std::min(blocks_, b + kPiece); b < end; ++b) {
         if (b < blocks_ - 1) {
           sums.add(rows, b * kBlock, partsAt(b * kBlock));
@@ -70,20 +71,21 @@ class ExactDots {
   using Elements = Lanes<int16_t, N>;
   using Sums = Lanes<uint32_t, N / 2>;
 
-  // Sums of x low (lower halves) and of x high (upper halves) of four rows.
+  // Sums of x low (lower halves) and of x high (upper halves) of R rows.
+  template <int R>
   struct RowSums {
-    Sums sums[4];
+    Sums sums[R];
 
     RowSums() {
       for (auto& s : sums) s = Sums(0);
     }
-    [[gnu::always_inline]] void add(const FourRows<int16_t>& rows, int32_t column, const Elements& parts) {
-      for (int i = 0; i < 4; ++i) sums[i] += std::bit_cast<Sums>(pairDots(loadTwice<N>(rows[i] + column), parts));
+    [[gnu::always_inline]] void add(const RowGroup<int16_t, R>& rows, int32_t column, const Elements& parts) {
+      for (int i = 0; i < R; ++i) sums[i] += std::bit_cast<Sums>(pairDots(loadTwice<N>(rows[i] + column), parts));
     }
-    [[gnu::always_inline]] Lanes<double, 4> joined() const {
-      const SumsOfHalves all = sumsOfHalves(sums);
-      return widen(std::bit_cast<Lanes<int32_t, 4>>(all.lower)) +
-             widen(std::bit_cast<Lanes<int32_t, 4>>(all.upper)) * Lanes<double, 4>(256.0);
+    [[gnu::always_inline]] Lanes<double, R> joined() const {
+      const SumsOfHalves<R> all = sumsOfHalves(sums);
+      return widen(std::bit_cast<Lanes<int32_t, R>>(all.lower)) +
+             widen(std::bit_cast<Lanes<int32_t, R>>(all.upper)) * Lanes<double, R>(256.0);
     }
   };
 

@@ -27,6 +27,10 @@ inline Vector<int32_t, 4> truncated(Vector<double, 2> a, Vector<double, 2> b) {
 inline Vector<int32_t, 4> nearest(Vector<double, 4> a) { return Vector<int32_t, 4>(_mm256_cvtpd_epi32(a)); }
 inline Vector<int32_t, 4> truncated(Vector<double, 4> a) { return Vector<int32_t, 4>(_mm256_cvttpd_epi32(a)); }
 #endif
+#if defined(__AVX512F__)
+inline Vector<int32_t, 8> nearest(Vector<double, 8> a) { return Vector<int32_t, 8>(_mm512_cvtpd_epi32(a)); }
+inline Vector<int32_t, 8> truncated(Vector<double, 8> a) { return Vector<int32_t, 8>(_mm512_cvttpd_epi32(a)); }
+#endif
 
 // Scalars, and vectors without an instruction of their own: element by element.
 inline int32_t nearest(float a) {
@@ -82,6 +86,19 @@ inline Lanes<int32_t, 4> truncated(const Lanes<double, 4>& a) {
   a.store(all);
   v.part[0] = native::truncatedFour(all);
 #endif
+  return v;
+}
+// Doubles in one register.
+template <int N>
+requires(N > 4 && N == kNativeLanes<double>) inline Lanes<int32_t, N> nearest(const Lanes<double, N>& a) {
+  Lanes<int32_t, N> v;
+  v.part[0] = native::nearest(a.part[0]);
+  return v;
+}
+template <int N>
+requires(N > 4 && N == kNativeLanes<double>) inline Lanes<int32_t, N> truncated(const Lanes<double, N>& a) {
+  Lanes<int32_t, N> v;
+  v.part[0] = native::truncated(a.part[0]);
   return v;
 }
 

@@ -4,6 +4,7 @@
 // they are folded. The sums are modulo 2^32 and so the same in any order.
 #pragma once
 
+#include <bit>
 #include <cstdint>
 #include <utility>
 
@@ -22,8 +23,18 @@ inline V interleaveFours(V a, V b, std::index_sequence<I...>) {
 // Within each 128 bits: a0 a1 b0 b1 (First 0) or a2 a3 b2 b3 (First 2).
 template <int First, class V, std::size_t... I>
 inline V halvesOfFours(V a, V b, std::index_sequence<I...>) {
-  constexpr int kLanes = sizeof...(I);
-  return __builtin_shufflevector(a, b, (static_cast<int>(I / 4 * 4 + I % 2) + First + (I % 4 < 2 ? 0 : kLanes))...);
+  constexpr int kPairs = sizeof...(I) / 2;
+  using Pairs = Vector<int64_t, kPairs>;
+  const auto pick = [&]<std::size_t... J>(std::index_sequence<J...>) {
+    return __builtin_shufflevector(std::bit_cast<Pairs>(a), std::bit_cast<Pairs>(b),
+                                   (static_cast<int>(J / 2 * 2) + First / 2 + (J % 2 == 0 ? 0 : kPairs))...);
+  };
+  return std::bit_cast<V>(pick(std::make_index_sequence<kPairs>()));
+}
+// The 128 bits First and First + 2 of two registers of 512 bits: a b a b.
+template <int First, class V, std::size_t... I>
+inline V alternateFours(V a, V b, std::index_sequence<I...>) {
+  return __builtin_shufflevector(a, b, (static_cast<int>(I % 4 + I / 8 * 8) + 4 * First + (I / 4 % 2 == 0 ? 0 : 16))...);
 }
 template <int First, class V, std::size_t... I>
 inline V interleaveEights(V a, V b, std::index_sequence<I...>) {
@@ -45,9 +56,10 @@ inline Lanes<int16_t, N> interleaveUpperOfEights(const Lanes<int16_t, N>& a, con
       a, b, [](auto x, auto y) { return native::interleaveEights<4>(x, y, std::make_index_sequence<Lanes<int16_t, N>::kPart>()); });
 }
 
-// Sums over the halves of four sets.
+// Sums over the halves of R sets.
+template <int R>
 struct SumsOfHalves {
-  Lanes<uint32_t, 4> lower, upper;
+  Lanes<uint32_t, R> lower, upper;
 };
 
 // Within each 128 bits: the sums of four lanes of a, b, c and d.
@@ -76,13 +88,34 @@ template <int First>
 }
 
 template <int N>
-[[gnu::always_inline]] inline SumsOfHalves sumsOfHalves(const Lanes<uint32_t, N> (&sets)[4]) {
+[[gnu::always_inline]] inline SumsOfHalves<4> sumsOfHalves(const Lanes<uint32_t, N> (&sets)[4]) {
   static_assert(Lanes<uint32_t, N>::kParts == 1 && N >= 4 && N <= 16);
   if constexpr (N == 4) {
     return {sumsOfPairs<0>(sets), sumsOfPairs<2>(sets)};
   } else {
     const Lanes<uint32_t, N> all = turnedSums(sets[0], sets[1], sets[2], sets[3]);
     return {joinedTo<4>(lowerHalf(all)), joinedTo<4>(upperHalf(all))};
+  }
+}
+
+// Eight sets, where eight lanes are in one register.
+template <int N>
+[[gnu::always_inline]] inline SumsOfHalves<8> sumsOfHalves(const Lanes<uint32_t, N> (&sets)[8]) {
+  if constexpr (N == 16) {
+    constexpr auto kLanes = std::make_index_sequence<16>();
+    const auto a = turnedSums(sets[0], sets[1], sets[2], sets[3]).part[0];
+    const auto b = turnedSums(sets[4], sets[5], sets[6], sets[7]).part[0];
+    Lanes<uint32_t, 16> all;
+    all.part[0] = native::alternateFours<0>(a, b, kLanes) + native::alternateFours<1>(a, b, kLanes);
+    return {lowerHalf(all), upperHalf(all)};
+  } else {
+    constexpr auto kLanes = std::make_index_sequence<8>();
+    using Eight = Lanes<uint32_t, 8>;
+    const auto a = sumsOfHalves({sets[0], sets[1], sets[2], sets[3]}), b = sumsOfHalves({sets[4], sets[5], sets[6], sets[7]});
+    SumsOfHalves<8> all;
+    all.lower.part[0] = native::concatenate<Eight::Part>(a.lower.part[0], b.lower.part[0], kLanes);
+    all.upper.part[0] = native::concatenate<Eight::Part>(a.upper.part[0], b.upper.part[0], kLanes);
+    return all;
   }
 }
 
