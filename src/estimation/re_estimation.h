@@ -18,7 +18,9 @@
 #include "frame/checks.h"
 #include "frame/column_blocks.h"
 #include "frame/convert.h"
+#include "frame/environment.h"
 #include "frame/lanes.h"
+#include "frame/lanes/rounding.h"
 #include "frame/rows.h"
 
 namespace qorsr {
@@ -169,22 +171,47 @@ inline QorStatus newVarInPlace(const float* means, float* squares, int32_t lengt
   return qorStatusOk;
 }
 
+struct ScaledNewVar {
+  const int32_t *means, *squares;
+  int32_t* destination;
+  int32_t length;
+  float a, b;
+};
+
+// Stores finish(variances) of all elements, a register at a time.
+template <class T, class Finish>
+[[gnu::always_inline]] inline void storeNewVar(const ScaledNewVar v, T* destination, const Finish finish) {
+  coverColumnsOnce<float, kNativeLanes<float>>(
+      v.length, [=](int32_t i, auto n) __attribute__((always_inline)) {
+        finish(newVarInFloat<n>(v.means + i, v.squares + i, v.a, v.b)).store(destination + i);
+      });
+}
+
+// The variances follow the caller's rounding mode, their conversion rounds to nearest: two passes, unless the modes are the same.
+inline QorStatus newVarAligned(const ScaledNewVar& v, int32_t scaleFactor) {
+  if (EnvironmentGuard::isCallersNearest()) {
+    const float multiplier = qorPow2Neg_32f(scaleFactor);
+    storeNewVar(
+        v, v.destination, [=]<int N>(const Lanes<float, N>& x) __attribute__((always_inline)) {
+          return nearestSaturated(x * Lanes<float, N>(multiplier));
+        });
+    return qorStatusOk;
+  }
+  float* const floats = reinterpret_cast<float*>(v.destination);
+  storeNewVar(
+      v, floats, [](const auto& x) __attribute__((always_inline)) { return x; });
+  return qorConvert_32f32s_Sfs(floats, v.destination, v.length, kNearestEven, scaleFactor);
+}
+
 // required: with means and squares on 16-byte boundaries the results are rounded to nearest and saturated, a NaN giving 0; else
 // they are truncated, and what does not fit, a NaN too, gives the most negative integer.
-inline QorStatus newVarScaled(const int32_t* means, const int32_t* squares, int32_t* destination, int32_t length, float a, float b,
-                              int32_t scaleFactor) {
-  if (QorStatus bad = Checks().null(means, squares, destination).size(length)) return bad;
-  if (isAligned16(means) && isAligned16(squares)) {
-    float* const floats = reinterpret_cast<float*>(destination);
-    coverColumnsOnce<float, kNativeLanes<float>>(
-        length, [&](int32_t i, auto n)
-                    __attribute__((always_inline)) { newVarInFloat<n>(means + i, squares + i, a, b).store(floats + i); });
-    return qorConvert_32f32s_Sfs(floats, destination, length, kNearestEven, scaleFactor);
-  }
+[[gnu::always_inline]] inline QorStatus newVarScaled(const ScaledNewVar& v, int32_t scaleFactor) {
+  if (QorStatus bad = Checks().null(v.means, v.squares, v.destination).size(v.length)) return bad;
+  if (isAligned16(v.means) && isAligned16(v.squares)) return newVarAligned(v, scaleFactor);
   const float multiplier = qorPow2Neg_32f(scaleFactor);
-  coverColumnsOnce<float, kNativeLanes<float>>(
-      length, [&](int32_t i, auto n) __attribute__((always_inline)) {
-        truncated(newVarInFloat<n>(means + i, squares + i, a, b) * Lanes<float, n>(multiplier)).store(destination + i);
+  storeNewVar(
+      v, v.destination, [=]<int N>(const Lanes<float, N>& x) __attribute__((always_inline)) {
+        return truncated(x * Lanes<float, N>(multiplier));
       });
   return qorStatusOk;
 }

@@ -23,7 +23,6 @@ class EnvironmentGuard {
   explicit EnvironmentGuard(Rounding rounding) {
 #if defined(__SSE__)
     saved_ = _mm_getcsr();
-    constexpr uint32_t kAllMasked = 0x1F80, kTowardZeroBits = 0x6000, kFlushToZero = 0x8000;
     const uint32_t wanted = kAllMasked | (rounding == Rounding::kTowardZero ? kTowardZeroBits : 0) | (saved_ & kFlushToZero);
     // The flags that stand do no harm inside, so the common case leaves the register alone.
     changed_ = (saved_ & ~kFlags) != wanted;
@@ -40,12 +39,22 @@ class EnvironmentGuard {
     std::fesetenv(&saved_);
 #endif
   }
+
+  // Whether the caller's environment is what a guard that rounds to nearest would set up. Where that is not known, false.
+  static bool isCallersNearest() {
+#if defined(__SSE__)
+    return (_mm_getcsr() & ~(kFlags | kFlushToZero)) == kAllMasked;
+#else
+    return false;
+#endif
+  }
+
   EnvironmentGuard(const EnvironmentGuard&) = delete;
   EnvironmentGuard& operator=(const EnvironmentGuard&) = delete;
 
  private:
 #if defined(__SSE__)
-  static constexpr uint32_t kFlags = 0x003F;
+  static constexpr uint32_t kFlags = 0x003F, kAllMasked = 0x1F80, kTowardZeroBits = 0x6000, kFlushToZero = 0x8000;
   uint32_t saved_;
   bool changed_;
 #else

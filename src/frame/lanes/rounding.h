@@ -34,7 +34,11 @@ inline Vector<int32_t, 8> truncated(Vector<double, 8> a) { return Vector<int32_t
 
 // Scalars, and vectors without an instruction of their own: element by element.
 inline int32_t nearest(float a) {
+#if defined(__SSE3__)
+  return _mm_cvtss_si32(_mm_set_ss(a));
+#else
   return a >= -2147483648.0F && a < 2147483648.0F ? static_cast<int32_t>(__builtin_lrintf(a)) : INT32_MIN;
+#endif
 }
 inline int32_t nearest(double a) {
   return a >= -2147483648.0 && a <= 2147483647.0 ? static_cast<int32_t>(__builtin_lrint(a)) : INT32_MIN;
@@ -122,8 +126,19 @@ inline Lanes<T, N> zeroWhereNaN(const Lanes<T, N>& a) {
 template <int N>
 inline Lanes<int32_t, N> largestAbove(const Lanes<int32_t, N>& a, const Lanes<float, N>& x, float limit) {
   Lanes<int32_t, N> v;
-  for (int i = 0; i < v.kParts; ++i) v.part[i] = a.part[i] ^ (x.part[i] > typename Lanes<float, N>::Part{} + limit);
+  if constexpr (N == 1) {
+    v.part[0] = a.part[0] ^ -static_cast<int32_t>(x.part[0] > limit);
+  } else {
+    for (int i = 0; i < v.kParts; ++i) v.part[i] = a.part[i] ^ (x.part[i] > typename Lanes<float, N>::Part{} + limit);
+  }
   return v;
+}
+
+// Rounded to nearest, ties to even, and saturated; a NaN gives 0. Only in a mode that is known to be nearest.
+template <int N>
+inline Lanes<int32_t, N> nearestSaturated(const Lanes<float, N>& a) {
+  const Lanes<float, N> number = zeroWhereNaN(a);
+  return largestAbove(nearest(number), number, 2147483520.0F);
 }
 
 // 32-bit integers as doubles, exact.
