@@ -6,7 +6,7 @@
 // Minimum before sum and sum before minimum give the same bits, since rounding is monotonic. A minimum never takes a NaN.
 //
 //   Widths 1 to 13: d = sqrt of the float sum of squares, added in pairs of elements; the shorter sequence is transposed first, so
-//   that neighbouring cells are neighbours in memory, and the distances to two rows of the longer one share what is loaded.
+//   that neighbouring cells are neighbours in memory, and the distances of a column go from registers into its recursion.
 //   Wider rows: squares are rounded to float and summed in four lanes of doubles over blocks of eight elements (element e in lane e
 //   mod 4), lanes joined by halves, the rest added one by one; the root is taken in double. Required: the threshold is visible.
 //
@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <limits>
+#include <type_traits>
 #include <utility>
 
 #include "frame/checks.h"
@@ -29,12 +30,91 @@ namespace qorsr {
 inline constexpr float kUnreachableEnd = std::numeric_limits<float>::max();  // the distance when no path reaches the end
 inline constexpr float kInfinity = std::numeric_limits<float>::infinity();
 inline constexpr int kWidestNarrowRow = 13;
-inline constexpr int kMostCells = 16;  // cells of a column that any kernel computes at a time
+inline constexpr int kMostCells = 16;  // cells of the widest register
+
+inline constexpr int kCells = kNativeLanes<float>;
+inline constexpr int kBlock = 4;  // registers of a column that are computed at a time
+inline constexpr int kBlockCells = kBlock * kCells;
+using Cells = Lanes<float, kCells>;
+
+// ---- Search region ----
+
+// The parallelogram of slopes 2 and 1/2, moved outwards by delta. Column i holds cells lower(i) to upper(i).
+struct WarpBand {
+  int64_t longer, shorter, delta;
+
+  int64_t upper(int64_t i) const {
+    const int64_t bound = 3 * i < 2 * shorter - longer ? delta + 2 * i : shorter + delta + ((i - longer - 1) >> 1);
+    return std::min(bound, shorter - 1);
+  }
+  int64_t lower(int64_t i) const {
+    const int64_t bound = 3 * i > 4 * longer - 2 * shorter - 2 ? shorter - 2 * longer - delta + 2 * i + 1 : (i >> 1) - delta;
+    return std::max<int64_t>(bound, 0);
+  }
+};
+
+// The active cells of a column: first to end - 1.
+struct ActiveCells {
+  int64_t first, end;
+};
+
+// ---- Recursion ----
+
+// Loaded from element kMostCells - n on and added to a block of cells: zero to the first n, infinity to those behind them.
+inline constexpr struct Beyond {
+  float of[2 * kMostCells] = {};
+  constexpr Beyond() { std::fill_n(of + kMostCells, kMostCells, kInfinity); }
+} kBeyond;
+
+// current[j] = min(previous[j], previous[j-1], previous[j-2]) + d(j) for the active cells; returns the least of them. Cells on
+// either side become infinite, as many as one step of the next column reads. `local.at<P>(j, d)` gives P registers of d from j on.
+template <class Local>
+[[gnu::always_inline]] inline float advance(const Local& local, const float* previous, float* current, ActiveCells active) {
+  const Cells unreachable(kInfinity);
+  Cells least = unreachable;
+  const auto cells = [&](int64_t j, const Cells& d) {
+    const Cells best = min(Cells::load(previous + j - 1), min(Cells::load(previous + j - 2), unreachable));
+    const Cells value = min(Cells::load(previous + j), best) + d;
+    value.store(current + j);
+    least = min(value, least);
+  };
+  unreachable.store(current + active.first - kCells);
+  int64_t j = active.first;
+  for (; j < active.end - kBlockCells; j += kBlockCells) {
+    Cells d[kBlock];
+    local.template at<kBlock>(j, d);
+    for (int p = 0; p < kBlock; ++p) cells(j + p * kCells, d[p]);
+  }
+  const auto last = [&]<int P>(std::integral_constant<int, P>) {
+    Cells d[P];
+    local.template at<P>(j, d);
+    d[P - 1] += Cells::load(kBeyond.of + kMostCells - (active.end - j - (P - 1) * kCells));
+    for (int p = 0; p < P; ++p) cells(j + p * kCells, d[p]);
+  };
+  const int64_t left = active.end - j;
+  if (left <= kCells) {
+    last(std::integral_constant<int, 1>());
+  } else if (left <= 2 * kCells) {
+    last(std::integral_constant<int, 2>());
+  } else if (left <= 3 * kCells) {
+    last(std::integral_constant<int, 3>());
+  } else {
+    last(std::integral_constant<int, 4>());
+  }
+  unreachable.store(current + active.end);
+  return leastLane(least);
+}
+
+// Drops cells above the limit, from the top, then from the bottom; one cell always stays.
+inline ActiveCells prune(float* column, ActiveCells active, float limit) {
+  while (active.end - 1 > active.first && column[active.end - 1] > limit) column[--active.end] = kInfinity;
+  while (active.first < active.end - 1 && column[active.first] > limit) column[active.first++] = kInfinity;
+  return active;
+}
 
 // ---- Local distances ----
 //
-// d0[j] and d1[j] for first <= j < end: the distances of row j of the shorter sequence to two rows of the longer one. Up to
-// kMostCells - 1 cells behind end are written too.
+// step: one column, the distances of the rows of the shorter sequence to `row` of the longer one, and the recursion.
 
 // W elements a row, W known to the compiler.
 template <int W>
@@ -54,20 +134,47 @@ class NarrowDistances {
     for (int e = 0; e < W; ++e) std::fill_n(area + e * pitch_ + rowCount, kMostCells, 0.0F);
   }
 
-  [[gnu::noinline]] void toRows(const float* row0, const float* row1, int64_t first, int64_t end, float* d0, float* d1) const {
-    Native y0[W], y1[W];
-    for (int e = 0; e < W; ++e) {
-      y0[e] = Native(row0[e]);
-      y1[e] = Native(row1[e]);
-    }
-    constexpr int kBlock = kNativeBytes == 16 ? 8 : kNativeLanes<float>;
-    int64_t j = first;
-    for (; j < end - kBlock / 2; j += kBlock) block<kBlock>(j, y0, y1, d0, d1);
-    if (j < end) block<kBlock / 2>(j, y0, y1, d0, d1);
+  [[gnu::noinline]] float step(const float* row, const float* previous, float* current, ActiveCells active) const {
+    return advance(Column{area_, pitch_, row}, previous, current, active);
   }
 
  private:
-  using Native = Lanes<float, kNativeLanes<float>>;
+  struct Column {
+    const float* area;
+    int64_t pitch;
+    const float* row;
+
+    // Squares are added in pairs of elements: ((q0 + q1) + (q2 + q3)) + ...
+    template <int P>
+    [[gnu::always_inline]] void at(int64_t j, Cells* d) const {
+      squares<P>(0, j, d);
+      if constexpr (W > 1) addSquares<P>(1, j, d);
+#pragma GCC unroll 1  // unrolled, the loads are scheduled early and spill
+      for (int e = 2; e < W - 1; e += 2) {
+        Cells pair[P];
+        squares<P>(e, j, pair);
+        addSquares<P>(e + 1, j, pair);
+        for (int p = 0; p < P; ++p) d[p] += pair[p];
+      }
+      if constexpr (W > 1 && W % 2 == 1) addSquares<P>(W - 1, j, d);
+      for (int p = 0; p < P; ++p) d[p] = sqrt(d[p]);
+    }
+
+    template <int P>
+    [[gnu::always_inline]] void squares(int e, int64_t j, Cells* q) const {
+      const Cells y(row[e]);
+      for (int p = 0; p < P; ++p) {
+        const Cells difference = Cells::load(area + e * pitch + j + p * kCells) - y;
+        q[p] = difference * difference;
+      }
+    }
+    template <int P>
+    [[gnu::always_inline]] void addSquares(int e, int64_t j, Cells* sum) const {
+      Cells q[P];
+      squares<P>(e, j, q);
+      for (int p = 0; p < P; ++p) sum[p] += q[p];
+    }
+  };
 
   static int64_t pitch(int32_t rowCount) { return int64_t{rowCount} + kMostCells; }
 
@@ -81,37 +188,6 @@ class NarrowDistances {
     for (; e < W; ++e) Four::of(a[e], b[e], c[e], d[e]).store(area + e * pitch_);
   }
 
-  // Squares are added in pairs of elements: ((q0 + q1) + (q2 + q3)) + ...
-  template <int N>
-  [[gnu::always_inline]] void block(int64_t j, const Native* y0, const Native* y1, float* d0, float* d1) const {
-    Lanes<float, N> sum0, sum1;
-    for (int e = 0; e < W; e += 2) {
-      const auto x = Lanes<float, N>::load(area_ + e * pitch_ + j);
-      auto q0 = squaredDifference(x, y0[e]), q1 = squaredDifference(x, y1[e]);
-      if (e + 1 < W) {
-        const auto next = Lanes<float, N>::load(area_ + (e + 1) * pitch_ + j);
-        q0 += squaredDifference(next, y0[e + 1]);
-        q1 += squaredDifference(next, y1[e + 1]);
-      }
-      sum0 = e == 0 ? q0 : sum0 + q0;
-      sum1 = e == 0 ? q1 : sum1 + q1;
-    }
-    sqrt(sum0).store(d0 + j);
-    sqrt(sum1).store(d1 + j);
-  }
-
-  // One register of y serves all parts of x.
-  template <int N>
-  static Lanes<float, N> squaredDifference(const Lanes<float, N>& x, const Native& y) {
-    Lanes<float, N> d;
-    if constexpr (N >= kNativeLanes<float>) {
-      d = Lanes<float, N>::each(x, [&](auto part) { return part - y.part[0]; });
-    } else {
-      d = x - lowerHalf(y);
-    }
-    return d * d;
-  }
-
   const float* area_;
   int64_t pitch_;
 };
@@ -120,21 +196,33 @@ class NarrowDistances {
 template <class Rows>
 class WideDistances {
  public:
-  static int64_t areaElements(int32_t) { return 0; }
+  static int64_t areaElements(int32_t rowCount) { return int64_t{rowCount} + kMostCells; }
 
-  WideDistances(const Rows& rows, int32_t rowCount, int32_t width, float*) : rows_(rows), last_(rowCount - 1), width_(width) {}
+  WideDistances(const Rows& rows, int32_t rowCount, int32_t width, float* area)
+      : rows_(rows), last_(rowCount - 1), width_(width), area_(area) {
+    std::fill_n(area, areaElements(rowCount), 0.0F);
+  }
 
-  [[gnu::noinline]] void toRows(const float* row0, const float* row1, int64_t first, int64_t end, float* d0, float* d1) const {
-    for (int64_t j = first; j < end; j += 4) {
+  [[gnu::noinline]] float step(const float* row, const float* previous, float* current, ActiveCells active) const {
+    for (int64_t j = active.first; j < active.end; j += 4) {
       const float* rows[4];
       for (int k = 0; k < 4; ++k) rows[k] = rows_[std::min<int64_t>(j + k, last_)];
-      four(rows, row0).store(d0 + j);
-      four(rows, row1).store(d1 + j);
+      four(rows, row).store(area_ + j);
     }
+    return advance(Column{area_}, previous, current, active);
   }
 
  private:
   using Four = Lanes<float, 4>;
+
+  struct Column {
+    const float* distances;
+
+    template <int P>
+    void at(int64_t j, Cells* d) const {
+      for (int p = 0; p < P; ++p) d[p] = Cells::load(distances + j + p * kCells);
+    }
+  };
 
   // The distances of four rows to one.
   Four four(const float* const* rows, const float* y) const {
@@ -176,80 +264,19 @@ class WideDistances {
   Rows rows_;
   int64_t last_;
   int32_t width_;
+  float* area_;
 };
 
-// ---- Search region ----
+// ---- Alignment ----
 
-// The parallelogram of slopes 2 and 1/2, moved outwards by delta. Column i holds cells lower(i) to upper(i).
-struct WarpBand {
-  int64_t longer, shorter, delta;
-
-  int64_t upper(int64_t i) const {
-    const int64_t bound = 3 * i < 2 * shorter - longer ? delta + 2 * i : shorter + delta + ((i - longer - 1) >> 1);
-    return std::min(bound, shorter - 1);
-  }
-  int64_t lower(int64_t i) const {
-    const int64_t bound = 3 * i > 4 * longer - 2 * shorter - 2 ? shorter - 2 * longer - delta + 2 * i + 1 : (i >> 1) - delta;
-    return std::max<int64_t>(bound, 0);
-  }
-};
-
-// The active cells of a column: first to end - 1.
-struct ActiveCells {
-  int64_t first, end;
-};
-
-// ---- Recursion ----
-
-// Loaded from element kMostCells - n on and added to a block of cells: zero to the first n, infinity to those behind them.
-inline constexpr struct Beyond {
-  float of[2 * kMostCells] = {};
-  constexpr Beyond() { std::fill_n(of + kMostCells, kMostCells, kInfinity); }
-} kBeyond;
-
-// current[j] = min(previous[j], previous[j-1], previous[j-2]) + distance[j] for the active cells; returns the least of them. Cells
-// on either side become infinite, as many as one step of the next column reads.
-[[gnu::noinline]] inline float advance(const float* distance, const float* previous, float* current, ActiveCells active) {
-  constexpr int kCells = kNativeLanes<float>;
-  using Cells = Lanes<float, kCells>;
-  const Cells unreachable(kInfinity);
-  const auto block = [=](int64_t j, const Cells& d) {
-    const Cells best = min(Cells::load(previous + j - 1), min(Cells::load(previous + j - 2), unreachable));
-    const Cells value = min(Cells::load(previous + j), best) + d;
-    value.store(current + j);
-    return value;
-  };
-  Cells least = unreachable;
-  unreachable.store(current + active.first - kCells);
-  int64_t j = active.first;
-  for (; j <= active.end - kCells; j += kCells) least = min(block(j, Cells::load(distance + j)), least);
-  if (j < active.end) {
-    const Cells beyond = Cells::load(kBeyond.of + kMostCells - (active.end - j));
-    least = min(block(j, Cells::load(distance + j) + beyond), least);
-  }
-  unreachable.store(current + active.end);
-  return leastLane(least);
-}
-
-// Drops cells above the limit, from the top, then from the bottom; one cell always stays.
-inline ActiveCells prune(float* column, ActiveCells active, float limit) {
-  while (active.end - 1 > active.first && column[active.end - 1] > limit) column[--active.end] = kInfinity;
-  while (active.first < active.end - 1 && column[active.first] > limit) column[active.first++] = kInfinity;
-  return active;
-}
-
-// Two columns of accumulated distances and two of local ones, with kMostCells of room on either side.
+// Two columns of accumulated distances, with kMostCells of room on either side.
 struct WarpColumns {
-  float *previous, *current, *distance0, *distance1;
+  float *previous, *current;
 
   static int64_t pitch(int64_t cells) { return (cells + 3 * kMostCells - 1) / kMostCells * kMostCells; }
-  static int64_t areaElements(int64_t cells) { return 4 * pitch(cells); }
+  static int64_t areaElements(int64_t cells) { return 2 * pitch(cells); }
 
-  WarpColumns(float* area, int64_t cells)
-      : previous(area + kMostCells),
-        current(previous + pitch(cells)),
-        distance0(current + pitch(cells)),
-        distance1(distance0 + pitch(cells)) {
+  WarpColumns(float* area, int64_t cells) : previous(area + kMostCells), current(previous + pitch(cells)) {
     std::fill_n(area, areaElements(cells), 0.0F);
   }
 };
@@ -258,21 +285,14 @@ template <class Distances, class Rows>
 float warp(const Distances& distances, const Rows& longer, const WarpBand& band, float beam, WarpColumns columns) {
   ActiveCells active{0, band.delta + 1};
   // Every cell of the first column is a free start: the column of zeros stands in front of it. It is not pruned.
-  distances.toRows(longer[0], longer[0], 0, active.end, columns.distance0, columns.distance1);
-  advance(columns.distance0, columns.previous, columns.current, active);
+  distances.step(longer[0], columns.previous, columns.current, active);
   beam = (beam > 0.0F ? beam : 0.0F) + std::numeric_limits<float>::epsilon();
   float least = kUnreachableEnd;  // required: also the distance of two sequences of one row, which are not compared
   for (int64_t i = 1; i < band.longer; ++i) {
     active = {std::max(active.first, band.lower(i)), std::min(active.end + 2, band.upper(i) + 1)};
     if (active.end <= active.first) return kUnreachableEnd;
-    if (i % 2 == 1) {  // the distances of this column and of the next one, which has two cells more at most
-      const int64_t last = std::min(i + 1, band.longer - 1), end = std::min(active.end + 2, band.shorter);
-      distances.toRows(longer[i], longer[last], active.first, end, columns.distance0, columns.distance1);
-    } else {
-      std::swap(columns.distance0, columns.distance1);
-    }
     std::swap(columns.previous, columns.current);
-    least = advance(columns.distance0, columns.previous, columns.current, active);
+    least = distances.step(longer[i], columns.previous, columns.current, active);
     if (least >= kUnreachableEnd) return least;
     active = prune(columns.current, active, beam + least);
   }
@@ -285,7 +305,7 @@ float warp(const Distances& distances, const Rows& longer, const WarpBand& band,
 // fours; beyond, it is allocated. Only a shorter sequence of up to 124 rows meets the limit.
 inline constexpr int64_t kStackElements = 512;
 inline constexpr int kStackRows = 124;
-inline constexpr int kStackArea = 4 * (kStackRows + 3 * kMostCells) + kWidestNarrowRow * (kStackRows + kMostCells) + kMostCells;
+inline constexpr int kStackArea = 2 * (kStackRows + 3 * kMostCells) + kWidestNarrowRow * (kStackRows + kMostCells) + kMostCells;
 
 template <class Distances, class Rows>
 QorStatus warpWith(Rows longer, Rows shorter, const WarpBand& band, int32_t width, float* distance, float beam) {
