@@ -241,15 +241,18 @@ template <int K>
 }
 
 // Four orders' lanes 0 with the products of up to seven more inputs, one after the other. Written out: as a loop they would take as
-// long as all blocks.
+// long as all blocks. `enough`: at least four inputs end with the last one, so that one load brings them.
 template <class From>
 [[gnu::always_inline]] inline Lanes<float, 4> withRest(Lanes<float, 4> first, const From* x, std::ptrdiff_t count,
-                                                       const float* cosines) {
+                                                       const float* cosines, bool enough) {
   const auto add = [&](const Lanes<float, 4>& input) __attribute__((always_inline)) {
     first += input * Lanes<float, 4>::load(static_cast<const float*>(__builtin_assume_aligned(cosines, 16)));
     cosines += 4;
   };
-  const auto addOne = [&]() __attribute__((always_inline)) { add(Lanes<float, 4>(static_cast<float>(*x++))); };
+  if (!enough) {
+    for (std::ptrdiff_t k = 0; k < count; ++k) add(Lanes<float, 4>(static_cast<float>(x[k])));
+    return first;
+  }
   if (count >= 4) {
     const auto four = loadAs<float, 4>(x);
     add(copiesOf<0>(four));
@@ -259,12 +262,12 @@ template <class From>
     x += 4;
     count -= 4;
   }
-  if (count >= 2) {
-    addOne();
-    addOne();
-    count -= 2;
+  if (count != 0) {
+    const auto last = loadAs<float, 4>(x + count - 4);
+    if (count == 3) add(copiesOf<1>(last));
+    if (count >= 2) add(copiesOf<2>(last));
+    add(copiesOf<3>(last));
   }
-  if (count != 0) addOne();
   return first;
 }
 
@@ -285,7 +288,7 @@ inline Lanes<float, R> cosineSums(const From* x, std::ptrdiff_t length, const fl
     Lanes<float, 4> first = pair.lane[0];
     if (j < length) {  // lanes 0 before their pairing, with what remains
       first = turn4(lanes.low(0), lanes.low(1), lanes.low(2), lanes.low(3)).lane[0];
-      first = withRest(first, x + j, length - j, cosines);
+      first = withRest(first, x + j, length - j, cosines, j != 0);
       cosines += 4 * (length - j);
       first += turn4(lanes.high(0), lanes.high(1), lanes.high(2), lanes.high(3)).lane[0];
     }
@@ -317,7 +320,10 @@ void dctLifter(const From* source, float* result, const State* state) {
   eachGroup(order, [&](int32_t first, auto count) {
     (Lanes<float, count>::load(lifter + first) * cosineSums<count>(source, length, cosines)).store(result + first - 1);
     if (inputs - added < kShare) return;
-    for (int32_t k = 0; k < kShare; ++k) sum += static_cast<float>(source[added + k]);
+    for (int32_t k = 0; k < kShare; k += 4) {
+      const auto four = loadAs<float, 4>(source + added + k);  // one load
+      for (int i = 0; i < 4; ++i) sum += four.part[0][i];
+    }
     added += kShare;
   });
   if (inputs != 0) {
