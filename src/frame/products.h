@@ -95,7 +95,7 @@ void multiplyRows(const Rows& rows, const int16_t* vector, int32_t width, Result
     forRowGroups<int16_t, kRows>(rows, height, ExactDots<N>(vector, width), result, finish);
   };
   if (width >= kWide / 2) return blocksOf(LaneCount<kWide>());
-  if (kWide > 16 && width >= 8) return blocksOf(LaneCount<std::min(kWide, 16)>());
+  if (kWide > 16 && width >= 8) return blocksOf(LaneCount < kWide < 16 ? kWide : 16 > ());
   if (kWide > 8 && width >= 4) return blocksOf(LaneCount<8>());
   forRowGroups<int16_t, 4>(
       rows, height, [=](const auto& four) { return dotFourShortRows(four, vector, width); }, result, finish);
@@ -153,6 +153,10 @@ inline constexpr int32_t kExactRows = 1 << 23;
 template <class Rows, class Result, class Finish>
 QORSR_IN_GUARDED_MODE void multiplyColumns(const int16_t* vector, const Rows& rows, int32_t height, Result* result, int32_t width,
                                            const Finish& finish) {
+  if (width >= 8 && height <= SplitPairs::kMost) {
+    const SplitPairs v(vector, height);
+    return shortColumns<kNativeLanes<int16_t>>(v, rows, height, result, 0, width, finish);
+  }
   const auto exactly = [&]<int N>(LaneCount<N>) {
     for (int64_t c = 0; c < width; c += 8 * N) {
       exactColumns<N>(vector, rows, height, result, static_cast<int32_t>(c), width, finish);

@@ -120,9 +120,13 @@ struct SplitPairs {
   int16_t low[kMost], high[kMost];
 
   SplitPairs(const int16_t* v, int32_t count) {
-    for (int32_t i = 0; i < count; ++i) {
-      low[i] = static_cast<int16_t>(v[i] & 255);
-      high[i] = static_cast<int16_t>(v[i] >> 8);
+    if (count >= 8) {
+      for (int32_t i = 0; i < count; i += 8) splitEight(v, std::min(i, count - 8));
+    } else {
+      for (int32_t i = 0; i < count; ++i) {
+        low[i] = static_cast<int16_t>(v[i] & 255);
+        high[i] = static_cast<int16_t>(v[i] >> 8);
+      }
     }
     if (count % 2 == 1) low[count] = high[count] = 0;
   }
@@ -133,24 +137,45 @@ struct SplitPairs {
     std::memcpy(&both, p, sizeof(both));
     return std::bit_cast<Lanes<int16_t, N>>(Lanes<int32_t, N / 2>(both));
   }
+
+ private:
+  void splitEight(const int16_t* v, int32_t at) {
+    const auto all = Lanes<int16_t, 8>::load(v + at), upper = all >> 8;
+    (all - shiftLeft(upper, 8)).store(low + at);
+    upper.store(high + at);
+  }
 };
 
-// Adds to the totals of B blocks of N columns, from `column` on, what rows first to first + count - 1 give. Two rows at a time, so
+// Sums that are finished together.
+inline constexpr int kSumsAtOnce = std::max(kNativeLanes<double>, 4);
+
+// Calls take(index of the first, kSumsAtOnce sums) for all sums from the given index on.
+template <int N, class Take>
+[[gnu::always_inline]] inline void forSums(const Lanes<double, N>& sums, int32_t index, const Take& take) {
+  if constexpr (N > kSumsAtOnce) {
+    forSums(lowerHalf(sums), index, take);
+    forSums(upperHalf(sums), index + N / 2, take);
+  } else {
+    take(index, sums);
+  }
+}
+
+// What rows first to first + count - 1 give in B blocks of N columns: take(index, sums), index from 0 to B N. Two rows at a time, so
 // that a pair of products is one step.
-template <int N, int B, class Rows>
-inline void addColumnDots(const SplitPairs& v, const Rows& rows, int32_t first, int32_t count, int32_t column, double* total) {
+template <int N, int B, class Rows, class Take>
+inline void columnDots(const SplitPairs& v, const Rows& rows, int32_t first, int32_t count, const std::array<int32_t, B>& columns,
+                       const Take& take) {
   using Elements = Lanes<int16_t, N>;
   using Sums = Lanes<int32_t, N / 2>;
-  using Four = Lanes<double, 4>;
   Sums sums[B][4];  // of x low, of x high: lower and upper halves of each eight columns
   for (auto& block : sums) {
     for (auto& s : block) s = Sums(0);
   }
   for (int32_t r = 0; r < count; r += 2) {
-    const auto *one = rows[first + r] + column, *two = rows[first + std::min(r + 1, count - 1)] + column;
+    const auto *one = rows[first + r], *two = rows[first + std::min(r + 1, count - 1)];
     const Elements low = SplitPairs::pair<N>(v.low + r), high = SplitPairs::pair<N>(v.high + r);
     for (int b = 0; b < B; ++b) {
-      const Elements x = Elements::load(one + b * N), y = Elements::load(two + b * N);
+      const Elements x = Elements::load(one + columns[b]), y = Elements::load(two + columns[b]);
       const Elements lower = interleaveLowerOfEights(x, y), upper = interleaveUpperOfEights(x, y);
       sums[b][0] += pairDots(lower, low);
       sums[b][1] += pairDots(upper, low);
@@ -159,14 +184,36 @@ inline void addColumnDots(const SplitPairs& v, const Rows& rows, int32_t first, 
     }
   }
   for (int b = 0; b < B; ++b) {
-    int32_t part[4][N / 2];
-    for (int i = 0; i < 4; ++i) sums[b][i].store(part[i]);
-    for (int c = 0; c < N; c += 4) {
-      const int half = c / 4 % 2, at = c / 8 * 4;
-      const Four sum = loadAs<double, 4>(part[half] + at) + loadAs<double, 4>(part[2 + half] + at) * Four(256.0);
-      (Four::load(total + b * N + c) + sum).store(total + b * N + c);
-    }
+    const auto low = widen(joinedEights(sums[b][0], sums[b][1])), high = widen(joinedEights(sums[b][2], sums[b][3]));
+    forSums(low + high * Lanes<double, N>(256.0), b * N, take);
   }
+}
+
+// All columns of a matrix of up to SplitPairs::kMost rows from `column` on, in blocks of at most N; the width is at least 8. The
+// last block may overlap the one before it.
+template <int N, class Rows, class Result, class Finish>
+inline void shortColumns(const SplitPairs& v, const Rows& rows, int32_t height, Result* result, int32_t column, int32_t width,
+                         const Finish& finish) {
+  const auto two = [&](int32_t c0, int32_t c1) {
+    columnDots<N, 2>(v, rows, 0, height, {c0, c1},
+                     [&](int32_t i, const auto& sums) { finish(sums, result + (i < N ? c0 + i : c1 + i - N)); });
+  };
+  const auto one = [&](int32_t c) {
+    columnDots<N, 1>(v, rows, 0, height, {c}, [&](int32_t i, const auto& sums) { finish(sums, result + c + i); });
+  };
+  while (width - column > N && (width - column > N + N / 2 || N == 8)) {
+    two(column, std::min(column + N, width - N));
+    column = std::min(column + 2 * N, width);
+  }
+  if (width - column >= N) {
+    one(column);
+    column += N;
+  }
+  if (column == width) return;
+  if constexpr (N > 8) {
+    if (width - column <= N / 2 || width < N) return shortColumns<N / 2>(v, rows, height, result, column, width, finish);
+  }
+  one(width - N);
 }
 
 // Up to eight blocks of N columns from `column` on, with `width` columns in all; the last block may overlap the one before it.
@@ -174,6 +221,7 @@ template <int N, class Rows, class Result, class Finish>
 inline void exactColumns(const int16_t* vector, const Rows& rows, int32_t height, Result* result, int32_t column, int32_t width,
                          const Finish& finish) {
   constexpr int kBlocks = 8;
+  using Some = Lanes<double, kSumsAtOnce>;
   const int32_t blocks = std::min((width - column - 1) / N + 1, kBlocks);
   const auto columnOf = [=](int32_t b) { return std::min(column + b * N, width - N); };
   double totals[kBlocks * N];
@@ -182,14 +230,16 @@ inline void exactColumns(const int16_t* vector, const Rows& rows, int32_t height
     const int32_t count = std::min(height - first, SplitPairs::kMost);
     const SplitPairs v(vector + first, count);
     for (int32_t b = 0; b < blocks;) {
-      const bool two = b + 1 < blocks && columnOf(b + 1) == columnOf(b) + N;
-      if (two) addColumnDots<N, 2>(v, rows, first, count, columnOf(b), totals + b * N);
-      if (!two) addColumnDots<N, 1>(v, rows, first, count, columnOf(b), totals + b * N);
+      double* total = totals + b * N;
+      const auto add = [=](int32_t i, const Some& sums) { (Some::load(total + i) + sums).store(total + i); };
+      const bool two = b + 1 < blocks;
+      if (two) columnDots<N, 2>(v, rows, first, count, {columnOf(b), columnOf(b + 1)}, add);
+      if (!two) columnDots<N, 1>(v, rows, first, count, {columnOf(b)}, add);
       b += two ? 2 : 1;
     }
   }
   for (int32_t b = 0; b < blocks; ++b) {
-    for (int c = 0; c < N; c += 4) finish(Lanes<double, 4>::load(totals + b * N + c), result + columnOf(b) + c);
+    for (int c = 0; c < N; c += kSumsAtOnce) finish(Some::load(totals + b * N + c), result + columnOf(b) + c);
   }
 }
 

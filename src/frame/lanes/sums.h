@@ -36,6 +36,14 @@ template <int First, class V, std::size_t... I>
 inline V alternateFours(V a, V b, std::index_sequence<I...>) {
   return __builtin_shufflevector(a, b, (static_cast<int>(I % 4 + I / 8 * 8) + 4 * First + (I / 4 % 2 == 0 ? 0 : 16))...);
 }
+// Part Index of the lanes of a and b, four by four in turn.
+template <int Index, class To, class V, std::size_t... I>
+inline To joinedEights(V a, V b, std::index_sequence<I...>) {
+  constexpr int kLanes = sizeof(V) / sizeof(a[0]), kFrom = Index * static_cast<int>(sizeof...(I));
+  return __builtin_shufflevector(a, b,
+                                 ((kFrom + static_cast<int>(I)) / 8 * 4 + static_cast<int>(I % 4) +
+                                  ((kFrom + static_cast<int>(I)) / 4 % 2 == 0 ? 0 : kLanes))...);
+}
 template <int First, class V, std::size_t... I>
 inline V interleaveEights(V a, V b, std::index_sequence<I...>) {
   constexpr int kLanes = sizeof...(I);
@@ -54,6 +62,20 @@ template <int N>
 inline Lanes<int16_t, N> interleaveUpperOfEights(const Lanes<int16_t, N>& a, const Lanes<int16_t, N>& b) {
   return Lanes<int16_t, N>::each(
       a, b, [](auto x, auto y) { return native::interleaveEights<4>(x, y, std::make_index_sequence<Lanes<int16_t, N>::kPart>()); });
+}
+
+// The inverse of the order above: the first four of every eight lanes from `lower`, the last four from `upper`.
+template <int N>
+inline Lanes<int32_t, 2 * N> joinedEights(const Lanes<int32_t, N>& lower, const Lanes<int32_t, N>& upper) {
+  using L = Lanes<int32_t, 2 * N>;
+  L v;
+  if constexpr (L::kParts == 2) {
+    v.part[0] = native::joinedEights<0, typename L::Part>(lower.part[0], upper.part[0], std::make_index_sequence<N>());
+    v.part[1] = native::joinedEights<1, typename L::Part>(lower.part[0], upper.part[0], std::make_index_sequence<N>());
+  } else {
+    v.part[0] = native::joinedEights<0, typename L::Part>(lower.part[0], upper.part[0], std::make_index_sequence<2 * N>());
+  }
+  return v;
 }
 
 // Sums over the halves of R sets.
