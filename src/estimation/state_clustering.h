@@ -74,16 +74,38 @@ template <class L, class T>
   (sum * mean + term).store(s.squares + i);
 }
 
-[[gnu::always_inline]] inline void accumulateFast(const State<float>& s, int32_t length) {
-  coverColumnsOnce<float, kNativeLanes<float>>(
-      length - length % 2, [&](int32_t i, auto n) __attribute__((always_inline)) {
-        using L = Lanes<float, n>;
-        const L v = L::load(s.variance + i), r = L(1.0F) / v;
-        const L size = abs(v), least(std::numeric_limits<float>::denorm_min());
-        L refined = (L(2.0F) - v * r) * r;
-        if (anyLess(size, least)) refined = selectLess(size, least, r, refined);  // of zero it stays infinite
-        storeFast(s, i, refined * L(s.occupancy));
-      });
+template <int N>
+struct Statistics {
+  Lanes<float, N> sum, squares;
+
+  [[gnu::always_inline]] void store(const State<float>& s, int32_t i) const {
+    sum.store(s.sum + i);
+    squares.store(s.squares + i);
+  }
+};
+
+template <int N>
+[[gnu::always_inline]] inline Statistics<N> refinedStatistics(const State<float>& s, int32_t i) {
+  using L = Lanes<float, N>;
+  const L mean = L::load(s.mean + i), v = L::load(s.variance + i), occupancy(s.occupancy), r = L(1.0F) / v;
+  // Of zero the reciprocal stays infinite: the product counts as 0 there, where it is not a number.
+  const L product = L::each(v, v * r, [](auto x, auto p) { return decltype(p)(x != decltype(x){} ? p : decltype(p){}); });
+  const L sum = occupancy * mean;
+  return {sum, sum * mean + (L(2.0F) - product) * r * occupancy};
+}
+
+// The last register full is computed first and stored last: it may overlap the one before it, also when a result replaces an input.
+[[gnu::always_inline]] inline void accumulateFast(const State<float> s, int32_t length) {
+  constexpr int kLanes = kNativeLanes<float>;
+  const int32_t pairs = length - length % 2;
+  if (pairs < kLanes) {
+    coverColumnsOnce<float, kLanes>(
+        pairs, [&](int32_t i, auto n) __attribute__((always_inline)) { refinedStatistics<n>(s, i).store(s, i); });
+  } else {
+    const auto last = refinedStatistics<kLanes>(s, pairs - kLanes);
+    for (int32_t i = 0; i < pairs - kLanes; i += kLanes) refinedStatistics<kLanes>(s, i).store(s, i);
+    last.store(s, pairs - kLanes);
+  }
   if (length % 2 != 0) {
     const int32_t i = length - 1;
     storeFast(s, i, Lanes<float, 1>(s.occupancy / s.variance[i]));

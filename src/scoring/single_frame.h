@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "frame/bits.h"
+#include "frame/column_blocks.h"
 #include "frame/convert.h"
 #include "frame/memory.h"
 #include "scoring/block_diagonal.h"
@@ -32,16 +33,30 @@ bool anyZero(const T* values, int32_t length) {
   return zero;
 }
 
+// Returns whether a value is zero.
+template <class T>
+bool storeReciprocals(const T* values, float* reciprocals, int32_t length) {
+  bool zero = false;
+  coverColumns<float, kNativeLanes<float>>(
+      length, [&](int32_t i, auto n) __attribute__((always_inline)) {
+        using L = Lanes<float, n>;
+        const L value = loadAs<float, n>(values + i);
+        for (const auto part : value.part) zero |= native::anyHolds(part == typename L::Part{});
+        (L(1.0F) / value).store(reciprocals + i);
+      });
+  return zero;
+}
+
 // The reciprocals of the variances are formed first, in float. `finish(sum)` stores the result. A zero variance is a warning.
 template <class T, class Result, class Finish>
 QorStatus scoreByReciprocals(const T* x, const T* mean, const T* variance, int32_t length, Result* result, const Finish& finish) {
   if (QorStatus bad = Checks().null(x, mean, variance, result).size(length)) return bad;
   const Scratch<float> reciprocals(length);
   if (!reciprocals) return qorStatusNoMemory;
-  for (int32_t i = 0; i < length; ++i) reciprocals[i] = 1.0F / static_cast<float>(variance[i]);
-  const float* inverse = reciprocals.get();
-  *result = finish(quadraticSum(RealSums<float>(), SharedRow{x}, SharedRow{mean}, SharedRow{inverse}, length));
-  return anyZero(variance, length) ? qorStatusDivideByZero : qorStatusOk;
+  float* const inverse = reciprocals.get();
+  const bool zero = storeReciprocals(variance, inverse, length);
+  *result = finish(quadraticSum(RealSums<float>(), SharedRow{x}, SharedRow{mean}, SharedRow<float>{inverse}, length));
+  return zero ? qorStatusDivideByZero : qorStatusOk;
 }
 
 // True divisions, in double. `refuse`: required of float data, a zero variance leaves the result alone.
