@@ -181,10 +181,11 @@ struct ScaledNewVar {
 // Stores finish(variances) of all elements, a register at a time.
 template <class T, class Finish>
 [[gnu::always_inline]] inline void storeNewVar(const ScaledNewVar v, T* destination, const Finish finish) {
-  coverColumnsOnce<float, kNativeLanes<float>>(
-      v.length, [=](int32_t i, auto n) __attribute__((always_inline)) {
-        finish(newVarInFloat<n>(v.means + i, v.squares + i, v.a, v.b)).store(destination + i);
-      });
+  coverLastFirst<float, kNativeLanes<float>>(
+      v.length,
+      [=](int32_t i, auto n)
+          __attribute__((always_inline)) { return finish(newVarInFloat<n>(v.means + i, v.squares + i, v.a, v.b)); },
+      [=](int32_t i, const auto& result) __attribute__((always_inline)) { result.store(destination + i); });
 }
 
 // The variances follow the caller's rounding mode, their conversion rounds to nearest: two passes, unless the modes are the same.

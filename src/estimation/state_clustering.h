@@ -94,18 +94,10 @@ template <int N>
   return {sum, sum * mean + (L(2.0F) - product) * r * occupancy};
 }
 
-// The last register full is computed first and stored last: it may overlap the one before it, also when a result replaces an input.
 [[gnu::always_inline]] inline void accumulateFast(const State<float> s, int32_t length) {
-  constexpr int kLanes = kNativeLanes<float>;
-  const int32_t pairs = length - length % 2;
-  if (pairs < kLanes) {
-    coverColumnsOnce<float, kLanes>(
-        pairs, [&](int32_t i, auto n) __attribute__((always_inline)) { refinedStatistics<n>(s, i).store(s, i); });
-  } else {
-    const auto last = refinedStatistics<kLanes>(s, pairs - kLanes);
-    for (int32_t i = 0; i < pairs - kLanes; i += kLanes) refinedStatistics<kLanes>(s, i).store(s, i);
-    last.store(s, pairs - kLanes);
-  }
+  coverLastFirst<float, kNativeLanes<float>>(
+      length - length % 2, [&](int32_t i, auto n) __attribute__((always_inline)) { return refinedStatistics<n>(s, i); },
+      [&](int32_t i, const auto& statistics) __attribute__((always_inline)) { statistics.store(s, i); });
   if (length % 2 != 0) {
     const int32_t i = length - 1;
     storeFast(s, i, Lanes<float, 1>(s.occupancy / s.variance[i]));

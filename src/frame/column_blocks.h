@@ -80,6 +80,20 @@ template <class T, int Widest = kWidestBlock<T>, class Body>
   }
 }
 
+// In place, in registers of N lanes where there are as many columns: `at(column, LaneCount)` computes, `store(column, value)` writes.
+// The last register is computed first and stored last, so it may overlap the one before it, also when a result replaces an input.
+template <class T, int N, class At, class Store>
+[[gnu::always_inline]] inline void coverLastFirst(int32_t width, const At& at, const Store& store) {
+  if (width < N) {
+    coverColumnsOnce<T, N>(
+        width, [&](int32_t c, auto n) __attribute__((always_inline)) { store(c, at(c, n)); });
+    return;
+  }
+  const auto last = at(width - N, LaneCount<N>());
+  for (int32_t c = 0; c < width - N; c += N) store(c, at(c, LaneCount<N>()));
+  store(width - N, last);
+}
+
 // The same for a width that is known when compiling, in blocks of kLanes columns.
 template <int kWidth, int kLanes, class Body>
 [[gnu::always_inline]] inline void coverKnownColumns(const Body& body) {

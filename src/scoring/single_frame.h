@@ -29,7 +29,10 @@ QorStatus scoreOne(Score score, const T* x, Gaussians<SharedRow<T>, Variances> g
 template <class T>
 bool anyZero(const T* values, int32_t length) {
   bool zero = false;
-  for (int32_t i = 0; i < length; ++i) zero |= values[i] == T(0);
+  coverColumns<T, kNativeLanes<T>>(
+      length, [&](int32_t i, auto n) __attribute__((always_inline)) {
+        for (const auto part : Lanes<T, n>::load(values + i).part) zero |= native::anyHolds(part == typename Lanes<T, n>::Part{});
+      });
   return zero;
 }
 
