@@ -171,8 +171,7 @@ inline void columnDots(const SplitPairs& v, const Rows& rows, int32_t first, int
   for (auto& block : sums) {
     for (auto& s : block) s = Sums(0);
   }
-  for (int32_t r = 0; r < count; r += 2) {
-    const auto *one = rows[first + r], *two = rows[first + std::min(r + 1, count - 1)];
+  const auto addPair = [&](int32_t r, const int16_t* one, const int16_t* two) __attribute__((always_inline)) {
     const Elements low = SplitPairs::pair<N>(v.low + r), high = SplitPairs::pair<N>(v.high + r);
     for (int b = 0; b < B; ++b) {
       const Elements x = Elements::load(one + columns[b]), y = Elements::load(two + columns[b]);
@@ -182,7 +181,10 @@ inline void columnDots(const SplitPairs& v, const Rows& rows, int32_t first, int
       sums[b][2] += pairDots(lower, high);
       sums[b][3] += pairDots(upper, high);
     }
-  }
+  };
+  int32_t r = 0;
+  for (; r < count - 1; r += 2) addPair(r, rows[first + r], rows[first + r + 1]);
+  if (r < count) addPair(r, rows[first + r], rows[first + r]);
   for (int b = 0; b < B; ++b) {
     const auto low = widen(joinedEights(sums[b][0], sums[b][1])), high = widen(joinedEights(sums[b][2], sums[b][3]));
     forSums(low + high * Lanes<double, N>(256.0), b * N, take);
