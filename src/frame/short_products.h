@@ -174,7 +174,7 @@ inline void columnDots(const SplitPairs& v, const Rows& rows, int32_t first, int
   const auto addPair = [&](int32_t r, const int16_t* one, const int16_t* two) __attribute__((always_inline)) {
     const Elements low = SplitPairs::pair<N>(v.low + r), high = SplitPairs::pair<N>(v.high + r);
     for (int b = 0; b < B; ++b) {
-      const Elements x = Elements::load(one + columns[b]), y = Elements::load(two + columns[b]);
+      const Elements x = inRegister(Elements::load(one + columns[b])), y = inRegister(Elements::load(two + columns[b]));
       const Elements lower = interleaveLowerOfEights(x, y), upper = interleaveUpperOfEights(x, y);
       sums[b][0] += pairDots(lower, low);
       sums[b][1] += pairDots(upper, low);

@@ -52,6 +52,15 @@ inline V interleaveEights(V a, V b, std::index_sequence<I...>) {
 
 }  // namespace native
 
+// The same lanes; numbers that are used twice are loaded once.
+template <int N>
+[[gnu::always_inline]] inline Lanes<int16_t, N> inRegister(Lanes<int16_t, N> a) {
+#if defined(__SSE3__)
+  for (auto& part : a.part) asm("" : "+v"(part));
+#endif
+  return a;
+}
+
 // a0 b0 a1 b1 a2 b2 a3 b3 of each eight lanes, and a4 b4 ... a7 b7: no lane leaves its 128 bits.
 template <int N>
 inline Lanes<int16_t, N> interleaveLowerOfEights(const Lanes<int16_t, N>& a, const Lanes<int16_t, N>& b) {
