@@ -38,6 +38,16 @@ struct State {
   T occupancy;
 };
 
+template <class T, int N>
+struct Statistics {
+  Lanes<T, N> sum, squares;
+
+  [[gnu::always_inline]] void store(const State<T>& s, int32_t i) const {
+    sum.store(s.sum + i);
+    squares.store(s.squares + i);
+  }
+};
+
 // ---- By the formula ----
 
 struct InverseVariance {
@@ -54,14 +64,15 @@ struct DirectVariance {
 };
 
 template <class Variance, class T>
-[[gnu::always_inline]] inline void accumulatePlain(const State<T>& s, int32_t length) {
-  coverColumnsOnce<T, kNativeLanes<T>>(
-      length, [&](int32_t i, auto n) __attribute__((always_inline)) {
+[[gnu::always_inline]] inline void accumulatePlain(const State<T> s, int32_t length) {
+  coverLastFirst<T, kNativeLanes<T>>(
+      length,
+      [&](int32_t i, auto n) __attribute__((always_inline)) {
         using L = Lanes<T, n>;
         const L mean = L::load(s.mean + i), variance = L::load(s.variance + i), occupancy(s.occupancy);
-        (mean * occupancy).store(s.sum + i);
-        Variance()(variance, mean * mean, occupancy).store(s.squares + i);
-      });
+        return Statistics<T, n>{mean * occupancy, Variance()(variance, mean * mean, occupancy)};
+      },
+      [&](int32_t i, const auto& statistics) __attribute__((always_inline)) { statistics.store(s, i); });
 }
 
 // ---- By the fast way of inverse variances ----
@@ -75,17 +86,7 @@ template <class L, class T>
 }
 
 template <int N>
-struct Statistics {
-  Lanes<float, N> sum, squares;
-
-  [[gnu::always_inline]] void store(const State<float>& s, int32_t i) const {
-    sum.store(s.sum + i);
-    squares.store(s.squares + i);
-  }
-};
-
-template <int N>
-[[gnu::always_inline]] inline Statistics<N> refinedStatistics(const State<float>& s, int32_t i) {
+[[gnu::always_inline]] inline Statistics<float, N> refinedStatistics(const State<float>& s, int32_t i) {
   using L = Lanes<float, N>;
   const L mean = L::load(s.mean + i), v = L::load(s.variance + i), occupancy(s.occupancy), r = L(1.0F) / v;
   // Of zero the reciprocal stays infinite: the product counts as 0 there, where it is not a number.
