@@ -8,4 +8,3 @@ extern "C" void plainLogAddFloat_32f(const float* source, float* result, int32_t
 extern "C" void plainLogAdd_64f(const double* source, double* result, int32_t length);
 extern "C" void plainLogSum_32f(const float* source, float* result, int32_t length);
 extern "C" void plainLogSum_64f(const double* source, double* result, int32_t length);
-
