@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 #include "model/log_arithmetic.h"
 #include "qorsr.h"
@@ -14,7 +15,10 @@ constexpr int kPoints = 1000000;
 // Point i of a sweep from 0 to the difference where the smaller term is dropped.
 double pointOf(int i, double drop) { return drop * (i + 0.5) / kPoints; }
 
-long double errorAt(long double d, long double result) { return std::fabs(result - std::log1p(std::exp(d))); }
+template <class T>
+long double errorAt(T d, T result) {
+  return std::fabs(static_cast<long double>(result) - std::log1p(std::exp(static_cast<long double>(d))));
+}
 
 // The larger term is 0, so that the result is log(1 + exp(d)) itself.
 template <class T>
