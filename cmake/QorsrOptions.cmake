@@ -23,7 +23,7 @@ else()
   set(QORSR_LEVELS "native-baseline" CACHE STRING "Instruction levels of the module, the baseline first")
 endif()
 option(QORSR_BUILD_BENCHMARKS "Build the benchmarks" OFF)
-option(QORSR_BUILD_EXAMPLES "Build the example programs" OFF)
+option(QORSR_BUILD_PROGRAMS "Build the programs" OFF)
 option(QORSR_SANITIZE "Address, leak and undefined behaviour sanitizers" OFF)
 
 set(QORSR_FLAGS_sse3 -msse3)

@@ -15,8 +15,8 @@
 #include <cstdint>
 
 #include "frame/column_blocks.h"
-#include "frame/column_sums.h"
 #include "frame/lanes.h"
+#include "frame/matrix/column_sums.h"
 
 namespace qorsr {
 

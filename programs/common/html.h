@@ -1,0 +1,19 @@
+// The few pieces of HTML that reports are made of. Pages are self-contained: style inside, links relative.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace program {
+
+/** Text with the characters that mean something to HTML replaced. */
+std::string escaped(const std::string& text);
+
+/** A whole page around the body. */
+std::string htmlPage(const std::string& title, const std::string& body);
+
+/** A table; the first row is the heading, and all rows have as many cells. Cells are text and are escaped; columns of numbers stand
+ * to the right. */
+std::string htmlTable(const std::vector<std::vector<std::string>>& rows);
+
+}  // namespace program

@@ -1,0 +1,92 @@
+// Exports: sums of columns and rows.
+#include "frame/matrix/column_sums.h"
+
+using namespace qorsr;
+
+QorStatus qorsSumColumn_16s32f_D2(const int16_t* source, int32_t stride, int32_t height, float* result, int32_t width) {
+  return sumColumn(StridedRows{source, stride}, height, result, width);
+}
+QorStatus qorsSumColumn_16s32f_D2L(const int16_t* const* rows, int32_t height, float* result, int32_t width) {
+  return sumColumn(ListedRows{rows}, height, result, width);
+}
+QorStatus qorsSumColumn_16s32s_D2Sfs(const int16_t* source, int32_t stride, int32_t height, int32_t* result, int32_t width,
+                                     int32_t scaleFactor) {
+  return sumColumnScaled(StridedRows{source, stride}, height, result, width, scaleFactor);
+}
+QorStatus qorsSumColumn_16s32s_D2LSfs(const int16_t* const* rows, int32_t height, int32_t* result, int32_t width,
+                                      int32_t scaleFactor) {
+  return sumColumnScaled(ListedRows{rows}, height, result, width, scaleFactor);
+}
+QorStatus qorsSumColumn_32f_D2(const float* source, int32_t stride, int32_t height, float* result, int32_t width) {
+  return sumColumn(StridedRows{source, stride}, height, result, width);
+}
+QorStatus qorsSumColumn_32f_D2L(const float* const* rows, int32_t height, float* result, int32_t width) {
+  return sumColumn(ListedRows{rows}, height, result, width);
+}
+QorStatus qorsSumColumn_64f_D2(const double* source, int32_t stride, int32_t height, double* result, int32_t width) {
+  return sumColumn(StridedRows{source, stride}, height, result, width);
+}
+QorStatus qorsSumColumn_64f_D2L(const double* const* rows, int32_t height, double* result, int32_t width) {
+  return sumColumn(ListedRows{rows}, height, result, width);
+}
+
+QorStatus qorsSumRow_16s32f_D2(const int16_t* source, int32_t width, int32_t stride, float* result, int32_t height) {
+  return sumRow(StridedRows{source, stride}, width, result, height);
+}
+QorStatus qorsSumRow_16s32f_D2L(const int16_t* const* rows, int32_t width, float* result, int32_t height) {
+  return sumRow(ListedRows{rows}, width, result, height);
+}
+QorStatus qorsSumRow_16s32s_D2Sfs(const int16_t* source, int32_t width, int32_t stride, int32_t* result, int32_t height,
+                                  int32_t scaleFactor) {
+  return sumRowScaled(StridedRows{source, stride}, width, result, height, scaleFactor);
+}
+QorStatus qorsSumRow_16s32s_D2LSfs(const int16_t* const* rows, int32_t width, int32_t* result, int32_t height,
+                                   int32_t scaleFactor) {
+  return sumRowScaled(ListedRows{rows}, width, result, height, scaleFactor);
+}
+QorStatus qorsSumRow_32f_D2(const float* source, int32_t width, int32_t stride, float* result, int32_t height) {
+  return sumRow(StridedRows{source, stride}, width, result, height);
+}
+QorStatus qorsSumRow_32f_D2L(const float* const* rows, int32_t width, float* result, int32_t height) {
+  return sumRow(ListedRows{rows}, width, result, height);
+}
+QorStatus qorsSumRow_64f_D2(const double* source, int32_t width, int32_t stride, double* result, int32_t height) {
+  return sumRow(StridedRows{source, stride}, width, result, height);
+}
+QorStatus qorsSumRow_64f_D2L(const double* const* rows, int32_t width, double* result, int32_t height) {
+  return sumRow(ListedRows{rows}, width, result, height);
+}
+
+QorStatus qorsSumRowAbs_64f(const double* source, int32_t length, double* result) {
+  if (QorStatus bad = Checks().null(source, result).size(length)) return bad;
+  *result = rowReduce(length, [&](int32_t i, auto n) { return abs(Lanes<double, n>::load(source + i)); });
+  return qorStatusOk;
+}
+
+QorStatus qorsSumRowSqr_64f(double* source, int32_t length, double* result, double scale) {
+  if (QorStatus bad = Checks().null(source, result).size(length)) return bad;
+  *result = rowReduce(length, [&](int32_t i, auto n) {
+    const auto scaled = Lanes<double, n>::load(source + i) * Lanes<double, n>(scale);
+    scaled.store(source + i);
+    return scaled * scaled;
+  });
+  return qorStatusOk;
+}
+
+QorStatus qorsSumColumnAbs_64f_D2L(const double* const* rows, int32_t width, int32_t height, double* result, int32_t column,
+                                   int32_t firstRow) {
+  if (QorStatus bad = Checks().null(rows, result).size(width, height).index(column, width).index(firstRow, height)) return bad;
+  *result = columnReduce(firstRow, height, [&](int32_t r) { return __builtin_fabs(rows[r][column]); });
+  return qorStatusOk;
+}
+
+QorStatus qorsSumColumnSqr_64f_D2L(double* const* rows, int32_t width, int32_t height, double* result, int32_t column,
+                                   int32_t firstRow, double scale) {
+  if (QorStatus bad = Checks().null(rows, result).size(width, height).index(column, width).index(firstRow, height)) return bad;
+  *result = columnReduce(firstRow, height, [&](int32_t r) {
+    const double scaled = rows[r][column] * scale;
+    rows[r][column] = scaled;
+    return scaled * scaled;
+  });
+  return qorStatusOk;
+}

@@ -1,0 +1,248 @@
+// Exact products of 16-bit matrices and vectors.
+//
+// v is split into v = 256 high + low with 0 <= low < 256, so that sums of up to 256 products x high and x low stay below 2^31. What
+// they give together is then added in double, where all of it is exact.
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstdint>
+#include <cstring>
+
+#include "frame/lanes.h"
+#include "frame/lanes/rounding.h"
+#include "frame/lanes/shorts.h"
+#include "frame/lanes/sums.h"
+#include "frame/matrix/product_results.h"
+
+namespace qorsr {
+
+// ---- Rows times a vector ----
+
+// N zeros, then N ones.
+template <int N>
+inline constexpr auto kZerosAndOnes = [] {
+  std::array<int16_t, 2 * N> v{};
+  for (int k = N; k < 2 * N; ++k) v[k] = 1;
+  return v;
+}();
+
+// 16-bit rows in blocks of N / 2 elements, which stand in both halves of N lanes: the lower half is multiplied by the low parts of
+// the vector, the upper half by the high ones. The width is at least N / 2. The last block may overlap the one before it: the
+// vector there is zero where the elements have been counted.
+template <int N>
+class ExactDots {
+ public:
+  ExactDots(const int16_t* vector, int32_t width) : vector_(vector), width_(width), blocks_((width - 1) / kBlock + 1) {
+    if (blocks_ <= kPiece) {
+      for (int32_t b = 0; b < blocks_ - 1; ++b) parts_[b] = partsAt(b * kBlock);
+    }
+    const int32_t counted = blocks_ * kBlock - width;  // elements of the last block
+    last_ = partsOf(loadTwice<N>(vector + width - kBlock) * loadTwice<N>(kZerosAndOnes<kBlock>.data() + (kBlock - counted)));
+  }
+
+  template <int R>
+  [[gnu::always_inline]] Lanes<double, R> operator()(const RowGroup<int16_t, R>& rows) const {
+    if (blocks_ <= kPiece) {
+      RowSums<R> sums;
+      for (int32_t b = 0; b < blocks_ - 1; ++b) sums.add(rows, b * kBlock, parts_[b]);
+      sums.add(rows, width_ - kBlock, last_);
+      return sums.joined();
+    }
+    Lanes<double, R> total(0.0);
+    for (int32_t b = 0; b < blocks_;) {
+      RowSums<R> sums;
+      for (const int32_t end = std::min(blocks_, b + kPiece); b < end; ++b) {
+        if (b < blocks_ - 1) {
+          sums.add(rows, b * kBlock, partsAt(b * kBlock));
+        } else {
+          sums.add(rows, width_ - kBlock, last_);
+        }
+      }
+      total += sums.joined();
+    }
+    return total;
+  }
+
+ private:
+  static constexpr int kBlock = N / 2;
+  static constexpr int32_t kPiece = 256 / kBlock;  // blocks of 256 elements: 256 * 2^15 * 255 is below 2^31
+  using Elements = Lanes<int16_t, N>;
+  using Sums = Lanes<uint32_t, N / 2>;
+
+  // Sums of x low (lower halves) and of x high (upper halves) of R rows.
+  template <int R>
+  struct RowSums {
+    Sums sums[R];
+
+    RowSums() {
+      for (auto& s : sums) s = Sums(0);
+    }
+    [[gnu::always_inline]] void add(const RowGroup<int16_t, R>& rows, int32_t column, const Elements& parts) {
+      for (int i = 0; i < R; ++i) sums[i] += std::bit_cast<Sums>(pairDots(loadTwice<N>(rows[i] + column), parts));
+    }
+    [[gnu::always_inline]] Lanes<double, R> joined() const {
+      const SumsOfHalves<R> all = sumsOfHalves(sums);
+      return widen(std::bit_cast<Lanes<int32_t, R>>(all.lower)) +
+             widen(std::bit_cast<Lanes<int32_t, R>>(all.upper)) * Lanes<double, R>(256.0);
+    }
+  };
+
+  // Low parts of the lower half of v, from 0 to 255, and high parts of the upper half: v = 256 high + low.
+  static Elements partsOf(const Elements& v) {
+    const Elements high = v >> 8, low = v - shiftLeft(high, 8);
+    return low + (high - low) * Elements::load(kZerosAndOnes<kBlock>.data());
+  }
+  Elements partsAt(int32_t column) const { return partsOf(loadTwice<N>(vector_ + column)); }
+
+  const int16_t* vector_;
+  int32_t width_, blocks_;
+  Elements last_, parts_[kPiece];
+};
+
+inline int64_t dotShortRow(const int16_t* row, const int16_t* vector, int32_t width) {
+  int64_t total = 0;
+  for (int32_t c = 0; c < width; ++c) total += static_cast<int32_t>(row[c]) * vector[c];
+  return total;
+}
+
+inline Lanes<double, 4> dotFourShortRows(const FourRows<int16_t>& rows, const int16_t* vector, int32_t width) {
+  const auto sum = [&](int i) { return static_cast<double>(dotShortRow(rows[i], vector, width)); };
+  return Lanes<double, 4>::of(sum(0), sum(1), sum(2), sum(3));
+}
+
+// ---- A vector times columns ----
+
+// Elements of a 16-bit vector in two parts, v = 256 high + low, as pairs; an odd one has a zero behind it.
+struct SplitPairs {
+  static constexpr int32_t kMost = 128;  // 128 * 2^15 * 255 is below 2^31
+  int16_t low[kMost], high[kMost];
+
+  SplitPairs(const int16_t* v, int32_t count) {
+    if (count >= 8) {
+      for (int32_t i = 0; i < count; i += 8) splitEight(v, std::min(i, count - 8));
+    } else {
+      for (int32_t i = 0; i < count; ++i) {
+        low[i] = static_cast<int16_t>(v[i] & 255);
+        high[i] = static_cast<int16_t>(v[i] >> 8);
+      }
+    }
+    if (count % 2 == 1) low[count] = high[count] = 0;
+  }
+  // A pair in every pair of lanes.
+  template <int N>
+  static Lanes<int16_t, N> pair(const int16_t* p) {
+    int32_t both;
+    std::memcpy(&both, p, sizeof(both));
+    return std::bit_cast<Lanes<int16_t, N>>(Lanes<int32_t, N / 2>(both));
+  }
+
+ private:
+  void splitEight(const int16_t* v, int32_t at) {
+    const auto all = Lanes<int16_t, 8>::load(v + at), upper = all >> 8;
+    (all - shiftLeft(upper, 8)).store(low + at);
+    upper.store(high + at);
+  }
+};
+
+// Sums that are finished together.
+inline constexpr int kSumsAtOnce = std::max(kNativeLanes<double>, 4);
+
+// Calls take(index of the first, kSumsAtOnce sums) for all sums from the given index on.
+template <int N, class Take>
+[[gnu::always_inline]] inline void forSums(const Lanes<double, N>& sums, int32_t index, const Take& take) {
+  if constexpr (N > kSumsAtOnce) {
+    forSums(lowerHalf(sums), index, take);
+    forSums(upperHalf(sums), index + N / 2, take);
+  } else {
+    take(index, sums);
+  }
+}
+
+// What rows first to first + count - 1 give in B blocks of N columns: take(index, sums), index from 0 to B N. Two rows at a time, so
+// that a pair of products is one step.
+template <int N, int B, class Rows, class Take>
+inline void columnDots(const SplitPairs& v, const Rows& rows, int32_t first, int32_t count, const std::array<int32_t, B>& columns,
+                       const Take& take) {
+  using Elements = Lanes<int16_t, N>;
+  using Sums = Lanes<int32_t, N / 2>;
+  Sums sums[B][4];  // of x low, of x high: lower and upper halves of each eight columns
+  for (auto& block : sums) {
+    for (auto& s : block) s = Sums(0);
+  }
+  const auto addPair = [&](int32_t r, const int16_t* one, const int16_t* two) __attribute__((always_inline)) {
+    const Elements low = SplitPairs::pair<N>(v.low + r), high = SplitPairs::pair<N>(v.high + r);
+    for (int b = 0; b < B; ++b) {
+      const Elements x = inRegister(Elements::load(one + columns[b])), y = inRegister(Elements::load(two + columns[b]));
+      const Elements lower = interleaveLowerOfEights(x, y), upper = interleaveUpperOfEights(x, y);
+      sums[b][0] += pairDots(lower, low);
+      sums[b][1] += pairDots(upper, low);
+      sums[b][2] += pairDots(lower, high);
+      sums[b][3] += pairDots(upper, high);
+    }
+  };
+  int32_t r = 0;
+  for (; r < count - 1; r += 2) addPair(r, rows[first + r], rows[first + r + 1]);
+  if (r < count) addPair(r, rows[first + r], rows[first + r]);
+  for (int b = 0; b < B; ++b) {
+    const auto low = widen(joinedEights(sums[b][0], sums[b][1])), high = widen(joinedEights(sums[b][2], sums[b][3]));
+    forSums(low + high * Lanes<double, N>(256.0), b * N, take);
+  }
+}
+
+// All columns of a matrix of up to SplitPairs::kMost rows from `column` on, in blocks of at most N; the width is at least 8. The
+// last block may overlap the one before it.
+template <int N, class Rows, class Result, class Finish>
+inline void shortColumns(const SplitPairs& v, const Rows& rows, int32_t height, Result* result, int32_t column, int32_t width,
+                         const Finish& finish) {
+  const auto two = [&](int32_t c0, int32_t c1) {
+    columnDots<N, 2>(v, rows, 0, height, {c0, c1},
+                     [&](int32_t i, const auto& sums) { finish(sums, result + (i < N ? c0 + i : c1 + i - N)); });
+  };
+  const auto one = [&](int32_t c) {
+    columnDots<N, 1>(v, rows, 0, height, {c}, [&](int32_t i, const auto& sums) { finish(sums, result + c + i); });
+  };
+  while (width - column > N && (width - column > N + N / 2 || N == 8)) {
+    two(column, std::min(column + N, width - N));
+    column = std::min(column + 2 * N, width);
+  }
+  if (width - column >= N) {
+    one(column);
+    column += N;
+  }
+  if (column == width) return;
+  if constexpr (N > 8) {
+    if (width - column <= N / 2 || width < N) return shortColumns<N / 2>(v, rows, height, result, column, width, finish);
+  }
+  one(width - N);
+}
+
+// Up to eight blocks of N columns from `column` on, with `width` columns in all; the last block may overlap the one before it.
+template <int N, class Rows, class Result, class Finish>
+inline void exactColumns(const int16_t* vector, const Rows& rows, int32_t height, Result* result, int32_t column, int32_t width,
+                         const Finish& finish) {
+  constexpr int kBlocks = 8;
+  using Some = Lanes<double, kSumsAtOnce>;
+  const int32_t blocks = std::min((width - column - 1) / N + 1, kBlocks);
+  const auto columnOf = [=](int32_t b) { return std::min(column + b * N, width - N); };
+  double totals[kBlocks * N];
+  std::fill_n(totals, blocks * N, 0.0);
+  for (int32_t first = 0; first < height; first += SplitPairs::kMost) {
+    const int32_t count = std::min(height - first, SplitPairs::kMost);
+    const SplitPairs v(vector + first, count);
+    for (int32_t b = 0; b < blocks;) {
+      double* total = totals + b * N;
+      const auto add = [=](int32_t i, const Some& sums) { (Some::load(total + i) + sums).store(total + i); };
+      const bool two = b + 1 < blocks;
+      if (two) columnDots<N, 2>(v, rows, first, count, {columnOf(b), columnOf(b + 1)}, add);
+      if (!two) columnDots<N, 1>(v, rows, first, count, {columnOf(b)}, add);
+      b += two ? 2 : 1;
+    }
+  }
+  for (int32_t b = 0; b < blocks; ++b) {
+    for (int c = 0; c < N; c += kSumsAtOnce) finish(Some::load(totals + b * N + c), result + columnOf(b) + c);
+  }
+}
+
+}  // namespace qorsr
