@@ -1504,6 +1504,30 @@ QORSR_API QorStatus qorsEvalDeltaMul_16s_D2Sfs(int16_t* buffer, int32_t height, 
                                                int32_t width, int32_t offset, int32_t windowSize, int32_t scaleFactor);
 /** @} */
 
+/* ---------------- Linear prediction ---------------- */
+
+/* ---------------- Conversions of linear prediction ---------------- */
+
+/* ---------------- Signal conditioning ---------------- */
+
+/* ================================ Robust front-ends ================================ */
+
+/* ---------------- Spectral noise reduction ---------------- */
+
+/* ---------------- Band split and equalisation ---------------- */
+
+/* ---------------- Voice activity ---------------- */
+
+/* ---------------- Noise tracking by minima ---------------- */
+
+/* ================================ Vector quantisation ================================ */
+
+/* ---------------- Codebook training ---------------- */
+
+/* ---------------- Search of a codebook ---------------- */
+
+/* ---------------- Split quantisation and forming of vectors ---------------- */
+
 /* ================================ Model estimation ================================ */
 
 /** @defgroup re_estimation Model re-estimation
@@ -1793,6 +1817,16 @@ QORSR_API QorStatus qorsSVDSort_64f_D2L_I(double* const* rows, int32_t height, d
 QORSR_API QorStatus qorsQRTransColumn_64f_D2L(double* const* rows, int32_t width, int32_t height, int32_t firstColumn,
                                               int32_t secondColumn, double c, double s);
 /** @} */
+
+/* ================================ Pitch ================================ */
+
+/* ================================ Resampling ================================ */
+
+/* ---------------- Arbitrary ratios ---------------- */
+
+/* ---------------- Fixed ratios ---------------- */
+
+/* ================================ Numeric vectors ================================ */
 
 #ifdef __cplusplus
 }
