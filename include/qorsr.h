@@ -131,8 +131,27 @@ QORSR_API const QorLibraryVersion* qorsrGetLibVersion(void);
  *    exactly in 64-bit integers and truncate instead of rounding; variances are truncated before they are shifted by the scale
  *    factor.
  *
- *  Shapes. source: height rows of width elements, `stride` elements apart, or `rows`, the row pointers. Results: width elements
- *  (column members) or height elements (row members). Units are the caller's.
+ *  Units are the caller's.
+ *
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `source` | in | height x width, stride apart | frames, one a row |
+ *  | `source` of `SumRowAbs_*` | in | length | |
+ *  | `source` of `SumRowSqr_*` | in, out | length | |
+ *  | `rows` | in | height x width | row pointers |
+ *  | `rows` of `SumColumnSqr_*` | in, out | height x width | |
+ *  | `result` | out | width | `SumColumn`, `MeanColumn`, `VarColumn` |
+ *  | `result` of `SumRow_*` | out | height | |
+ *  | `result` of `SumRowAbs_*`, `SumRowSqr_*`, `SumColumnAbs_*`, `SumColumnSqr_*` | out | 1 | |
+ *  | `means` | out | width | never scaled |
+ *  | `means` of `VarColumn_*` | in | width | |
+ *  | `variances` | out | width | |
+ *  | `width`, `height`, `length` | value | at least 1 | |
+ *  | `height` of `VarColumn_*`, `MeanVarColumn_*` | value | at least 2 | |
+ *  | `stride` | value | at least width | |
+ *  | `column` | value | 0 to width - 1 | |
+ *  | `firstRow` | value | 0 to height - 1 | |
+ *  | `scaleFactor`, `scale` | value | any | |
  *
  *  Statuses, in order:
  *  - `SumColumn`, `SumRow`: null; height or width below 1; stride below width (`_D2`).
