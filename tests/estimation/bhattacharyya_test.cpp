@@ -166,13 +166,13 @@ void expectFaults(QorStatus (*call)(const Args<T>&)) {
   const std::vector<float> x(6, 2.0F);
   T result = 3;
   kit::FaultTable<A> table(A{x.data(), x.data(), x.data(), x.data(), &result, 6}, call, {{&result, 1}});
-  table.fault("null mx", qorStatusNullPointer, [](A& a) { a.mx = nullptr; });
-  table.fault("null vx", qorStatusNullPointer, [](A& a) { a.vx = nullptr; });
-  table.fault("null my", qorStatusNullPointer, [](A& a) { a.my = nullptr; });
-  table.fault("null vy", qorStatusNullPointer, [](A& a) { a.vy = nullptr; });
-  table.fault("null result", qorStatusNullPointer, [](A& a) { a.result = nullptr; });
-  table.fault("length zero", qorStatusBadSize, [](A& a) { a.length = 0; });
-  table.fault("length negative", qorStatusBadSize, [](A& a) { a.length = INT32_MIN; });
+  table.fault("null mx", qorStatusNullPointer, &A::mx, nullptr);
+  table.fault("null vx", qorStatusNullPointer, &A::vx, nullptr);
+  table.fault("null my", qorStatusNullPointer, &A::my, nullptr);
+  table.fault("null vy", qorStatusNullPointer, &A::vy, nullptr);
+  table.fault("null result", qorStatusNullPointer, &A::result, nullptr);
+  table.fault("length zero", qorStatusBadSize, &A::length, 0);
+  table.fault("length negative", qorStatusBadSize, &A::length, INT32_MIN);
   table.check();
 }
 

@@ -111,11 +111,11 @@ struct Args {
 
 template <class A>
 void addShared(kit::FaultTable<A>& table) {
-  table.fault("null source", qorStatusNullPointer, [](A& a) { a.source = nullptr, a.rows = nullptr; });
-  table.fault("null mean", qorStatusNullPointer, [](A& a) { a.mean = nullptr; });
-  table.fault("null result", qorStatusNullPointer, [](A& a) { a.result = nullptr, a.resultRows = nullptr; });
-  table.fault("height zero", qorStatusBadSize, [](A& a) { a.height = 0; });
-  table.fault("width negative", qorStatusBadSize, [](A& a) { a.width = -1; });
+  table.fault("null source", qorStatusNullPointer, &A::source, nullptr, &A::rows, nullptr);
+  table.fault("null mean", qorStatusNullPointer, &A::mean, nullptr);
+  table.fault("null result", qorStatusNullPointer, &A::result, nullptr, &A::resultRows, nullptr);
+  table.fault("height zero", qorStatusBadSize, &A::height, 0);
+  table.fault("width negative", qorStatusBadSize, &A::width, -1);
 }
 
 TYPED_TEST(AccCovariance, Faults) {
@@ -133,8 +133,8 @@ TYPED_TEST(AccCovariance, Faults) {
       },
       watched);
   addShared(strided);
-  strided.fault("sourceStride below width", qorStatusBadStride, [](A& a) { a.sourceStride = 3; });
-  strided.fault("resultStride below width", qorStatusBadStride, [](A& a) { a.resultStride = 3; });
+  strided.fault("sourceStride below width", qorStatusBadStride, &A::sourceStride, 3, kit::against(&A::width));
+  strided.fault("resultStride below width", qorStatusBadStride, &A::resultStride, 3, kit::against(&A::width));
   strided.check();
   kit::FaultTable<A> listed(
       valid, [](const A& a) { return Members<T>::listed(a.rows, a.height, a.mean, a.resultRows, a.width, 1.0); }, watched);

@@ -281,28 +281,19 @@ struct Args {
 
 enum class Order { kSizeFirst, kNullFirst };
 
-template <class T>
-void expectFaults(Order order, QorStatus (*call)(const Args<T>&), const std::string& pointers) {
+template <class T, class... Pointers>
+void expectFaults(Order order, QorStatus (*call)(const Args<T>&), Pointers... pointers) {
   using A = Args<T>;
   std::vector<T> x(6, T(2)), to(6, T(3)), to2(6, T(4)), to3(6, T(5));
   const A valid{x.data(), x.data(), x.data(), x.data(), to.data(), to2.data(), to3.data(), 6};
   kit::FaultTable<A> table(valid, call, {{to.data(), 6}, {to2.data(), 6}, {to3.data(), 6}});
   const auto sizes = [&] {
-    table.fault("length zero", qorStatusBadSize, [](A& a) { a.length = 0; });
-    table.fault("length negative", qorStatusBadSize, [](A& a) { a.length = INT32_MIN; });
+    table.fault("length zero", qorStatusBadSize, &A::length, 0);
+    table.fault("length negative", qorStatusBadSize, &A::length, INT32_MIN);
   };
   if (order == Order::kSizeFirst) sizes();
-  for (const char p : pointers) {
-    table.fault(std::string("null ") + p, qorStatusNullPointer, [p](A& a) {
-      if (p == 'a') a.mx = nullptr;
-      if (p == 'b') a.vx = nullptr;
-      if (p == 'c') a.my = nullptr;
-      if (p == 'd') a.vy = nullptr;
-      if (p == 'm') a.mean = nullptr;
-      if (p == 'v') a.variance = nullptr;
-      if (p == 'r') a.det = nullptr;
-    });
-  }
+  int position = 0;
+  (table.fault("null pointer " + std::to_string(++position), qorStatusNullPointer, pointers, nullptr), ...);
   if (order == Order::kNullFirst) sizes();
   table.check();
 }
@@ -310,14 +301,16 @@ void expectFaults(Order order, QorStatus (*call)(const Args<T>&), const std::str
 TYPED_TEST(GaussianPairs, Faults) {
   using T = TypeParam;
   using M = Members<T>;
+  using A = Args<T>;
   expectFaults<T>(
-      Order::kSizeFirst, [](auto& a) { return M::dist(a.mx, a.vx, a.my, a.vy, a.length, a.det, 1, 1, 1, 1); }, "abcdr");
+      Order::kSizeFirst, [](auto& a) { return M::dist(a.mx, a.vx, a.my, a.vy, a.length, a.det, 1, 1, 1, 1); }, &A::mx, &A::vx,
+      &A::my, &A::vy, &A::det);
   expectFaults<T>(
       Order::kSizeFirst, [](auto& a) { return M::merge(a.mx, a.vx, a.my, a.vy, a.mean, a.variance, a.length, a.det, 1, 1); },
-      "abcdmvr");
+      &A::mx, &A::vx, &A::my, &A::vy, &A::mean, &A::variance, &A::det);
   expectFaults<T>(
       std::is_same_v<T, float> ? Order::kSizeFirst : Order::kNullFirst,
-      [](auto& a) { return M::split(a.mean, a.vx, a.variance, a.det, a.length, T(0.5)); }, "bmvr");
+      [](auto& a) { return M::split(a.mean, a.vx, a.variance, a.det, a.length, T(0.5)); }, &A::vx, &A::mean, &A::variance, &A::det);
 }
 
 TYPED_TEST(GaussianPairs, NothingIsAllocated) {

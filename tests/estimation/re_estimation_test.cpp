@@ -288,49 +288,45 @@ struct Args {
   T occ1, occ2;
 };
 
-template <class T>
-void expectFaults(QorStatus (*call)(const Args<T>&), const std::vector<std::string>& pointers, int occupancies) {
+template <class T, class... Pointers>
+void expectFaults(QorStatus (*call)(const Args<T>&), int occupancies, Pointers... pointers) {
   using A = Args<T>;
   const std::vector<T> x(6, T(2));
   std::vector<T> to(6, T(3)), to2(6, T(4));
   const A valid{x.data(), x.data(), x.data(), to.data(), to2.data(), 6, T(1), T(1)};
   kit::FaultTable<A> table(valid, call, {{to.data(), 6}, {to2.data(), 6}});
-  for (const std::string& pointer : pointers) {
-    table.fault("null " + pointer, qorStatusNullPointer, [pointer](A& a) {
-      if (pointer == "first") a.first = nullptr;
-      if (pointer == "second") a.second = nullptr;
-      if (pointer == "third") a.third = nullptr;
-      if (pointer == "to") a.to = nullptr;
-      if (pointer == "to2") a.to2 = nullptr;
-    });
-  }
-  table.fault("length zero", qorStatusBadSize, [](A& a) { a.length = 0; });
-  table.fault("length negative", qorStatusBadSize, [](A& a) { a.length = INT32_MIN; });
-  if (occupancies > 0) table.fault("occ1 negative", qorStatusBadStatistic, [](A& a) { a.occ1 = T(-1); });
-  if (occupancies > 1) table.fault("occ2 negative", qorStatusBadStatistic, [](A& a) { a.occ2 = T(-1); });
-  if (occupancies > 0) table.fault("occ1 small", qorStatusZeroOccupancy, [](A& a) { a.occ1 = T(0); });
-  if (occupancies > 1) table.fault("occ2 small", qorStatusZeroOccupancy, [](A& a) { a.occ2 = T(0); });
+  int position = 0;
+  (table.fault("null pointer " + std::to_string(++position), qorStatusNullPointer, pointers, nullptr), ...);
+  table.fault("length zero", qorStatusBadSize, &A::length, 0);
+  table.fault("length negative", qorStatusBadSize, &A::length, INT32_MIN);
+  if (occupancies > 0) table.fault("occ1 negative", qorStatusBadStatistic, &A::occ1, T(-1));
+  if (occupancies > 1) table.fault("occ2 negative", qorStatusBadStatistic, &A::occ2, T(-1));
+  if (occupancies > 0) table.fault("occ1 small", qorStatusZeroOccupancy, &A::occ1, T(0));
+  if (occupancies > 1) table.fault("occ2 small", qorStatusZeroOccupancy, &A::occ2, T(0));
   table.check();
 }
 
 TYPED_TEST(ReEstimation, Faults) {
   using T = TypeParam;
   using M = Members<T>;
-  expectFaults<T>([](auto& a) { return M::mean(a.first, a.to, a.length, a.occ1); }, {"first", "to"}, 1);
-  expectFaults<T>([](auto& a) { return M::var(a.first, a.second, a.third, a.to, a.length, a.occ1, a.occ2); },
-                  {"first", "second", "third", "to"}, 2);
-  expectFaults<T>([](auto& a) { return M::weight(a.first, a.to, a.length, a.to2, a.occ1, T(0)); }, {"first", "to", "to2"}, 1);
-  expectFaults<T>([](auto& a) { return M::acc(a.first, a.second, a.to, a.to2, a.length, T(1)); }, {"first", "second", "to", "to2"},
-                  0);
+  using A = Args<T>;
+  expectFaults<T>([](auto& a) { return M::mean(a.first, a.to, a.length, a.occ1); }, 1, &A::first, &A::to);
+  expectFaults<T>([](auto& a) { return M::var(a.first, a.second, a.third, a.to, a.length, a.occ1, a.occ2); }, 2, &A::first,
+                  &A::second, &A::third, &A::to);
+  expectFaults<T>([](auto& a) { return M::weight(a.first, a.to, a.length, a.to2, a.occ1, T(0)); }, 1, &A::first, &A::to, &A::to2);
+  expectFaults<T>([](auto& a) { return M::acc(a.first, a.second, a.to, a.to2, a.length, T(1)); }, 0, &A::first, &A::second, &A::to,
+                  &A::to2);
 }
 
 TEST(NewVar, Faults) {
-  expectFaults<float>([](auto& a) { return qorsNewVar_32f(a.first, a.second, a.to, a.length, 1.0F, 1.0F); },
-                      {"first", "second", "to"}, 0);
-  expectFaults<float>([](auto& a) { return qorsNewVar_32f_I(a.first, a.to, a.length, 1.0F, 1.0F); }, {"first", "to"}, 0);
-  expectFaults<int32_t>([](auto& a) { return qorsNewVar_32s_Sfs(a.first, a.second, a.to, a.length, 1.0F, 1.0F, 0); },
-                        {"first", "second", "to"}, 0);
-  expectFaults<int32_t>([](auto& a) { return qorsNewVar_32s_ISfs(a.first, a.to, a.length, 1.0F, 1.0F, 0); }, {"first", "to"}, 0);
+  expectFaults<float>([](auto& a) { return qorsNewVar_32f(a.first, a.second, a.to, a.length, 1.0F, 1.0F); }, 0, &Args<float>::first,
+                      &Args<float>::second, &Args<float>::to);
+  expectFaults<float>([](auto& a) { return qorsNewVar_32f_I(a.first, a.to, a.length, 1.0F, 1.0F); }, 0, &Args<float>::first,
+                      &Args<float>::to);
+  expectFaults<int32_t>([](auto& a) { return qorsNewVar_32s_Sfs(a.first, a.second, a.to, a.length, 1.0F, 1.0F, 0); }, 0,
+                        &Args<int32_t>::first, &Args<int32_t>::second, &Args<int32_t>::to);
+  expectFaults<int32_t>([](auto& a) { return qorsNewVar_32s_ISfs(a.first, a.to, a.length, 1.0F, 1.0F, 0); }, 0,
+                        &Args<int32_t>::first, &Args<int32_t>::to);
 }
 
 TEST(NewVar, KeepsTheEnvironment) {

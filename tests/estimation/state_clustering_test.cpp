@@ -193,20 +193,20 @@ TYPED_TEST(StateClustering, Faults) {
   for (const auto call : {Members<T>::inverse, Members<T>::direct}) {
     kit::FaultTable<A> table(
         valid, [call](const A& a) { return call(a.first, a.second, a.sum, a.squares, a.length, T(-1)); }, watched);
-    table.fault("null first", qorStatusNullPointer, [](A& a) { a.first = nullptr; });
-    table.fault("null second", qorStatusNullPointer, [](A& a) { a.second = nullptr; });
-    table.fault("null sum", qorStatusNullPointer, [](A& a) { a.sum = nullptr; });
-    table.fault("null squares", qorStatusNullPointer, [](A& a) { a.squares = nullptr; });
-    table.fault("length zero", qorStatusBadSize, [](A& a) { a.length = 0; });
+    table.fault("null first", qorStatusNullPointer, &A::first, nullptr);
+    table.fault("null second", qorStatusNullPointer, &A::second, nullptr);
+    table.fault("null sum", qorStatusNullPointer, &A::sum, nullptr);
+    table.fault("null squares", qorStatusNullPointer, &A::squares, nullptr);
+    table.fault("length zero", qorStatusBadSize, &A::length, 0);
     table.check();
   }
   kit::FaultTable<A> table(
       valid, [](const A& a) { return Members<T>::compute(a.first, a.second, a.length, a.result, a.occupancy); }, watched);
-  table.fault("null first", qorStatusNullPointer, [](A& a) { a.first = nullptr; });
-  table.fault("null second", qorStatusNullPointer, [](A& a) { a.second = nullptr; });
-  table.fault("null result", qorStatusNullPointer, [](A& a) { a.result = nullptr; });
-  table.fault("length negative", qorStatusBadSize, [](A& a) { a.length = INT32_MIN; });
-  table.fault("occupancy negative", qorStatusBadStatistic, [](A& a) { a.occupancy = T(-1); });
+  table.fault("null first", qorStatusNullPointer, &A::first, nullptr);
+  table.fault("null second", qorStatusNullPointer, &A::second, nullptr);
+  table.fault("null result", qorStatusNullPointer, &A::result, nullptr);
+  table.fault("length negative", qorStatusBadSize, &A::length, INT32_MIN);
+  table.fault("occupancy negative", qorStatusBadStatistic, &A::occupancy, T(-1));
   table.check();
 }
 

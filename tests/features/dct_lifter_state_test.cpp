@@ -180,13 +180,13 @@ TEST(DctLifterFaults, Size) {
   for (const Sizer& sizer : kSizers) {
     SCOPED_TRACE(sizer.name);
     kit::FaultTable<A> table({26, 13, &size}, [&](const A& a) { return sizer.size(a.n, a.m, a.size); }, {{&size, 1}});
-    table.fault("null size", qorStatusNullPointer, [](A& a) { a.size = nullptr; });
-    table.fault("n zero", qorStatusBadSize, [](A& a) { a.n = 0; });
-    table.fault("n negative", qorStatusBadSize, [](A& a) { a.n = INT32_MIN; });
-    table.fault("m zero", qorStatusBadSize, [](A& a) { a.m = 0; });
-    table.fault("m negative", qorStatusBadSize, [](A& a) { a.m = INT32_MIN; });
-    table.fault("m above n", qorStatusBadSize, [](A& a) { a.m = a.n + 1; });
-    if (sizer.longest == 8192) table.fault("n above 8192", qorStatusBadSize, [](A& a) { a.n = 8193; });
+    table.fault("null size", qorStatusNullPointer, &A::size, nullptr);
+    table.fault("n zero", qorStatusBadSize, &A::n, 0);
+    table.fault("n negative", qorStatusBadSize, &A::n, INT32_MIN);
+    table.fault("m zero", qorStatusBadSize, &A::m, 0);
+    table.fault("m negative", qorStatusBadSize, &A::m, INT32_MIN);
+    table.fault("m above n", qorStatusBadSize, &A::m, 27, kit::against(&A::n));
+    if (sizer.longest == 8192) table.fault("n above 8192", qorStatusBadSize, &A::n, 8193);
     table.check();
   }
 }
@@ -203,13 +203,13 @@ void expectMakingFaults(bool given, QorStatus (*make)(const Making&), std::vecto
   const int32_t whole[13] = {};
   using A = Making;
   kit::FaultTable<A> table({target, 26, 13, 22, weights, whole}, make, std::move(watched));
-  table.fault("null target", qorStatusNullPointer, [](A& a) { a.target = nullptr; });
-  if (given) table.fault("null weights", qorStatusNullPointer, [](A& a) { a.weights = nullptr, a.whole = nullptr; });
-  table.fault("n zero", qorStatusBadSize, [](A& a) { a.n = 0; });
-  table.fault("m zero", qorStatusBadSize, [](A& a) { a.m = 0; });
-  table.fault("m negative", qorStatusBadSize, [](A& a) { a.m = INT32_MIN; });
-  if (!given) table.fault("length zero", qorStatusBadSize, [](A& a) { a.length = 0; });
-  table.fault("n below m", qorStatusBadSize, [](A& a) { a.n = 12; });
+  table.fault("null target", qorStatusNullPointer, &A::target, nullptr);
+  if (given) table.fault("null weights", qorStatusNullPointer, &A::weights, nullptr, &A::whole, nullptr);
+  table.fault("n zero", qorStatusBadSize, &A::n, 0);
+  table.fault("m zero", qorStatusBadSize, &A::m, 0);
+  table.fault("m negative", qorStatusBadSize, &A::m, INT32_MIN);
+  if (!given) table.fault("length zero", qorStatusBadSize, &A::length, 0);
+  table.fault("n below m", qorStatusBadSize, &A::n, 12, kit::against(&A::m));
   table.check();
 }
 

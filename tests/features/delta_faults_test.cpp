@@ -31,19 +31,19 @@ void expectFaults(int32_t parts, int32_t startUp, bool table, bool aurora, QorSt
   const int32_t rowWidth = parts * (aurora ? kAuroraWidth : 5);
   const A valid{source.data(), entries.data(), 5, destination.data(), rowWidth, startUp, kBegin | kEnd};
   kit::FaultTable<A> faults(valid, call, {{destination.data(), std::ssize(destination)}});
-  faults.fault("null source", qorStatusNullPointer, [](A& a) { a.source = nullptr; });
-  faults.fault("null destination", qorStatusNullPointer, [](A& a) { a.destination = nullptr; });
-  if (table) faults.fault("null table", qorStatusNullPointer, [](A& a) { a.table = nullptr; });
-  if (!aurora) faults.fault("width zero", qorStatusBadSize, [](A& a) { a.width = 0; });
-  if (!aurora) faults.fault("width negative", qorStatusBadSize, [](A& a) { a.width = INT32_MIN; });
-  faults.fault("height negative", qorStatusBadSize, [](A& a) { a.height = -1, a.flags = kEnd; });
-  faults.fault("height lowest", qorStatusBadSize, [](A& a) { a.height = INT32_MIN, a.flags = kEnd; });
-  faults.fault("height zero without end", qorStatusBadSize, [](A& a) { a.height = 0, a.flags = ~kEnd & ~kBegin; });
-  faults.fault("step below width", qorStatusBadStride, [=](A& a) { a.step = rowWidth - 1; });
-  faults.fault("step negative", qorStatusBadStride, [](A& a) { a.step = INT32_MIN; });
-  if (!aurora) faults.fault("step of the widest width", qorStatusBadStride, [](A& a) { a.width = INT32_MAX, a.step = INT32_MAX; });
-  faults.fault("height below the start-up count", qorStatusBadSize, [=](A& a) { a.height = startUp - 1, a.flags = kBegin; });
-  faults.fault("height zero with begin and end", qorStatusBadSize, [](A& a) { a.height = 0, a.flags = kBegin | kEnd; });
+  faults.fault("null source", qorStatusNullPointer, &A::source, nullptr);
+  faults.fault("null destination", qorStatusNullPointer, &A::destination, nullptr);
+  if (table) faults.fault("null table", qorStatusNullPointer, &A::table, nullptr);
+  if (!aurora) faults.fault("width zero", qorStatusBadSize, &A::width, 0);
+  if (!aurora) faults.fault("width negative", qorStatusBadSize, &A::width, INT32_MIN);
+  faults.fault("height negative", qorStatusBadSize, &A::height, -1, &A::flags, kEnd);
+  faults.fault("height lowest", qorStatusBadSize, &A::height, INT32_MIN, &A::flags, kEnd);
+  faults.fault("height zero without end", qorStatusBadSize, &A::height, 0, &A::flags, ~kEnd & ~kBegin);
+  faults.fault("step below width", qorStatusBadStride, &A::step, rowWidth - 1, kit::against(&A::width));
+  faults.fault("step negative", qorStatusBadStride, &A::step, INT32_MIN);
+  if (!aurora) faults.fault("step of the widest width", qorStatusBadStride, &A::width, INT32_MAX, &A::step, INT32_MAX);
+  faults.fault("height below the start-up count", qorStatusBadSize, &A::height, startUp - 1, &A::flags, kBegin);
+  faults.fault("height zero with begin and end", qorStatusBadSize, &A::height, 0, &A::flags, kBegin | kEnd);
   faults.check();
 }
 
@@ -110,20 +110,20 @@ void expectBlockFaults(bool table, QorStatus (*call)(const BlockArgs<T>&)) {
   const std::vector<T> entries(10, T(1));
   std::vector<T> buffer(8 * 13, T(7));
   kit::FaultTable<A> faults({buffer.data(), entries.data(), 8, 13, 5, 3, 4}, call, {{buffer.data(), std::ssize(buffer)}});
-  faults.fault("null buffer", qorStatusNullPointer, [](A& a) { a.buffer = nullptr; });
-  if (table) faults.fault("null table", qorStatusNullPointer, [](A& a) { a.table = nullptr; });
-  faults.fault("height zero", qorStatusBadSize, [](A& a) { a.height = 0; });
-  faults.fault("height negative", qorStatusBadSize, [](A& a) { a.height = INT32_MIN; });
-  faults.fault("width zero", qorStatusBadSize, [](A& a) { a.width = 0; });
-  faults.fault("window zero", qorStatusBadSize, [](A& a) { a.window = 0; });
-  faults.fault("window negative", qorStatusBadSize, [](A& a) { a.window = INT32_MIN; });
-  faults.fault("offset negative", qorStatusBadSize, [](A& a) { a.offset = -1; });
-  faults.fault("height below two window sizes", qorStatusBadSize, [](A& a) { a.height = 7; });
-  faults.fault("window of half the integers and more", qorStatusBadSize, [](A& a) { a.window = 0x40000001; });
-  faults.fault("step below the deltas", qorStatusBadStride, [](A& a) { a.step = 12; });
-  faults.fault("step negative", qorStatusBadStride, [](A& a) { a.step = INT32_MIN; });
-  faults.fault("step below the farthest offset", qorStatusBadStride, [](A& a) { a.offset = INT32_MAX, a.step = INT32_MAX; });
-  faults.fault("step below the widest width", qorStatusBadStride, [](A& a) { a.width = INT32_MAX, a.step = INT32_MAX; });
+  faults.fault("null buffer", qorStatusNullPointer, &A::buffer, nullptr);
+  if (table) faults.fault("null table", qorStatusNullPointer, &A::table, nullptr);
+  faults.fault("height zero", qorStatusBadSize, &A::height, 0);
+  faults.fault("height negative", qorStatusBadSize, &A::height, INT32_MIN);
+  faults.fault("width zero", qorStatusBadSize, &A::width, 0);
+  faults.fault("window zero", qorStatusBadSize, &A::window, 0);
+  faults.fault("window negative", qorStatusBadSize, &A::window, INT32_MIN);
+  faults.fault("offset negative", qorStatusBadSize, &A::offset, -1);
+  faults.fault("height below two window sizes", qorStatusBadSize, &A::height, 7, kit::against(&A::window));
+  faults.fault("window of half the integers and more", qorStatusBadSize, &A::window, 0x40000001);
+  faults.fault("step below the deltas", qorStatusBadStride, &A::step, 12);
+  faults.fault("step negative", qorStatusBadStride, &A::step, INT32_MIN);
+  faults.fault("step below the farthest offset", qorStatusBadStride, &A::offset, INT32_MAX, &A::step, INT32_MAX);
+  faults.fault("step below the widest width", qorStatusBadStride, &A::width, INT32_MAX, &A::step, INT32_MAX);
   faults.check();
 }
 

@@ -328,10 +328,10 @@ TYPED_TEST(FilterBank, ConstructorFaults) {
                                 return status;
                               },
                               {{&state, 1}, {&order, 1}});
-  table.fault("length zero", qorStatusBadSize, [](Args& a) { a.length = 0; });
-  table.fault("n zero", qorStatusBadSize, [](Args& a) { a.n = 0; });
-  table.fault("null state", qorStatusNullPointer, [](Args& a) { a.state = nullptr; });
-  table.fault("null order", qorStatusNullPointer, [](Args& a) { a.order = nullptr; });
+  table.fault("length zero", qorStatusBadSize, &Args::length, 0);
+  table.fault("n zero", qorStatusBadSize, &Args::n, 0);
+  table.fault("null state", qorStatusNullPointer, &Args::state, nullptr);
+  table.fault("null order", qorStatusNullPointer, &Args::order, nullptr);
   table.check();
   EXPECT_EQ(TypeParam::release(nullptr), qorStatusNullPointer);
 }
@@ -353,13 +353,13 @@ TYPED_TEST(FilterBank, ExchangeFaults) {
   const Args valid{bank.state, centers, weights, 1};
   const auto check = [&](auto call, int32_t highest, bool needsReady) {
     kit::FaultTable<Args> table(valid, call, {{centers, 4}, {weights, 9}});
-    table.fault("null area", qorStatusNullPointer, [](Args& a) { a.centers = nullptr, a.weights = nullptr; });
-    table.fault("null state", qorStatusNullPointer, [](Args& a) { a.state = nullptr; });
-    if (needsReady) table.fault("state empty", qorStatusFBankNotReady, [&](Args& a) { a.state = empty.state; });
+    table.fault("null area", qorStatusNullPointer, &Args::centers, nullptr, &Args::weights, nullptr);
+    table.fault("null state", qorStatusNullPointer, &Args::state, nullptr);
+    if (needsReady) table.fault("state empty", qorStatusFBankNotReady, &Args::state, empty.state);
     if (highest > 0) {
-      table.fault("filter zero", qorStatusBadSize, [](Args& a) { a.filter = 0; });
-      table.fault("filter beyond", qorStatusBadSize, [=](Args& a) { a.filter = highest + 1; });
-      table.fault("filter largest", qorStatusBadSize, [=](Args& a) { a.filter = INT32_MAX; });
+      table.fault("filter zero", qorStatusBadSize, &Args::filter, 0);
+      table.fault("filter beyond", qorStatusBadSize, &Args::filter, highest + 1);
+      table.fault("filter largest", qorStatusBadSize, &Args::filter, INT32_MAX);
     }
     table.check();
   };
@@ -380,10 +380,10 @@ void expectEvaluationFaults(const State* ready, const State* empty, QorStatus (*
   Result result[2] = {};
   kit::FaultTable<Args> table({source, result, ready}, [=](const Args& a) { return evaluate(a.source, a.result, a.state); },
                               {{result, 2}});
-  table.fault("null source", qorStatusNullPointer, [](Args& a) { a.source = nullptr; });
-  table.fault("null result", qorStatusNullPointer, [](Args& a) { a.result = nullptr; });
-  table.fault("null state", qorStatusNullPointer, [](Args& a) { a.state = nullptr; });
-  table.fault("state empty", qorStatusFBankNotReady, [=](Args& a) { a.state = empty; });
+  table.fault("null source", qorStatusNullPointer, &Args::source, nullptr);
+  table.fault("null result", qorStatusNullPointer, &Args::result, nullptr);
+  table.fault("null state", qorStatusNullPointer, &Args::state, nullptr);
+  table.fault("state empty", qorStatusFBankNotReady, &Args::state, empty);
   table.check();
 }
 

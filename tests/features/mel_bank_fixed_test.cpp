@@ -225,25 +225,25 @@ TEST(FixedMelBank, ConstructorFaults) {
         return qorsMelFBankInit_32s(a.state, a.order, a.length, a.fs, a.low, a.high, a.n, a.mul, a.div, a.flags);
       },
       {{block, 65536}, {&order, 1}});
-  table.fault("null state", qorStatusNullPointer, [](Args& a) { a.state = nullptr; });
-  table.fault("null order", qorStatusNullPointer, [](Args& a) { a.order = nullptr; });
-  table.fault("n zero", qorStatusBadSize, [](Args& a) { a.n = 0; });
-  table.fault("high zero", qorStatusBadSize, [](Args& a) { a.high = 0; });
-  table.fault("length 31", qorStatusBadSize, [](Args& a) { a.length = 31; });
-  table.fault("length 8193", qorStatusBadSize, [](Args& a) { a.length = 8193; });
+  table.fault("null state", qorStatusNullPointer, &Args::state, nullptr);
+  table.fault("null order", qorStatusNullPointer, &Args::order, nullptr);
+  table.fault("n zero", qorStatusBadSize, &Args::n, 0);
+  table.fault("high zero", qorStatusBadSize, &Args::high, 0);
+  table.fault("length 31", qorStatusBadSize, &Args::length, 31);
+  table.fault("length 8193", qorStatusBadSize, &Args::length, 8193);
   for (const int32_t flags : {0, 1, 3, 4, 6}) {
-    table.fault("flags " + std::to_string(flags), qorStatusBadFBankFlag, [=](Args& a) { a.flags = flags; });
+    table.fault("flags " + std::to_string(flags), qorStatusBadFBankFlag, &Args::flags, flags);
   }
-  table.fault("fs zero", qorStatusBadSize, [](Args& a) { a.fs = 0; });
-  table.fault("fs 48001", qorStatusBadSize, [](Args& a) { a.fs = 48001; });
-  table.fault("low negative", qorStatusBadSize, [](Args& a) { a.low = -1; });
-  table.fault("high equal to low", qorStatusBadFBankFrequency, [](Args& a) { a.low = a.high; });
-  table.fault("high 24001", qorStatusBadFBankFrequency, [](Args& a) { a.high = 24001; });
-  table.fault("div 80000", qorStatusBadArgument, [](Args& a) { a.div = 0x80000; });
-  table.fault("div 10000000", qorStatusBadArgument, [](Args& a) { a.div = 0x10000000; });
-  table.fault("mul 80000", qorStatusBadArgument, [](Args& a) { a.mul = 0x80000; });
-  table.fault("mul 40000000", qorStatusBadArgument, [](Args& a) { a.mul = 0x40000000; });
-  table.fault("n 34", qorStatusBadSize, [](Args& a) { a.n = 34; });
+  table.fault("fs zero", qorStatusBadSize, &Args::fs, 0);
+  table.fault("fs 48001", qorStatusBadSize, &Args::fs, 48001);
+  table.fault("low negative", qorStatusBadSize, &Args::low, -1);
+  table.fault("high equal to low", qorStatusBadFBankFrequency, &Args::low, 8000);
+  table.fault("high 24001", qorStatusBadFBankFrequency, &Args::high, 24001);
+  table.fault("div 80000", qorStatusBadArgument, &Args::div, 0x80000);
+  table.fault("div 10000000", qorStatusBadArgument, &Args::div, 0x10000000);
+  table.fault("mul 80000", qorStatusBadArgument, &Args::mul, 0x80000);
+  table.fault("mul 40000000", qorStatusBadArgument, &Args::mul, 0x40000000);
+  table.fault("n 34", qorStatusBadSize, &Args::n, 34);
   table.check();
 }
 
@@ -254,13 +254,13 @@ TEST(FixedMelBank, SizeFaults) {
   int32_t size = 0;
   kit::FaultTable<SizeArgs> table(
       {64, 32, 2, &size}, [](const SizeArgs& a) { return qorsMelFBankGetSize_32s(a.length, a.n, a.flags, a.size); }, {{&size, 1}});
-  table.fault("null size", qorStatusNullPointer, [](SizeArgs& a) { a.size = nullptr; });
-  table.fault("n zero", qorStatusBadSize, [](SizeArgs& a) { a.n = 0; });
-  table.fault("length 31", qorStatusBadSize, [](SizeArgs& a) { a.length = 31; });
-  table.fault("length 8193", qorStatusBadSize, [](SizeArgs& a) { a.length = 8193; });
-  table.fault("flags 1", qorStatusBadFBankFlag, [](SizeArgs& a) { a.flags = 1; });
-  table.fault("flags 6", qorStatusBadFBankFlag, [](SizeArgs& a) { a.flags = 6; });
-  table.fault("n 33", qorStatusBadSize, [](SizeArgs& a) { a.n = 33; });
+  table.fault("null size", qorStatusNullPointer, &SizeArgs::size, nullptr);
+  table.fault("n zero", qorStatusBadSize, &SizeArgs::n, 0);
+  table.fault("length 31", qorStatusBadSize, &SizeArgs::length, 31);
+  table.fault("length 8193", qorStatusBadSize, &SizeArgs::length, 8193);
+  table.fault("flags 1", qorStatusBadFBankFlag, &SizeArgs::flags, 1);
+  table.fault("flags 6", qorStatusBadFBankFlag, &SizeArgs::flags, 6);
+  table.fault("n 33", qorStatusBadSize, &SizeArgs::n, 33);
   table.check();
 }
 
@@ -277,11 +277,11 @@ TEST(FixedMelBank, EvaluationFaults) {
   int32_t result[2] = {};
   kit::FaultTable<A> table({source, result, bank.state, 0},
                            [](const A& a) { return qorsEvalFBank_32s_Sfs(a.source, a.result, a.state, a.sf); }, {{result, 2}});
-  table.fault("null source", qorStatusNullPointer, [](A& a) { a.source = nullptr; });
-  table.fault("null result", qorStatusNullPointer, [](A& a) { a.result = nullptr; });
-  table.fault("null state", qorStatusNullPointer, [](A& a) { a.state = nullptr; });
+  table.fault("null source", qorStatusNullPointer, &A::source, nullptr);
+  table.fault("null result", qorStatusNullPointer, &A::result, nullptr);
+  table.fault("null state", qorStatusNullPointer, &A::state, nullptr);
   for (const int32_t sf : {32, -32, INT32_MAX, INT32_MIN}) {
-    table.fault("sf " + std::to_string(sf), qorStatusBadArgument, [=](A& a) { a.sf = sf; });
+    table.fault("sf " + std::to_string(sf), qorStatusBadArgument, &A::sf, sf);
   }
   table.check();
 }

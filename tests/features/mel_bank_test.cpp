@@ -278,26 +278,26 @@ void expectFaults(Call call, bool inBlock, bool mixed) {
                               },
                               {{&state, 1}, {&order, 1}, {block, 8192}});
   const auto addNulls = [&] {
-    table.fault("null haveState", qorStatusNullPointer, [](Args& a) { a.haveState = false; });
-    table.fault("null haveOrder", qorStatusNullPointer, [](Args& a) { a.haveOrder = false; });
+    table.fault("null haveState", qorStatusNullPointer, &Args::haveState, false);
+    table.fault("null haveOrder", qorStatusNullPointer, &Args::haveOrder, false);
   };
   if (!mixed) addNulls();
-  table.fault("length zero", qorStatusBadSize, [](Args& a) { a.length = 0; });
-  table.fault("n zero", qorStatusBadSize, [](Args& a) { a.n = 0; });
-  table.fault("fs zero with high and join", qorStatusBadSize, [](Args& a) { a.fs = 0; });
-  table.fault("low zero", qorStatusBadSize, [](Args& a) { a.low = 0; });
-  table.fault("low minus zero", qorStatusBadSize, [](Args& a) { a.low = -0.0F; });
+  table.fault("length zero", qorStatusBadSize, &Args::length, 0);
+  table.fault("n zero", qorStatusBadSize, &Args::n, 0);
+  table.fault("fs zero with high and join", qorStatusBadSize, &Args::fs, 0, kit::against(&Args::high, &Args::join));
+  table.fault("low zero", qorStatusBadSize, &Args::low, 0);
+  table.fault("low minus zero", qorStatusBadSize, &Args::low, -0.0F);
   if (mixed) {
-    table.fault("linear zero", qorStatusBadSize, [](Args& a) { a.linear = 0; });
-    table.fault("linear above n", qorStatusBadSize, [](Args& a) { a.linear = 6; });
-    table.fault("join below low", qorStatusBadFBankFrequency, [](Args& a) { a.join = 19; });
-    table.fault("high below join", qorStatusBadFBankFrequency, [](Args& a) { a.high = 999; });
+    table.fault("linear zero", qorStatusBadSize, &Args::linear, 0);
+    table.fault("linear above n", qorStatusBadSize, &Args::linear, 6, kit::against(&Args::n));
+    table.fault("join below low", qorStatusBadFBankFrequency, &Args::join, 19, kit::against(&Args::low));
+    table.fault("high below join", qorStatusBadFBankFrequency, &Args::high, 999, kit::against(&Args::join));
   } else {
-    table.fault("high below low", qorStatusBadFBankFrequency, [](Args& a) { a.high = 19; });
+    table.fault("high below low", qorStatusBadFBankFrequency, &Args::high, 19, kit::against(&Args::low));
   }
-  table.fault("fs below twice high", qorStatusBadFBankFrequency, [](Args& a) { a.fs = 15999; });
+  table.fault("fs below twice high", qorStatusBadFBankFrequency, &Args::fs, 15999, kit::against(&Args::high));
   for (const int32_t flags : {0, 3, 4, 7, 8, 9, -1, INT32_MIN | 1}) {
-    table.fault("flags " + std::to_string(flags), qorStatusBadFBankFlag, [=](Args& a) { a.flags = flags; });
+    table.fault("flags " + std::to_string(flags), qorStatusBadFBankFlag, &Args::flags, flags);
   }
   if (mixed) addNulls();
   table.check();
@@ -333,15 +333,15 @@ TYPED_TEST(MelBank, SizeFaults) {
   int32_t size = 0;
   kit::FaultTable<SizeArgs> table(
       {&size, 64, 5, 1}, [](const SizeArgs& a) { return TypeParam::melSize(a.length, a.n, a.flags, a.size); }, {{&size, 1}});
-  table.fault("null size", qorStatusNullPointer, [](SizeArgs& a) { a.size = nullptr; });
-  table.fault("length zero", qorStatusBadSize, [](SizeArgs& a) { a.length = 0; });
-  table.fault("n zero", qorStatusBadSize, [](SizeArgs& a) { a.n = 0; });
+  table.fault("null size", qorStatusNullPointer, &SizeArgs::size, nullptr);
+  table.fault("length zero", qorStatusBadSize, &SizeArgs::length, 0);
+  table.fault("n zero", qorStatusBadSize, &SizeArgs::n, 0);
   for (const int32_t flags : {0, 3, 4, 7}) {
-    table.fault("flags " + std::to_string(flags), qorStatusBadFBankFlag, [=](SizeArgs& a) { a.flags = flags; });
+    table.fault("flags " + std::to_string(flags), qorStatusBadFBankFlag, &SizeArgs::flags, flags);
   }
-  table.fault("length enormous", qorStatusBadSize, [](SizeArgs& a) { a.length = INT32_MAX; });
-  table.fault("n enormous", qorStatusBadSize, [](SizeArgs& a) { a.n = INT32_MAX; });
-  table.fault("more bytes than 64 bits say", qorStatusBadSize, [](SizeArgs& a) { a.length = 1 << 30, a.n = INT32_MAX; });
+  table.fault("length enormous", qorStatusBadSize, &SizeArgs::length, INT32_MAX);
+  table.fault("n enormous", qorStatusBadSize, &SizeArgs::n, INT32_MAX);
+  table.fault("more bytes than 64 bits say", qorStatusBadSize, &SizeArgs::length, 1 << 30, &SizeArgs::n, INT32_MAX);
   table.check();
 }
 

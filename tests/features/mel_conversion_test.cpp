@@ -61,12 +61,12 @@ TEST(MelConversion, Faults) {
     using A = ConversionArgs;
     kit::FaultTable<A> table({source, result, 2, 1127, 700},
                              [=](const A& a) { return convert(a.source, a.result, a.length, a.mul, a.div); }, {{result, 2}});
-    table.fault("null source", qorStatusNullPointer, [](A& a) { a.source = nullptr; });
-    table.fault("null result", qorStatusNullPointer, [](A& a) { a.result = nullptr; });
-    table.fault("length zero", qorStatusBadSize, [](A& a) { a.length = 0; });
-    table.fault("mul zero", qorStatusBadSize, [](A& a) { a.mul = 0; });
-    table.fault("div zero", qorStatusBadSize, [](A& a) { a.div = 0; });
-    table.fault("div negative", qorStatusBadSize, [](A& a) { a.div = -1; });
+    table.fault("null source", qorStatusNullPointer, &A::source, nullptr);
+    table.fault("null result", qorStatusNullPointer, &A::result, nullptr);
+    table.fault("length zero", qorStatusBadSize, &A::length, 0);
+    table.fault("mul zero", qorStatusBadSize, &A::mul, 0);
+    table.fault("div zero", qorStatusBadSize, &A::div, 0);
+    table.fault("div negative", qorStatusBadSize, &A::div, -1);
     table.check();
   }
 }

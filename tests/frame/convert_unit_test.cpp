@@ -157,10 +157,10 @@ void expectFaults() {
   kit::FaultTable<Args> table({source.data(), destination.data(), 4},
                               [](const Args& a) { return convert(a.source, a.destination, a.length, 1, 0); },
                               {kit::Watched(destination.data(), 4)});
-  table.fault("null source", qorStatusNullPointer, [](Args& a) { a.source = nullptr; })
-      .fault("null destination", qorStatusNullPointer, [](Args& a) { a.destination = nullptr; })
-      .fault("length zero", qorStatusBadSize, [](Args& a) { a.length = 0; })
-      .fault("length negative", qorStatusBadSize, [](Args& a) { a.length = INT_MIN; })
+  table.fault("null source", qorStatusNullPointer, &Args::source, nullptr)
+      .fault("null destination", qorStatusNullPointer, &Args::destination, nullptr)
+      .fault("length zero", qorStatusBadSize, &Args::length, 0)
+      .fault("length negative", qorStatusBadSize, &Args::length, INT_MIN)
       .check();
 }
 

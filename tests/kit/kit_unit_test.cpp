@@ -61,9 +61,9 @@ void checkFamily(Mistake mistake) {
   source = 2.0F;
   result = 3.0F;
   kit::FaultTable<Args> table({&source, &result, 1}, [=](const Args& a) { return family(a, mistake); }, {kit::Watched(&result, 1)});
-  table.fault("null source", qorStatusNullPointer, [](Args& a) { a.source = nullptr; })
-      .fault("null result", qorStatusNullPointer, [](Args& a) { a.result = nullptr; })
-      .fault("width zero", qorStatusBadSize, [](Args& a) { a.width = 0; })
+  table.fault("null source", qorStatusNullPointer, &Args::source, nullptr)
+      .fault("null result", qorStatusNullPointer, &Args::result, nullptr)
+      .fault("width zero", qorStatusBadSize, &Args::width, 0)
       .check();
 }
 
@@ -82,6 +82,41 @@ TEST(Faults, MistakesAreSeen) {
   EXPECT_GT(failuresOf([] { checkFamily(kWrongOrder); }), 0);
   EXPECT_GT(failuresOf([] { checkFamily(kMissingCheck); }), 0);
   EXPECT_GT(failuresOf([] { checkFamily(kWritesOnFault); }), 0);
+}
+
+TEST(Faults, MembersDecideWhichPairsRun) {
+  struct Sizes {
+    int32_t stride, width, height;
+  };
+  const auto calls = [](auto describe) {
+    int count = 0;
+    kit::FaultTable<Sizes> table(
+        {4, 4, 1},
+        [&](const Sizes& a) {
+          ++count;
+          return a.stride < a.width ? qorStatusBadStride : a.width < 1 || a.height < 1 ? qorStatusBadSize : qorStatusOk;
+        },
+        {});
+    describe(table);
+    table.check();
+    return count;
+  };
+  const auto sizes = [](auto& table) -> auto& {
+    return table.fault("width zero", qorStatusBadSize, &Sizes::width, 0)
+        .fault("width of no row", qorStatusBadSize, &Sizes::width, -1)
+        .fault("height of a width", qorStatusBadSize, &Sizes::height, 0);
+  };
+  EXPECT_EQ(calls([&](auto& table) { sizes(table); }), 4 + 2) << "names are not looked at";
+  EXPECT_EQ(calls([&](auto& table) {
+              table.fault("stride below width", qorStatusBadStride, &Sizes::stride, 3, kit::against(&Sizes::width));
+              sizes(table);
+            }),
+            5 + 3);
+  EXPECT_GT(failuresOf([&] {
+              calls([&](auto& table) { sizes(table.fault("stride below the row", qorStatusBadStride, &Sizes::stride, 3)); });
+            }),
+            0)
+      << "a fault that another one undoes";
 }
 
 TEST(Environment, ChangesAreSeen) {

@@ -311,22 +311,22 @@ void expectFaults(Strided strided, Listed listed) {
   Distance distance = 42;
   const A valid{data, rows, 3, data, rows, 3, 4, 4, &distance};
   kit::FaultTable<A>(valid, strided, {{&distance, 1}})
-      .fault("null first", qorStatusNullPointer, [](A& a) { a.first = nullptr; })
-      .fault("null second", qorStatusNullPointer, [](A& a) { a.second = nullptr; })
-      .fault("null distance", qorStatusNullPointer, [](A& a) { a.distance = nullptr; })
-      .fault("height1 zero", qorStatusBadSize, [](A& a) { a.height1 = 0; })
-      .fault("height2 negative", qorStatusBadSize, [](A& a) { a.height2 = INT32_MIN; })
-      .fault("width zero", qorStatusBadSize, [](A& a) { a.width = 0; })
-      .fault("stride below width", qorStatusBadSize, [](A& a) { a.stride = 3; })
-      .fault("stride negative", qorStatusBadSize, [](A& a) { a.stride = -4; })
+      .fault("null first", qorStatusNullPointer, &A::first, nullptr)
+      .fault("null second", qorStatusNullPointer, &A::second, nullptr)
+      .fault("null distance", qorStatusNullPointer, &A::distance, nullptr)
+      .fault("height1 zero", qorStatusBadSize, &A::height1, 0)
+      .fault("height2 negative", qorStatusBadSize, &A::height2, INT32_MIN)
+      .fault("width zero", qorStatusBadSize, &A::width, 0)
+      .fault("stride below width", qorStatusBadSize, &A::stride, 3, kit::against(&A::width))
+      .fault("stride negative", qorStatusBadSize, &A::stride, -4)
       .check();
   kit::FaultTable<A>(valid, listed, {{&distance, 1}})
-      .fault("null rows1", qorStatusNullPointer, [](A& a) { a.rows1 = nullptr; })
-      .fault("null rows2", qorStatusNullPointer, [](A& a) { a.rows2 = nullptr; })
-      .fault("null distance", qorStatusNullPointer, [](A& a) { a.distance = nullptr; })
-      .fault("height1 negative", qorStatusBadSize, [](A& a) { a.height1 = -1; })
-      .fault("height2 zero", qorStatusBadSize, [](A& a) { a.height2 = 0; })
-      .fault("width negative", qorStatusBadSize, [](A& a) { a.width = -1; })
+      .fault("null rows1", qorStatusNullPointer, &A::rows1, nullptr)
+      .fault("null rows2", qorStatusNullPointer, &A::rows2, nullptr)
+      .fault("null distance", qorStatusNullPointer, &A::distance, nullptr)
+      .fault("height1 negative", qorStatusBadSize, &A::height1, -1)
+      .fault("height2 zero", qorStatusBadSize, &A::height2, 0)
+      .fault("width negative", qorStatusBadSize, &A::width, -1)
       .check();
 }
 

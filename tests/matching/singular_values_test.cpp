@@ -509,14 +509,14 @@ struct Args {
 };
 
 void addFaults(kit::FaultTable<Args>& table, bool inPlace, bool strided) {
-  table.fault("null source", qorStatusNullPointer, [](Args& a) { a.source = nullptr, a.sourceRows = nullptr; });
-  if (!inPlace) table.fault("null u", qorStatusNullPointer, [](Args& a) { a.u = nullptr, a.uRows = nullptr; });
-  table.fault("null v", qorStatusNullPointer, [](Args& a) { a.v = nullptr, a.vRows = nullptr; });
-  table.fault("null w", qorStatusNullPointer, [](Args& a) { a.w = nullptr; });
-  table.fault("height zero", qorStatusBadSize, [](Args& a) { a.height = 0; });
-  table.fault("width negative", qorStatusBadSize, [](Args& a) { a.width = INT32_MIN; });
-  table.fault("limit zero", qorStatusBadSize, [](Args& a) { a.limit = 0; });
-  if (strided) table.fault("stride below width", qorStatusBadSize, [](Args& a) { a.stride = 3; });
+  table.fault("null source", qorStatusNullPointer, &Args::source, nullptr, &Args::sourceRows, nullptr);
+  if (!inPlace) table.fault("null u", qorStatusNullPointer, &Args::u, nullptr, &Args::uRows, nullptr);
+  table.fault("null v", qorStatusNullPointer, &Args::v, nullptr, &Args::vRows, nullptr);
+  table.fault("null w", qorStatusNullPointer, &Args::w, nullptr);
+  table.fault("height zero", qorStatusBadSize, &Args::height, 0);
+  table.fault("width negative", qorStatusBadSize, &Args::width, INT32_MIN);
+  table.fault("limit zero", qorStatusBadSize, &Args::limit, 0);
+  if (strided) table.fault("stride below width", qorStatusBadSize, &Args::stride, 3, kit::against(&Args::width));
 }
 
 TEST(Svd, Faults) {
@@ -551,13 +551,13 @@ TEST(QRTransColumn, Faults) {
       Turn{m.rows(), 3, 3, 0, 1},
       [](const Turn& t) { return qorsQRTransColumn_64f_D2L(t.rows, t.width, t.height, t.first, t.second, 0.6, 0.8); },
       {{m.block(), 9}});
-  table.fault("null rows", qorStatusNullPointer, [](Turn& t) { t.rows = nullptr; });
-  table.fault("width zero", qorStatusBadSize, [](Turn& t) { t.width = 0; });
-  table.fault("height negative", qorStatusBadSize, [](Turn& t) { t.height = -1; });
-  table.fault("first at width", qorStatusBadSize, [](Turn& t) { t.first = 3; });
-  table.fault("first negative", qorStatusBadSize, [](Turn& t) { t.first = -1; });
-  table.fault("second at width", qorStatusBadSize, [](Turn& t) { t.second = 3; });
-  table.fault("second negative", qorStatusBadSize, [](Turn& t) { t.second = INT32_MIN; });
+  table.fault("null rows", qorStatusNullPointer, &Turn::rows, nullptr);
+  table.fault("width zero", qorStatusBadSize, &Turn::width, 0);
+  table.fault("height negative", qorStatusBadSize, &Turn::height, -1);
+  table.fault("first at width", qorStatusBadSize, &Turn::first, 3, kit::against(&Turn::width));
+  table.fault("first negative", qorStatusBadSize, &Turn::first, -1);
+  table.fault("second at width", qorStatusBadSize, &Turn::second, 3, kit::against(&Turn::width));
+  table.fault("second negative", qorStatusBadSize, &Turn::second, INT32_MIN);
   table.check();
 }
 

@@ -16,17 +16,17 @@ void expectKept(const cases::BlockArgs<T, R>& valid, const std::function<QorStat
   using A = cases::BlockArgs<T, R>;
   kit::FaultTable<A> table(valid, call, {{valid.result, valid.height}});
   if (strided) {
-    table.fault("stride below width", qorStatusBadStride, [](A& a) { a.stride = 3; });
-    table.fault("stride negative", qorStatusBadStride, [](A& a) { a.stride = INT32_MIN; });
+    table.fault("stride below width", qorStatusBadStride, &A::stride, 3, kit::against(&A::width));
+    table.fault("stride negative", qorStatusBadStride, &A::stride, INT32_MIN);
   }
-  table.fault("null source", qorStatusNullPointer, [](A& a) { a.source = nullptr, a.rows = nullptr; });
-  table.fault("null mean", qorStatusNullPointer, [](A& a) { a.mean = nullptr; });
-  if (!unit) table.fault("null variance", qorStatusNullPointer, [](A& a) { a.variance = nullptr; });
-  table.fault("null result", qorStatusNullPointer, [](A& a) { a.result = nullptr; });
-  table.fault("width zero", qorStatusBadSize, [](A& a) { a.width = 0; });
-  table.fault("width negative", qorStatusBadSize, [](A& a) { a.width = -1; });
-  table.fault("height zero", qorStatusBadSize, [](A& a) { a.height = 0; });
-  table.fault("height negative", qorStatusBadSize, [](A& a) { a.height = -1; });
+  table.fault("null source", qorStatusNullPointer, &A::source, nullptr, &A::rows, nullptr);
+  table.fault("null mean", qorStatusNullPointer, &A::mean, nullptr);
+  if (!unit) table.fault("null variance", qorStatusNullPointer, &A::variance, nullptr);
+  table.fault("null result", qorStatusNullPointer, &A::result, nullptr);
+  table.fault("width zero", qorStatusBadSize, &A::width, 0);
+  table.fault("width negative", qorStatusBadSize, &A::width, -1);
+  table.fault("height zero", qorStatusBadSize, &A::height, 0);
+  table.fault("height negative", qorStatusBadSize, &A::height, -1);
   table.check();
   kit::expectEnvironmentKept([&] { call(valid); });
 }

@@ -20,10 +20,10 @@ void expectFaults(QorStatus (*call)(const Args<T>&)) {
   const T source[4] = {1, 2, 3, 4};
   T result[4] = {-7, -7, -7, -7};
   kit::FaultTable<A>({source, result, 4}, call, {{result, 4}})
-      .fault("length zero", qorStatusBadSize, [](A& a) { a.length = 0; })
-      .fault("length negative", qorStatusBadSize, [](A& a) { a.length = INT32_MIN; })
-      .fault("null source", qorStatusNullPointer, [](A& a) { a.source = nullptr; })
-      .fault("null result", qorStatusNullPointer, [](A& a) { a.result = nullptr; })
+      .fault("length zero", qorStatusBadSize, &A::length, 0)
+      .fault("length negative", qorStatusBadSize, &A::length, INT32_MIN)
+      .fault("null source", qorStatusNullPointer, &A::source, nullptr)
+      .fault("null result", qorStatusNullPointer, &A::result, nullptr)
       .check();
 }
 
@@ -50,9 +50,9 @@ TEST(LogSubFaults, TheDataComeLast) {
   const float source[2] = {1, 1}, larger[2] = {1, -9};
   float result[2] = {-7, -7};
   kit::FaultTable<A>({source, result, 2}, [](const A& a) { return qorsLogSub_32f(a.source, a.result, a.length); }, {{result, 2}})
-      .fault("length zero", qorStatusBadSize, [](A& a) { a.length = 0; })
-      .fault("null result", qorStatusNullPointer, [](A& a) { a.result = nullptr; })
-      .fault("source too small", qorStatusBadRange, [&](A& a) { a.source = larger; })
+      .fault("length zero", qorStatusBadSize, &A::length, 0)
+      .fault("null result", qorStatusNullPointer, &A::result, nullptr)
+      .fault("source too small", qorStatusBadRange, &A::source, larger)
       .check();
 }
 

@@ -16,20 +16,20 @@ void expectKept(const cases::ModelArgs<T, R>& valid, const std::function<QorStat
   using A = cases::ModelArgs<T, R>;
   kit::FaultTable<A> table(valid, call, {{valid.result, valid.count}});
   const auto addStride = [&] {
-    table.fault("stride below width", qorStatusBadStride, [](A& a) { a.stride = 3; });
-    table.fault("stride negative", qorStatusBadStride, [](A& a) { a.stride = INT32_MIN; });
+    table.fault("stride below width", qorStatusBadStride, &A::stride, 3, kit::against(&A::width));
+    table.fault("stride negative", qorStatusBadStride, &A::stride, INT32_MIN);
   };
   if (strided && !mixture) addStride();
-  table.fault("null x", qorStatusNullPointer, [](A& a) { a.x = nullptr; });
-  table.fault("null means", qorStatusNullPointer, [](A& a) { a.means = nullptr, a.meanRows = nullptr; });
-  if (!unit) table.fault("null variances", qorStatusNullPointer, [](A& a) { a.variances = nullptr, a.varianceRows = nullptr; });
-  table.fault("null result", qorStatusNullPointer, [](A& a) { a.result = nullptr; });
-  if (vals) table.fault("null vals", qorStatusNullPointer, [](A& a) { a.vals = nullptr; });
+  table.fault("null x", qorStatusNullPointer, &A::x, nullptr);
+  table.fault("null means", qorStatusNullPointer, &A::means, nullptr, &A::meanRows, nullptr);
+  if (!unit) table.fault("null variances", qorStatusNullPointer, &A::variances, nullptr, &A::varianceRows, nullptr);
+  table.fault("null result", qorStatusNullPointer, &A::result, nullptr);
+  if (vals) table.fault("null vals", qorStatusNullPointer, &A::vals, nullptr);
   if (strided && mixture) addStride();
-  table.fault("width zero", qorStatusBadSize, [](A& a) { a.width = 0; });
-  table.fault("width negative", qorStatusBadSize, [](A& a) { a.width = -1; });
-  table.fault("count zero", qorStatusBadSize, [](A& a) { a.count = 0; });
-  table.fault("count negative", qorStatusBadSize, [](A& a) { a.count = -1; });
+  table.fault("width zero", qorStatusBadSize, &A::width, 0);
+  table.fault("width negative", qorStatusBadSize, &A::width, -1);
+  table.fault("count zero", qorStatusBadSize, &A::count, 0);
+  table.fault("count negative", qorStatusBadSize, &A::count, -1);
   table.check();
   kit::expectEnvironmentKept([&] { call(valid); });
 }

@@ -77,17 +77,17 @@ void expectConstantFaults(QorStatus (*apart)(const T*, const T*, T*, int32_t), Q
   T result[4] = {7, 7, 7, 7};
   kit::FaultTable<Args>({data, data, result, result, 4},
                         [=](const Args& a) { return apart(a.weights, a.gconsts, a.result, a.length); }, {{result, 4}})
-      .fault("null weights", qorStatusNullPointer, [](Args& a) { a.weights = nullptr; })
-      .fault("null gconsts", qorStatusNullPointer, [](Args& a) { a.gconsts = nullptr; })
-      .fault("null result", qorStatusNullPointer, [](Args& a) { a.result = nullptr; })
-      .fault("length zero", qorStatusBadSize, [](Args& a) { a.length = 0; })
-      .fault("length negative", qorStatusBadSize, [](Args& a) { a.length = INT32_MIN; })
+      .fault("null weights", qorStatusNullPointer, &Args::weights, nullptr)
+      .fault("null gconsts", qorStatusNullPointer, &Args::gconsts, nullptr)
+      .fault("null result", qorStatusNullPointer, &Args::result, nullptr)
+      .fault("length zero", qorStatusBadSize, &Args::length, 0)
+      .fault("length negative", qorStatusBadSize, &Args::length, INT32_MIN)
       .check();
   kit::FaultTable<Args>({data, data, result, result, 4}, [=](const Args& a) { return inPlace(a.weights, a.both, a.length); },
                         {{result, 4}})
-      .fault("null weights", qorStatusNullPointer, [](Args& a) { a.weights = nullptr; })
-      .fault("null both", qorStatusNullPointer, [](Args& a) { a.both = nullptr; })
-      .fault("length zero", qorStatusBadSize, [](Args& a) { a.length = 0; })
+      .fault("null weights", qorStatusNullPointer, &Args::weights, nullptr)
+      .fault("null both", qorStatusNullPointer, &Args::both, nullptr)
+      .fault("length zero", qorStatusBadSize, &Args::length, 0)
       .check();
 }
 
@@ -154,9 +154,9 @@ TEST(ScaleLM, Faults) {
   float result[4] = {7, 7, 7, 7};
   const auto check = [&](QorStatus (*call)(const Args&)) {
     kit::FaultTable<Args>({data, result, 4}, call, {{result, 4}})
-        .fault("null source", qorStatusNullPointer, [](Args& a) { a.source = nullptr; })
-        .fault("null result", qorStatusNullPointer, [](Args& a) { a.result = nullptr; })
-        .fault("length zero", qorStatusBadSize, [](Args& a) { a.length = 0; })
+        .fault("null source", qorStatusNullPointer, &Args::source, nullptr)
+        .fault("null result", qorStatusNullPointer, &Args::result, nullptr)
+        .fault("length zero", qorStatusBadSize, &Args::length, 0)
         .check();
   };
   check([](const Args& a) {
@@ -221,13 +221,13 @@ void expectRecordFaults(QorStatus (*make)(Record**, const T* const*, const int32
                           return status;
                         },
                         {{&record, 1}})
-      .fault("null record", qorStatusNullPointer, [](Args& a) { a.record = nullptr; })
-      .fault("null rows", qorStatusNullPointer, [](Args& a) { a.rows = nullptr; })
-      .fault("null sizes", qorStatusNullPointer, [](Args& a) { a.sizes = nullptr; })
-      .fault("count zero", qorStatusBadSize, [](Args& a) { a.count = 0; })
-      .fault("count negative", qorStatusBadSize, [](Args& a) { a.count = INT32_MIN; })
-      .fault("sizes with a zero", qorStatusBadSize, [](Args& a) { a.sizes = zeroSize; })
-      .fault("sizes with a negative one", qorStatusBadSize, [](Args& a) { a.sizes = negativeSize; })
+      .fault("null record", qorStatusNullPointer, &Args::record, nullptr)
+      .fault("null rows", qorStatusNullPointer, &Args::rows, nullptr)
+      .fault("null sizes", qorStatusNullPointer, &Args::sizes, nullptr)
+      .fault("count zero", qorStatusBadSize, &Args::count, 0)
+      .fault("count negative", qorStatusBadSize, &Args::count, INT32_MIN)
+      .fault("sizes with a zero", qorStatusBadSize, &Args::sizes, zeroSize)
+      .fault("sizes with a negative one", qorStatusBadSize, &Args::sizes, negativeSize)
       .check();
   EXPECT_EQ(kit::Core::calls() - before, 1) << "a refused call allocates nothing";
 }

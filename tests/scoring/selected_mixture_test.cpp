@@ -269,24 +269,24 @@ void expectFaults(Strided strided, Listed listed, bool unit) {
   variances.assign(valid.varianceRows, valid.varianceRows + 9);
   frames[2] = means[8] = variances[8] = nullptr;
   const auto fill = [&](auto& table) -> auto& {
-    table.fault("null frames", qorStatusNullPointer, [](A& a) { a.frames = nullptr, a.frameRows = nullptr; });
-    table.fault("null means", qorStatusNullPointer, [](A& a) { a.means = nullptr, a.meanRows = nullptr; });
-    table.fault("null mask", qorStatusNullPointer, [](A& a) { a.mask = nullptr; });
-    if (!unit) table.fault("null variances", qorStatusNullPointer, [](A& a) { a.variances = nullptr, a.varianceRows = nullptr; });
-    table.fault("null vals", qorStatusNullPointer, [](A& a) { a.vals = nullptr; });
-    table.fault("width zero", qorStatusBadSize, [](A& a) { a.width = 0; });
-    table.fault("count zero", qorStatusBadSize, [](A& a) { a.count = 0; });
-    table.fault("count negative", qorStatusBadSize, [](A& a) { a.count = INT32_MIN; });
-    table.fault("frameCount zero", qorStatusBadSize, [](A& a) { a.frameCount = 0; });
+    table.fault("null frames", qorStatusNullPointer, &A::frames, nullptr, &A::frameRows, nullptr);
+    table.fault("null means", qorStatusNullPointer, &A::means, nullptr, &A::meanRows, nullptr);
+    table.fault("null mask", qorStatusNullPointer, &A::mask, nullptr);
+    if (!unit) table.fault("null variances", qorStatusNullPointer, &A::variances, nullptr, &A::varianceRows, nullptr);
+    table.fault("null vals", qorStatusNullPointer, &A::vals, nullptr);
+    table.fault("width zero", qorStatusBadSize, &A::width, 0);
+    table.fault("count zero", qorStatusBadSize, &A::count, 0);
+    table.fault("count negative", qorStatusBadSize, &A::count, INT32_MIN);
+    table.fault("frameCount zero", qorStatusBadSize, &A::frameCount, 0);
     return table;
   };
   kit::FaultTable<A> first(valid, [=](const A& a) { return call(strided, a); }, {{results.data(), 3}});
-  fill(first).fault("stride below width", qorStatusBadStride, [](A& a) { a.stride = 3; }).check();
+  fill(first).fault("stride below width", qorStatusBadStride, &A::stride, 3, kit::against(&A::width)).check();
   kit::FaultTable<A> second(valid, [=](const A& a) { return call(listed, a); }, {{results.data(), 3}});
   fill(second)
-      .fault("frames with a null row", qorStatusNullPointer, [](A& a) { a.frameRows = frames.data(); })
-      .fault("means with a null row", qorStatusNullPointer, [](A& a) { a.meanRows = means.data(); });
-  if (!unit) second.fault("variances with a null row", qorStatusNullPointer, [](A& a) { a.varianceRows = variances.data(); });
+      .fault("frames with a null row", qorStatusNullPointer, &A::frameRows, frames.data())
+      .fault("means with a null row", qorStatusNullPointer, &A::meanRows, means.data());
+  if (!unit) second.fault("variances with a null row", qorStatusNullPointer, &A::varianceRows, variances.data());
   second.check();
 }
 

@@ -216,23 +216,23 @@ void expectFillFaults(QorStatus (*call)(const FillArgs&), bool listedCounts) {
   uint8_t row[2][2] = {};
   uint8_t* const rows[2] = {row[0], row[1]};
   kit::FaultTable<FillArgs> table({indices, counts, 2, 2, rows, 2, 2, 7}, call, {{row[0], 4}});
-  table.fault("null table", qorStatusNullPointer, [](FillArgs& a) { a.table = nullptr; })
-      .fault("null indices", qorStatusNullPointer, [](FillArgs& a) { a.indices = nullptr; });
-  if (listedCounts) table.fault("null counts", qorStatusNullPointer, [](FillArgs& a) { a.counts = nullptr; });
-  table.fault("height zero", qorStatusBadSize, [](FillArgs& a) { a.height = 0; })
-      .fault("width zero", qorStatusBadSize, [](FillArgs& a) { a.width = 0; })
-      .fault("stride zero", qorStatusBadSize, [](FillArgs& a) { a.stride = 0; })
-      .fault("stride negative", qorStatusBadSize, [](FillArgs& a) { a.stride = -2; })
-      .fault("shift negative", qorStatusBadSize, [](FillArgs& a) { a.shift = -1; });
+  table.fault("null table", qorStatusNullPointer, &FillArgs::table, nullptr)
+      .fault("null indices", qorStatusNullPointer, &FillArgs::indices, nullptr);
+  if (listedCounts) table.fault("null counts", qorStatusNullPointer, &FillArgs::counts, nullptr);
+  table.fault("height zero", qorStatusBadSize, &FillArgs::height, 0)
+      .fault("width zero", qorStatusBadSize, &FillArgs::width, 0)
+      .fault("stride zero", qorStatusBadSize, &FillArgs::stride, 0)
+      .fault("stride negative", qorStatusBadSize, &FillArgs::stride, -2)
+      .fault("shift negative", qorStatusBadSize, &FillArgs::shift, -1);
   if (listedCounts) {
-    table.fault("counts with a zero", qorStatusBadSize, [](FillArgs& a) { a.counts = zeroCount; });
+    table.fault("counts with a zero", qorStatusBadSize, &FillArgs::counts, zeroCount);
   } else {
-    table.fault("count zero", qorStatusBadSize, [](FillArgs& a) { a.count = 0; });
+    table.fault("count zero", qorStatusBadSize, &FillArgs::count, 0);
   }
-  table.fault("stride too small", qorStatusBadStride, [](FillArgs& a) { a.stride = 1; })
-      .fault("shift beyond the stride", qorStatusBadStride, [](FillArgs& a) { a.shift = INT32_MAX; })
-      .fault("indices with a negative one", qorStatusBadArgument, [](FillArgs& a) { a.indices = negative; })
-      .fault("indices with one at the limit", qorStatusBadArgument, [](FillArgs& a) { a.indices = beyond; });
+  table.fault("stride too small", qorStatusBadStride, &FillArgs::stride, 1)
+      .fault("shift beyond the stride", qorStatusBadStride, &FillArgs::shift, INT32_MAX, kit::against(&FillArgs::stride))
+      .fault("indices with a negative one", qorStatusBadArgument, &FillArgs::indices, negative)
+      .fault("indices with one at the limit", qorStatusBadArgument, &FillArgs::indices, beyond);
   table.check();
 }
 
@@ -273,21 +273,21 @@ void expectSignFaults(QorStatus (*call)(const SignArgs&), bool listedCounts) {
   static const uint8_t* const rows[2] = {row, row};
   uint8_t result[4] = {0x11, 0x22, 0x33, 0x44};
   kit::FaultTable<SignArgs> table({indices, counts, 2, rows, 2, 2, 5, result, 2, 9}, call, {{result, 4}});
-  table.fault("null indices", qorStatusNullPointer, [](SignArgs& a) { a.indices = nullptr; })
-      .fault("null source", qorStatusNullPointer, [](SignArgs& a) { a.source = nullptr; })
-      .fault("null result", qorStatusNullPointer, [](SignArgs& a) { a.result = nullptr; });
-  if (listedCounts) table.fault("null counts", qorStatusNullPointer, [](SignArgs& a) { a.counts = nullptr; });
-  if (!listedCounts) table.fault("count zero", qorStatusBadSize, [](SignArgs& a) { a.count = 0; });
-  table.fault("height zero", qorStatusBadSize, [](SignArgs& a) { a.height = 0; })
-      .fault("stride zero", qorStatusBadSize, [](SignArgs& a) { a.stride = 0; })
-      .fault("rows zero", qorStatusBadSize, [](SignArgs& a) { a.rows = 0; })
-      .fault("bits zero", qorStatusBadSize, [](SignArgs& a) { a.bits = 0; })
-      .fault("shift negative", qorStatusBadSize, [](SignArgs& a) { a.shift = -1; })
-      .fault("stride too small", qorStatusBadStride, [](SignArgs& a) { a.stride = 1; })
-      .fault("shift beyond the stride", qorStatusBadStride, [](SignArgs& a) { a.shift = 8; });
-  if (listedCounts) table.fault("counts with a zero", qorStatusBadSize, [](SignArgs& a) { a.counts = zeroCount; });
-  table.fault("indices with a negative one", qorStatusBadArgument, [](SignArgs& a) { a.indices = negative; })
-      .fault("indices with one at the limit", qorStatusBadArgument, [](SignArgs& a) { a.indices = beyond; });
+  table.fault("null indices", qorStatusNullPointer, &SignArgs::indices, nullptr)
+      .fault("null source", qorStatusNullPointer, &SignArgs::source, nullptr)
+      .fault("null result", qorStatusNullPointer, &SignArgs::result, nullptr);
+  if (listedCounts) table.fault("null counts", qorStatusNullPointer, &SignArgs::counts, nullptr);
+  if (!listedCounts) table.fault("count zero", qorStatusBadSize, &SignArgs::count, 0);
+  table.fault("height zero", qorStatusBadSize, &SignArgs::height, 0)
+      .fault("stride zero", qorStatusBadSize, &SignArgs::stride, 0)
+      .fault("rows zero", qorStatusBadSize, &SignArgs::rows, 0)
+      .fault("bits zero", qorStatusBadSize, &SignArgs::bits, 0)
+      .fault("shift negative", qorStatusBadSize, &SignArgs::shift, -1)
+      .fault("stride too small", qorStatusBadStride, &SignArgs::stride, 1)
+      .fault("shift beyond the stride", qorStatusBadStride, &SignArgs::shift, 8, kit::against(&SignArgs::stride));
+  if (listedCounts) table.fault("counts with a zero", qorStatusBadSize, &SignArgs::counts, zeroCount);
+  table.fault("indices with a negative one", qorStatusBadArgument, &SignArgs::indices, negative)
+      .fault("indices with one at the limit", qorStatusBadArgument, &SignArgs::indices, beyond);
   table.check();
 }
 

@@ -23,12 +23,12 @@ void expectSingle(QorStatus (*member)(const SingleArgs<T, R>&), bool unit = fals
   R result = R(77);
   const A valid{x.data(), v.data(), v.data(), 9, &result};
   kit::FaultTable<A> table(valid, member, {{&result, 1}});
-  table.fault("null x", qorStatusNullPointer, [](A& a) { a.x = nullptr; });
-  table.fault("null mean", qorStatusNullPointer, [](A& a) { a.mean = nullptr; });
-  if (!unit) table.fault("null variance", qorStatusNullPointer, [](A& a) { a.variance = nullptr; });
-  table.fault("null result", qorStatusNullPointer, [](A& a) { a.result = nullptr; });
-  table.fault("length zero", qorStatusBadSize, [](A& a) { a.length = 0; });
-  table.fault("length negative", qorStatusBadSize, [](A& a) { a.length = INT32_MIN; });
+  table.fault("null x", qorStatusNullPointer, &A::x, nullptr);
+  table.fault("null mean", qorStatusNullPointer, &A::mean, nullptr);
+  if (!unit) table.fault("null variance", qorStatusNullPointer, &A::variance, nullptr);
+  table.fault("null result", qorStatusNullPointer, &A::result, nullptr);
+  table.fault("length zero", qorStatusBadSize, &A::length, 0);
+  table.fault("length negative", qorStatusBadSize, &A::length, INT32_MIN);
   table.check();
   kit::expectEnvironmentKept([&] { member(valid); });
 }
@@ -91,12 +91,12 @@ void expectBlockDiagonal(QorStatus (*init)(Record**, const T* const*, const int3
   R result = R(77);
   const A valid{x, x, record, 2, &result};
   kit::FaultTable<A>(valid, [=](const A& a) { return member(a.x, a.mean, a.covariance, a.length, a.result); }, {{&result, 1}})
-      .fault("null x", qorStatusNullPointer, [](A& a) { a.x = nullptr; })
-      .fault("null mean", qorStatusNullPointer, [](A& a) { a.mean = nullptr; })
-      .fault("null covariance", qorStatusNullPointer, [](A& a) { a.covariance = nullptr; })
-      .fault("null result", qorStatusNullPointer, [](A& a) { a.result = nullptr; })
-      .fault("length zero", qorStatusBadSize, [](A& a) { a.length = 0; })
-      .fault("length of another dimension", qorStatusBadSize, [](A& a) { a.length = 3; })
+      .fault("null x", qorStatusNullPointer, &A::x, nullptr)
+      .fault("null mean", qorStatusNullPointer, &A::mean, nullptr)
+      .fault("null covariance", qorStatusNullPointer, &A::covariance, nullptr)
+      .fault("null result", qorStatusNullPointer, &A::result, nullptr)
+      .fault("length zero", qorStatusBadSize, &A::length, 0)
+      .fault("length of another dimension", qorStatusBadSize, &A::length, 3)
       .check();
   kit::expectEnvironmentKept([&] { member(x, x, record, 2, &result); });
   release(record);

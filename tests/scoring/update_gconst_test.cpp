@@ -160,10 +160,10 @@ void expectFaults(QorStatus (*call)(const T*, int32_t, T*)) {
   const T v[4] = {1, 2, 3, 4};
   T result = 7;
   kit::FaultTable<Args>({v, 4, &result}, [=](const Args& a) { return call(a.variances, a.length, a.result); }, {{&result, 1}})
-      .fault("null variances", qorStatusNullPointer, [](Args& a) { a.variances = nullptr; })
-      .fault("null result", qorStatusNullPointer, [](Args& a) { a.result = nullptr; })
-      .fault("length zero", qorStatusBadSize, [](Args& a) { a.length = 0; })
-      .fault("length negative", qorStatusBadSize, [](Args& a) { a.length = INT32_MIN; })
+      .fault("null variances", qorStatusNullPointer, &Args::variances, nullptr)
+      .fault("null result", qorStatusNullPointer, &Args::result, nullptr)
+      .fault("length zero", qorStatusBadSize, &Args::length, 0)
+      .fault("length negative", qorStatusBadSize, &Args::length, INT32_MIN)
       .check();
 }
 

@@ -182,12 +182,12 @@ void expectCopyFaults(QorStatus (*call)(const CopyArgs<T>&)) {
   const T source[8] = {1, 2, 3, 4, 5, 6, 7, 8};
   T destination[8] = {};
   kit::FaultTable<A>({source, 4, destination, 4, 2}, call, {{destination, 8}})
-      .fault("null source", qorStatusNullPointer, [](A& a) { a.source = nullptr; })
-      .fault("null destination", qorStatusNullPointer, [](A& a) { a.destination = nullptr; })
-      .fault("height zero", qorStatusBadSize, [](A& a) { a.height = 0; })
-      .fault("width zero", qorStatusBadSize, [](A& a) { a.width = 0; })
-      .fault("width negative", qorStatusBadSize, [](A& a) { a.width = INT32_MIN; })
-      .fault("stride below width", qorStatusBadStride, [](A& a) { a.stride = 3; })
+      .fault("null source", qorStatusNullPointer, &A::source, nullptr)
+      .fault("null destination", qorStatusNullPointer, &A::destination, nullptr)
+      .fault("height zero", qorStatusBadSize, &A::height, 0)
+      .fault("width zero", qorStatusBadSize, &A::width, 0)
+      .fault("width negative", qorStatusBadSize, &A::width, INT32_MIN)
+      .fault("stride below width", qorStatusBadStride, &A::stride, 3, kit::against(&A::width))
       .check();
 }
 
@@ -203,11 +203,11 @@ TEST(ColumnEditFaults, CopyWithPadding) {
   kit::FaultTable<A>({source, 4, destination, 0, 6},
                      [](auto& a) { return qorsCopyWithPadding_32f(a.source, a.width, a.destination, a.height); },
                      {{destination, 6}})
-      .fault("null source", qorStatusNullPointer, [](A& a) { a.source = nullptr; })
-      .fault("null destination", qorStatusNullPointer, [](A& a) { a.destination = nullptr; })
-      .fault("length zero", qorStatusBadSize, [](A& a) { a.width = 0; })
-      .fault("padded zero", qorStatusBadSize, [](A& a) { a.height = 0; })
-      .fault("padded below length", qorStatusBadSize, [](A& a) { a.height = 3; })
+      .fault("null source", qorStatusNullPointer, &A::source, nullptr)
+      .fault("null destination", qorStatusNullPointer, &A::destination, nullptr)
+      .fault("length zero", qorStatusBadSize, &A::width, 0)
+      .fault("padded zero", qorStatusBadSize, &A::height, 0)
+      .fault("padded below length", qorStatusBadSize, &A::height, 3, kit::against(&A::width))
       .check();
   const int16_t x[2] = {1, 2};
   int16_t y[1] = {};
@@ -238,24 +238,24 @@ void expectGatherFaults(QorStatus (*strided)(const GatherArgs<T>&), QorStatus (*
   static constexpr int32_t kBad[3] = {4, 0, 1};
   const A valid{source, sourceRows, 4, 4, destination, destinationRows, columns, 3, 3, 2};
   kit::FaultTable<A>(valid, strided, {{destination, 6}})
-      .fault("null source", qorStatusNullPointer, [](A& a) { a.source = nullptr; })
-      .fault("null destination", qorStatusNullPointer, [](A& a) { a.destination = nullptr; })
-      .fault("null columns", qorStatusNullPointer, [](A& a) { a.columns = nullptr; })
-      .fault("width zero", qorStatusBadSize, [](A& a) { a.width = 0; })
-      .fault("pitch below width", qorStatusBadStride, [](A& a) { a.sourceStride = 3; })
-      .fault("count zero", qorStatusBadSize, [](A& a) { a.count = 0; })
-      .fault("stride below count", qorStatusBadStride, [](A& a) { a.destinationStride = 2; })
-      .fault("height zero", qorStatusBadSize, [](A& a) { a.height = 0; })
-      .fault("columns with a bad entry, width or count", qorStatusBadSize, [](A& a) { a.columns = kBad; })
+      .fault("null source", qorStatusNullPointer, &A::source, nullptr)
+      .fault("null destination", qorStatusNullPointer, &A::destination, nullptr)
+      .fault("null columns", qorStatusNullPointer, &A::columns, nullptr)
+      .fault("width zero", qorStatusBadSize, &A::width, 0)
+      .fault("pitch below width", qorStatusBadStride, &A::sourceStride, 3, kit::against(&A::width))
+      .fault("count zero", qorStatusBadSize, &A::count, 0)
+      .fault("stride below count", qorStatusBadStride, &A::destinationStride, 2, kit::against(&A::count))
+      .fault("height zero", qorStatusBadSize, &A::height, 0)
+      .fault("columns with a bad entry, width or count", qorStatusBadSize, &A::columns, kBad, kit::against(&A::width, &A::count))
       .check();
   kit::FaultTable<A>(valid, listed, {{destination, 6}})
-      .fault("null source", qorStatusNullPointer, [](A& a) { a.sourceRows = nullptr; })
-      .fault("null destination", qorStatusNullPointer, [](A& a) { a.destinationRows = nullptr; })
-      .fault("null columns", qorStatusNullPointer, [](A& a) { a.columns = nullptr; })
-      .fault("width negative", qorStatusBadSize, [](A& a) { a.width = -1; })
-      .fault("count negative", qorStatusBadSize, [](A& a) { a.count = INT32_MIN; })
-      .fault("height zero", qorStatusBadSize, [](A& a) { a.height = 0; })
-      .fault("columns with a bad entry, width or count", qorStatusBadSize, [](A& a) { a.columns = kBad; })
+      .fault("null source", qorStatusNullPointer, &A::sourceRows, nullptr)
+      .fault("null destination", qorStatusNullPointer, &A::destinationRows, nullptr)
+      .fault("null columns", qorStatusNullPointer, &A::columns, nullptr)
+      .fault("width negative", qorStatusBadSize, &A::width, -1)
+      .fault("count negative", qorStatusBadSize, &A::count, INT32_MIN)
+      .fault("height zero", qorStatusBadSize, &A::height, 0)
+      .fault("columns with a bad entry, width or count", qorStatusBadSize, &A::columns, kBad, kit::against(&A::width, &A::count))
       .check();
 }
 
@@ -297,16 +297,16 @@ TEST(ColumnEditFaults, SingleColumns) {
   double* rows[2] = {row, row + 2};
   const auto check = [&](QorStatus (*call)(const A&), bool hasResult, bool hasSecond) {
     kit::FaultTable<A> table({rows, 2, 2, &result, 1, 0, 1}, call, {{&result, 1}, {row, 4}});
-    table.fault("null rows", qorStatusNullPointer, [](A& a) { a.rows = nullptr; });
-    if (hasResult) table.fault("null result", qorStatusNullPointer, [](A& a) { a.result = nullptr; });
-    table.fault("width zero", qorStatusBadSize, [](A& a) { a.width = 0; });
-    table.fault("height negative", qorStatusBadSize, [](A& a) { a.height = -1; });
-    table.fault("first negative", qorStatusBadSize, [](A& a) { a.first = -1; });
-    table.fault("first at width", qorStatusBadSize, [](A& a) { a.first = 2; });
-    if (hasSecond) table.fault("second negative", qorStatusBadSize, [](A& a) { a.second = INT32_MIN; });
-    if (hasSecond) table.fault("second at width", qorStatusBadSize, [](A& a) { a.second = 2; });
-    table.fault("firstRow negative", qorStatusBadSize, [](A& a) { a.firstRow = -1; });
-    table.fault("firstRow at height", qorStatusBadSize, [](A& a) { a.firstRow = 2; });
+    table.fault("null rows", qorStatusNullPointer, &A::rows, nullptr);
+    if (hasResult) table.fault("null result", qorStatusNullPointer, &A::result, nullptr);
+    table.fault("width zero", qorStatusBadSize, &A::width, 0);
+    table.fault("height negative", qorStatusBadSize, &A::height, -1);
+    table.fault("first negative", qorStatusBadSize, &A::first, -1);
+    table.fault("first at width", qorStatusBadSize, &A::first, 2, kit::against(&A::width));
+    if (hasSecond) table.fault("second negative", qorStatusBadSize, &A::second, INT32_MIN);
+    if (hasSecond) table.fault("second at width", qorStatusBadSize, &A::second, 2, kit::against(&A::width));
+    table.fault("firstRow negative", qorStatusBadSize, &A::firstRow, -1);
+    table.fault("firstRow at height", qorStatusBadSize, &A::firstRow, 2, kit::against(&A::height));
     table.check();
   };
   check([](const A& a) { return qorsAddMulColumn_64f_D2L(a.rows, a.width, a.height, a.first, a.second, a.firstRow, 2.0); }, false,

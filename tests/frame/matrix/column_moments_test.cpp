@@ -301,16 +301,16 @@ void expectFaults(Order order, QorStatus (*strided)(const Args<T, Mean, Var>&), 
   const A valid{m.block(), m.constRows(), 4, 4, 4, means.data(), variances.data()};
   const std::vector<kit::Watched> watched = {{means.data(), 4}, {variances.data(), 4}};
   const auto addStride = [](auto& table) {
-    table.fault("stride below width", qorStatusBadStride, [](A& a) { a.stride = 3; });
-    table.fault("stride negative", qorStatusBadStride, [](A& a) { a.stride = INT32_MIN; });
+    table.fault("stride below width", qorStatusBadStride, &A::stride, 3, kit::against(&A::width));
+    table.fault("stride negative", qorStatusBadStride, &A::stride, INT32_MIN);
   };
   const auto addRest = [&](auto& table) {
-    table.fault("null source", qorStatusNullPointer, [](A& a) { a.source = nullptr, a.rows = nullptr; });
-    table.fault("null means", qorStatusNullPointer, [](A& a) { a.means = nullptr; });
-    if (order != Order::kMean) table.fault("null variances", qorStatusNullPointer, [](A& a) { a.variances = nullptr; });
-    table.fault("width zero", qorStatusBadSize, [](A& a) { a.width = 0; });
-    table.fault("height zero", qorStatusBadSize, [](A& a) { a.height = 0; });
-    if (order != Order::kMean) table.fault("height one", qorStatusBadSize, [](A& a) { a.height = 1; });
+    table.fault("null source", qorStatusNullPointer, &A::source, nullptr, &A::rows, nullptr);
+    table.fault("null means", qorStatusNullPointer, &A::means, nullptr);
+    if (order != Order::kMean) table.fault("null variances", qorStatusNullPointer, &A::variances, nullptr);
+    table.fault("width zero", qorStatusBadSize, &A::width, 0);
+    table.fault("height zero", qorStatusBadSize, &A::height, 0);
+    if (order != Order::kMean) table.fault("height one", qorStatusBadSize, &A::height, 1);
   };
   kit::FaultTable<A> first(valid, strided, watched), second(valid, listed, watched);
   if (order != Order::kMeanVar) addStride(first);

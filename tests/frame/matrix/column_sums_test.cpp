@@ -264,20 +264,20 @@ void expectFaults(QorStatus (*strided)(const Args<T, Acc>&), QorStatus (*listed)
   kit::Area<Acc> result(4, kit::Place::kAligned);
   const A valid{m.block(), m.constRows(), 4, 4, 4, result.data()};
   kit::FaultTable<A>(valid, strided, {{result.data(), 4}})
-      .fault("null source", qorStatusNullPointer, [](A& a) { a.source = nullptr; })
-      .fault("null result", qorStatusNullPointer, [](A& a) { a.result = nullptr; })
-      .fault("height zero", qorStatusBadSize, [](A& a) { a.height = 0; })
-      .fault("height negative", qorStatusBadSize, [](A& a) { a.height = INT32_MIN; })
-      .fault("width zero", qorStatusBadSize, [](A& a) { a.width = 0; })
-      .fault("width negative", qorStatusBadSize, [](A& a) { a.width = -3; })
-      .fault("stride below width", qorStatusBadStride, [](A& a) { a.stride = 3; })
-      .fault("stride negative", qorStatusBadStride, [](A& a) { a.stride = -4; })
+      .fault("null source", qorStatusNullPointer, &A::source, nullptr)
+      .fault("null result", qorStatusNullPointer, &A::result, nullptr)
+      .fault("height zero", qorStatusBadSize, &A::height, 0)
+      .fault("height negative", qorStatusBadSize, &A::height, INT32_MIN)
+      .fault("width zero", qorStatusBadSize, &A::width, 0)
+      .fault("width negative", qorStatusBadSize, &A::width, -3)
+      .fault("stride below width", qorStatusBadStride, &A::stride, 3, kit::against(&A::width))
+      .fault("stride negative", qorStatusBadStride, &A::stride, -4)
       .check();
   kit::FaultTable<A>(valid, listed, {{result.data(), 4}})
-      .fault("null rows", qorStatusNullPointer, [](A& a) { a.rows = nullptr; })
-      .fault("null result", qorStatusNullPointer, [](A& a) { a.result = nullptr; })
-      .fault("height zero", qorStatusBadSize, [](A& a) { a.height = 0; })
-      .fault("width zero", qorStatusBadSize, [](A& a) { a.width = 0; })
+      .fault("null rows", qorStatusNullPointer, &A::rows, nullptr)
+      .fault("null result", qorStatusNullPointer, &A::result, nullptr)
+      .fault("height zero", qorStatusBadSize, &A::height, 0)
+      .fault("width zero", qorStatusBadSize, &A::width, 0)
       .check();
 }
 
@@ -314,9 +314,9 @@ TEST(SumRowAbsAndSqrFaults, NullThenLength) {
   double source[4] = {1, 2, 3, 4}, result = 7;
   const auto check = [&](QorStatus (*call)(const A&)) {
     kit::FaultTable<A>({source, 4, &result}, call, {{&result, 1}, {source, 4}})
-        .fault("null source", qorStatusNullPointer, [](A& a) { a.source = nullptr; })
-        .fault("null result", qorStatusNullPointer, [](A& a) { a.result = nullptr; })
-        .fault("length zero", qorStatusBadSize, [](A& a) { a.length = 0; })
+        .fault("null source", qorStatusNullPointer, &A::source, nullptr)
+        .fault("null result", qorStatusNullPointer, &A::result, nullptr)
+        .fault("length zero", qorStatusBadSize, &A::length, 0)
         .check();
   };
   check([](const A& a) { return qorsSumRowAbs_64f(a.source, a.length, a.result); });
@@ -334,14 +334,14 @@ TEST(SumColumnAbsAndSqrFaults, NullThenSizes) {
   double* const rows[2] = {row, row};
   const auto check = [&](QorStatus (*call)(const A&)) {
     kit::FaultTable<A>({rows, 2, 2, &result, 1, 1}, call, {{&result, 1}, {row, 2}})
-        .fault("null rows", qorStatusNullPointer, [](A& a) { a.rows = nullptr; })
-        .fault("null result", qorStatusNullPointer, [](A& a) { a.result = nullptr; })
-        .fault("width zero", qorStatusBadSize, [](A& a) { a.width = 0; })
-        .fault("height zero", qorStatusBadSize, [](A& a) { a.height = 0; })
-        .fault("column negative", qorStatusBadSize, [](A& a) { a.column = -1; })
-        .fault("column at width", qorStatusBadSize, [](A& a) { a.column = 2; })
-        .fault("first negative", qorStatusBadSize, [](A& a) { a.first = -1; })
-        .fault("first at height", qorStatusBadSize, [](A& a) { a.first = 2; })
+        .fault("null rows", qorStatusNullPointer, &A::rows, nullptr)
+        .fault("null result", qorStatusNullPointer, &A::result, nullptr)
+        .fault("width zero", qorStatusBadSize, &A::width, 0)
+        .fault("height zero", qorStatusBadSize, &A::height, 0)
+        .fault("column negative", qorStatusBadSize, &A::column, -1)
+        .fault("column at width", qorStatusBadSize, &A::column, 2, kit::against(&A::width))
+        .fault("first negative", qorStatusBadSize, &A::first, -1)
+        .fault("first at height", qorStatusBadSize, &A::first, 2, kit::against(&A::height))
         .check();
   };
   check([](const A& a) { return qorsSumColumnAbs_64f_D2L(a.rows, a.width, a.height, a.result, a.column, a.first); });

@@ -316,21 +316,21 @@ void expectFaults(QorStatus (*strided)(const Args<T, Result>&), QorStatus (*list
   Result result[4] = {9, 9, 9, 9};
   const A valid{data, rows, 4, vector, 4, result, 2};
   kit::FaultTable<A>(valid, strided, {{result, 4}})
-      .fault("null matrix", qorStatusNullPointer, [](A& a) { a.matrix = nullptr; })
-      .fault("null vector", qorStatusNullPointer, [](A& a) { a.vector = nullptr; })
-      .fault("null result", qorStatusNullPointer, [](A& a) { a.result = nullptr; })
-      .fault("height zero", qorStatusBadSize, [](A& a) { a.height = 0; })
-      .fault("width zero", qorStatusBadSize, [](A& a) { a.width = 0; })
-      .fault("width negative", qorStatusBadSize, [](A& a) { a.width = INT32_MIN; })
-      .fault("stride below width", qorStatusBadStride, [](A& a) { a.stride = 3; })
-      .fault("stride negative", qorStatusBadStride, [](A& a) { a.stride = -4; })
+      .fault("null matrix", qorStatusNullPointer, &A::matrix, nullptr)
+      .fault("null vector", qorStatusNullPointer, &A::vector, nullptr)
+      .fault("null result", qorStatusNullPointer, &A::result, nullptr)
+      .fault("height zero", qorStatusBadSize, &A::height, 0)
+      .fault("width zero", qorStatusBadSize, &A::width, 0)
+      .fault("width negative", qorStatusBadSize, &A::width, INT32_MIN)
+      .fault("stride below width", qorStatusBadStride, &A::stride, 3, kit::against(&A::width))
+      .fault("stride negative", qorStatusBadStride, &A::stride, -4)
       .check();
   kit::FaultTable<A>(valid, listed, {{result, 4}})
-      .fault("null rows", qorStatusNullPointer, [](A& a) { a.rows = nullptr; })
-      .fault("null vector", qorStatusNullPointer, [](A& a) { a.vector = nullptr; })
-      .fault("null result", qorStatusNullPointer, [](A& a) { a.result = nullptr; })
-      .fault("height negative", qorStatusBadSize, [](A& a) { a.height = -1; })
-      .fault("width zero", qorStatusBadSize, [](A& a) { a.width = 0; })
+      .fault("null rows", qorStatusNullPointer, &A::rows, nullptr)
+      .fault("null vector", qorStatusNullPointer, &A::vector, nullptr)
+      .fault("null result", qorStatusNullPointer, &A::result, nullptr)
+      .fault("height negative", qorStatusBadSize, &A::height, -1)
+      .fault("width zero", qorStatusBadSize, &A::width, 0)
       .check();
 }
 

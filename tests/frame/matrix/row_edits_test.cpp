@@ -226,18 +226,18 @@ void expectEditFaults(QorStatus (*strided)(const EditArgs<T>&), QorStatus (*list
   const A valid{data, rows, 4, 2, means, scales, 4};
   const std::vector<kit::Watched> watched = {{data, 8}, {means, 4}, {scales, 4}};
   kit::FaultTable<A> ofBlock(valid, strided, watched), ofRows(valid, listed, watched);
-  ofBlock.fault("null matrix", qorStatusNullPointer, [](A& a) { a.matrix = nullptr; });
-  ofRows.fault("null rows", qorStatusNullPointer, [](A& a) { a.rows = nullptr; });
+  ofBlock.fault("null matrix", qorStatusNullPointer, &A::matrix, nullptr);
+  ofRows.fault("null rows", qorStatusNullPointer, &A::rows, nullptr);
   for (auto* table : {&ofBlock, &ofRows}) {
-    table->fault("null means", qorStatusNullPointer, [](A& a) { a.means = nullptr; });
-    if (!oneVector) table->fault("null scales", qorStatusNullPointer, [](A& a) { a.scales = nullptr; });
-    table->fault("height zero", qorStatusBadSize, [](A& a) { a.height = 0; });
-    table->fault("height negative", qorStatusBadSize, [](A& a) { a.height = INT32_MIN; });
-    table->fault("width zero", qorStatusBadSize, [](A& a) { a.width = 0; });
-    table->fault("width negative", qorStatusBadSize, [](A& a) { a.width = -1; });
+    table->fault("null means", qorStatusNullPointer, &A::means, nullptr);
+    if (!oneVector) table->fault("null scales", qorStatusNullPointer, &A::scales, nullptr);
+    table->fault("height zero", qorStatusBadSize, &A::height, 0);
+    table->fault("height negative", qorStatusBadSize, &A::height, INT32_MIN);
+    table->fault("width zero", qorStatusBadSize, &A::width, 0);
+    table->fault("width negative", qorStatusBadSize, &A::width, -1);
   }
-  ofBlock.fault("stride below width", qorStatusBadStride, [](A& a) { a.stride = 3; });
-  ofBlock.fault("stride negative", qorStatusBadStride, [](A& a) { a.stride = -4; });
+  ofBlock.fault("stride below width", qorStatusBadStride, &A::stride, 3, kit::against(&A::width));
+  ofBlock.fault("stride negative", qorStatusBadStride, &A::stride, -4);
   ofBlock.check();
   ofRows.check();
 }
@@ -278,19 +278,19 @@ TEST(RowEditFaults, AddNRows) {
                                                   a.width, 1.0F);
                      },
                      {{destination, 2}})
-      .fault("null source", qorStatusNullPointer, [](A& a) { a.source = nullptr; })
-      .fault("null first", qorStatusNullPointer, [](A& a) { a.first = nullptr; })
-      .fault("null second", qorStatusNullPointer, [](A& a) { a.second = nullptr; })
-      .fault("null destination", qorStatusNullPointer, [](A& a) { a.destination = nullptr; })
-      .fault("count zero", qorStatusBadSize, [](A& a) { a.count = 0; })
-      .fault("height zero", qorStatusBadSize, [](A& a) { a.height = 0; })
-      .fault("width zero", qorStatusBadSize, [](A& a) { a.width = 0; })
-      .fault("offset negative", qorStatusBadSize, [](A& a) { a.offset = -1; })
-      .fault("stride below offset and width", qorStatusBadStride, [](A& a) { a.stride = 3; })
-      .fault("offset huge, beyond the stride", qorStatusBadStride, [](A& a) { a.offset = INT32_MAX; })
-      .fault("first negative in the sum", qorStatusBadSize, [](A& a) { a.first = kBelow; })
-      .fault("first at height", qorStatusBadSize, [](A& a) { a.first = kAtHeight; })
-      .fault("first huge", qorStatusBadSize, [](A& a) { a.first = kHuge; })
+      .fault("null source", qorStatusNullPointer, &A::source, nullptr)
+      .fault("null first", qorStatusNullPointer, &A::first, nullptr)
+      .fault("null second", qorStatusNullPointer, &A::second, nullptr)
+      .fault("null destination", qorStatusNullPointer, &A::destination, nullptr)
+      .fault("count zero", qorStatusBadSize, &A::count, 0)
+      .fault("height zero", qorStatusBadSize, &A::height, 0)
+      .fault("width zero", qorStatusBadSize, &A::width, 0)
+      .fault("offset negative", qorStatusBadSize, &A::offset, -1)
+      .fault("stride below offset and width", qorStatusBadStride, &A::stride, 3, kit::against(&A::offset, &A::width))
+      .fault("offset huge, beyond the stride", qorStatusBadStride, &A::offset, INT32_MAX, kit::against(&A::stride))
+      .fault("first negative in the sum", qorStatusBadSize, &A::first, kBelow)
+      .fault("first at height", qorStatusBadSize, &A::first, kAtHeight, kit::against(&A::height))
+      .fault("first huge", qorStatusBadSize, &A::first, kHuge)
       .check();
 }
 
@@ -304,10 +304,10 @@ TEST(RowEditFaults, AddMulRow) {
   double destination[3] = {4, 5, 6};
   kit::FaultTable<A>({source, destination, 3}, [](const A& a) { return qorsAddMulRow_64f(a.source, a.destination, a.length, 2.0); },
                      {{destination, 3}})
-      .fault("null source", qorStatusNullPointer, [](A& a) { a.source = nullptr; })
-      .fault("null destination", qorStatusNullPointer, [](A& a) { a.destination = nullptr; })
-      .fault("length zero", qorStatusBadSize, [](A& a) { a.length = 0; })
-      .fault("length negative", qorStatusBadSize, [](A& a) { a.length = INT32_MIN; })
+      .fault("null source", qorStatusNullPointer, &A::source, nullptr)
+      .fault("null destination", qorStatusNullPointer, &A::destination, nullptr)
+      .fault("length zero", qorStatusBadSize, &A::length, 0)
+      .fault("length negative", qorStatusBadSize, &A::length, INT32_MIN)
       .check();
 }
 

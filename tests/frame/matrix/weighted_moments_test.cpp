@@ -144,19 +144,19 @@ void expectFaults(QorStatus (*strided)(const Args<T>&), QorStatus (*listed)(cons
   const A valid{data, rows, 4, weights, 2, means, variances, 4};
   const std::vector<kit::Watched> watched = {{means, 4}, {variances, 4}};
   kit::FaultTable<A> ofBlock(valid, strided, watched), ofRows(valid, listed, watched);
-  ofBlock.fault("null source", qorStatusNullPointer, [](A& a) { a.source = nullptr; });
-  ofRows.fault("null rows", qorStatusNullPointer, [](A& a) { a.rows = nullptr; });
+  ofBlock.fault("null source", qorStatusNullPointer, &A::source, nullptr);
+  ofRows.fault("null rows", qorStatusNullPointer, &A::rows, nullptr);
   for (auto* table : {&ofBlock, &ofRows}) {
-    table->fault("null weights", qorStatusNullPointer, [](A& a) { a.weights = nullptr; });
-    table->fault("null means", qorStatusNullPointer, [](A& a) { a.means = nullptr; });
-    if (hasVariances) table->fault("null variances", qorStatusNullPointer, [](A& a) { a.variances = nullptr; });
+    table->fault("null weights", qorStatusNullPointer, &A::weights, nullptr);
+    table->fault("null means", qorStatusNullPointer, &A::means, nullptr);
+    if (hasVariances) table->fault("null variances", qorStatusNullPointer, &A::variances, nullptr);
   }
-  ofBlock.fault("stride below width", qorStatusBadStride, [](A& a) { a.stride = 3; });
-  ofBlock.fault("stride negative", qorStatusBadStride, [](A& a) { a.stride = INT32_MIN; });
+  ofBlock.fault("stride below width", qorStatusBadStride, &A::stride, 3, kit::against(&A::width));
+  ofBlock.fault("stride negative", qorStatusBadStride, &A::stride, INT32_MIN);
   for (auto* table : {&ofBlock, &ofRows}) {
-    table->fault("width zero", qorStatusBadSize, [](A& a) { a.width = 0; });
-    table->fault("height zero", qorStatusBadSize, [](A& a) { a.height = 0; });
-    table->fault("height negative", qorStatusBadSize, [](A& a) { a.height = -5; });
+    table->fault("width zero", qorStatusBadSize, &A::width, 0);
+    table->fault("height zero", qorStatusBadSize, &A::height, 0);
+    table->fault("height negative", qorStatusBadSize, &A::height, -5);
   }
   ofBlock.check();
   ofRows.check();
