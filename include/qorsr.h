@@ -86,12 +86,17 @@ enum {
 /** @defgroup version Version
  *  @{ */
 
+#define QORSR_VERSION_MAJOR 6 /**< The version of this header: qorsrGetLibVersion() tells that of the module that is loaded. */
+#define QORSR_VERSION_MINOR 0 /**< Second number of the version. */
+#define QORSR_VERSION_BUILD_MAJOR 167 /**< First number of the build. */
+#define QORSR_VERSION_BUILD_MINOR 665 /**< Second number of the build. */
+
 /** What qorsrGetLibVersion() returns: constant for the life of the library. */
 typedef struct QorLibraryVersion {
-  int32_t versionMajor;    /**< 6 */
-  int32_t versionMinor;    /**< 0 */
-  int32_t buildMajor;      /**< 167 */
-  int32_t buildMinor;      /**< 665 */
+  int32_t versionMajor;    /**< #QORSR_VERSION_MAJOR */
+  int32_t versionMinor;    /**< #QORSR_VERSION_MINOR */
+  int32_t buildMajor;      /**< #QORSR_VERSION_BUILD_MAJOR */
+  int32_t buildMinor;      /**< #QORSR_VERSION_BUILD_MINOR */
   char targetCode[4];      /**< "t7" and two zero bytes */
   const char* fileName;    /**< name of the module */
   const char* versionText; /**< version in words */
@@ -462,6 +467,12 @@ QORSR_API QorStatus qorsVecMatMul_32s_D2LSfs(const int32_t* vector, const int32_
  *
  *  Source of the method: the log-sum rule of hidden Markov models, as in Rabiner, "A Tutorial on Hidden Markov Models and Selected
  *  Applications in Speech Recognition", Proceedings of the IEEE 77 (1989). @{ */
+
+/** Hints: how the polynomial of log-domain addition is evaluated in float. In double both give the same. */
+enum {
+  qorLogAddAccurate = 0, /**< In double, rounded once. The value 2 is another name of this form. */
+  qorLogAddFast = 1      /**< In float. */
+};
 
 QORSR_API QorStatus qorsLogAdd_32f(const float* source, float* result, int32_t length, int32_t hint);
 QORSR_API QorStatus qorsLogAdd_64f(const double* source, double* result, int32_t length, int32_t hint);
@@ -1133,6 +1144,13 @@ typedef struct FBankState_16s FBankState_16s;
 /** A bank with weights of 30 fraction bits, for 32-bit spectra; made by qorsMelFBankInit_32s(). */
 typedef struct FBankState_32s FBankState_32s;
 
+/** Flags of a filter bank: one of the first two, and the third in addition (banks of floats or 16 bits). */
+enum {
+  qorFBankMelShaped = 1,   /**< Weights follow the mel scale; centres are truncated to bins. */
+  qorFBankIndexShaped = 2, /**< Weights follow the bin numbers; centres are rounded to bins. */
+  qorFBankTransform = 4    /**< The bank evaluates frames of samples: a Fourier transform stands in front. */
+};
+
 /** An empty bank, to be given centres and then weights. It always evaluates spectra: bit value 4 of `flags` only makes the memory
  *  of a transform, and other bits are ignored. Statuses: length or filterCount below 1 (#qorStatusBadSize); null;
  *  #qorStatusNoMemory (the order is written). */
@@ -1463,6 +1481,12 @@ QORSR_API QorStatus qorsDCTLifter_32s16s_Sfs(const int32_t* source, int16_t* des
  *
  *  Source of the method: Furui, "Speaker-Independent Isolated Word Recognition Using Dynamic Features of Speech Spectrum", IEEE
  *  Transactions on Acoustics, Speech, and Signal Processing 34 (1986); the Aurora windows: ETSI ES 202 050. @{ */
+
+/** Flags of a block of the streaming members; together for an utterance in one block. */
+enum {
+  qorDeltaBegin = 1, /**< The block is the first of its utterance. */
+  qorDeltaEnd = 2    /**< The block is the last of its utterance. */
+};
 
 QORSR_API QorStatus qorsDelta_Win1_32f_D2(const float* source, int32_t width, float* destination, int32_t step, int32_t height,
                                           float multiplier, int32_t flags);

@@ -1,4 +1,4 @@
-// What front-ends need of the library: owners of its records, flags of its filter banks, the mel scale.
+// What front-ends need of the library: owners of its records, the mel scale.
 #pragma once
 
 #include <memory>
@@ -13,9 +13,6 @@ struct FreeRecord {
 };
 using FilterBank = std::unique_ptr<FBankState_32f, FreeRecord>;
 using CosineTransform = std::unique_ptr<DCTLifterState_32f, FreeRecord>;
-
-inline constexpr int melShaped = 1;       ///< flag of a filter bank: triangles in mel
-inline constexpr int transformFront = 4;  ///< flag of a filter bank: it takes samples and transforms them
 
 /** The mel scale of O'Shaughnessy, "Speech Communication" (1987): 1127 ln(1 + f / 700). */
 inline constexpr float melMul = 1127.01048F, melDiv = 700.0F;

@@ -52,7 +52,7 @@ void unpackWeights(const WeightFile& file, int s, const AcousticModel& model, St
       const auto senone = static_cast<size_t>(model.ordered[model.begin[k] + i]);
       for (size_t d = 0; d < densities; ++d) logs[d] = -weightStep * static_cast<float>(steps[d * senones + senone]);
       float sum = 0;
-      program::check(qorsLogSum_32f(logs.data(), &sum, file.densities, 0), "qorsLogSum_32f");
+      program::check(qorsLogSum_32f(logs.data(), &sum, file.densities, qorLogAddAccurate), "qorsLogSum_32f");
       for (size_t d = 0; d < densities; ++d) block[d * count + i] = logs[d] - sum;
     }
   }

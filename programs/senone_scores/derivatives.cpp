@@ -9,7 +9,7 @@
 namespace senones {
 namespace {
 
-constexpr int whole = 1 | 2;  // the block begins and ends the recording
+constexpr int whole = qorDeltaBegin | qorDeltaEnd;
 constexpr size_t margin = 4;  // rows added in front; even, so that pairs of rows stay pairs
 
 // Of rows of `width` elements: x(t + 1) - x(t - 1).

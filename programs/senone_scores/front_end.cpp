@@ -112,7 +112,7 @@ program::FilterBank FrontEnd::makeSpectrum() const {
   const auto rate = static_cast<float>(settings_.rate);
   const int32_t bins = settings_.transform / 2 - 1;
   program::check(qorsMelFBankInitAlloc_32f(&state, &order, settings_.transform, rate, 1, rate / 2, bins, melMul, melDiv,
-                                           program::melShaped | program::transformFront),
+                                           qorFBankMelShaped | qorFBankTransform),
                  "qorsMelFBankInitAlloc_32f");
   program::FilterBank bank(state);
   std::vector<int32_t> centres;

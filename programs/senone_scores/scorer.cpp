@@ -5,11 +5,6 @@
 #include "common/fault.h"
 
 namespace senones {
-namespace {
-
-constexpr int32_t fastForm = 1;  // of the log addition: polynomials in float
-
-}  // namespace
 
 Scorer::Scorer(const AcousticModel& model, int top)
     : model_(model),
@@ -57,7 +52,7 @@ void Scorer::mix(const Stream& stream, const Density* best) {
       for (size_t i = 0; i < count; ++i) into[begin + i] = density.score + weights[i];
     }
     if (r > 0) {
-      program::check(qorsLogAdd_32f(term_.data(), mixture_.data(), static_cast<int32_t>(mixture_.size()), fastForm),
+      program::check(qorsLogAdd_32f(term_.data(), mixture_.data(), static_cast<int32_t>(mixture_.size()), qorLogAddFast),
                      "qorsLogAdd_32f");
     }
   }

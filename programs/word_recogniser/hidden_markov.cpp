@@ -11,7 +11,6 @@ namespace {
 
 constexpr int arcs = WordModel::arcs;
 constexpr double logZero = -1e10;  // what the library's log addition takes for an impossible event
-constexpr int accurate = 0;        // hint of the log addition
 
 double logOf(float probability) { return probability > 0 ? std::log(static_cast<double>(probability)) : logZero; }
 
@@ -43,7 +42,7 @@ class Lattice {
 };
 
 void logAdd(const std::vector<double>& terms, double* sums) {
-  program::check(qorsLogAdd_64f(terms.data(), sums, static_cast<int32_t>(terms.size()), accurate), "qorsLogAdd_64f");
+  program::check(qorsLogAdd_64f(terms.data(), sums, static_cast<int32_t>(terms.size()), qorLogAddAccurate), "qorsLogAdd_64f");
 }
 
 // The log probability of leaving for good, from each state.

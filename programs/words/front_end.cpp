@@ -18,8 +18,8 @@ constexpr int trimMargin = 2;
 
 // Regression over two frames on either side (Furui, 1986): sum of k (x(t+k) - x(t-k)), divided by 2 (1 + 4).
 constexpr float regressionScale = 0.1F;
-constexpr int wholeUtterance = 1 | 2;  // the block begins and ends it
-constexpr int fewestFrames = 6;        // what the second derivative needs
+constexpr int wholeUtterance = qorDeltaBegin | qorDeltaEnd;
+constexpr int fewestFrames = 6;  // what the second derivative needs
 
 int atLeastOne(float value) { return std::max(1, static_cast<int>(std::lround(value))); }
 
@@ -66,7 +66,7 @@ void FrontEnd::makeBank(float tract) {
     int32_t order = 0;
     program::check(
         qorsMelFBankInitAlloc_32f(&bank, &order, length, static_cast<float>(rate_), options_.lowHz * tract, options_.highHz * tract,
-                                  options_.filters, program::melMul, program::melDiv, program::melShaped | program::transformFront),
+                                  options_.filters, program::melMul, program::melDiv, qorFBankMelShaped | qorFBankTransform),
         "qorsMelFBankInitAlloc_32f");
     bank_.reset(bank);
     transformLength_ = 1 << order;
