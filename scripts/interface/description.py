@@ -49,7 +49,7 @@ class Line:
     third: str
     meaning: str
     text: str
-    used: bool = False
+    used: set = field(default_factory=set)  # names that some function has
 
     def fits(self, function):
         return not self.patterns or any(fnmatch.fnmatchcase(function.short, p) for p in self.patterns)
@@ -212,7 +212,7 @@ def choose(lines, function, name, isa):
     if len(chosen) > 1:
         raise Mistake(f"{function.name}: two lines describe {name}: '{chosen[0].text}' and '{chosen[1].text}'")
     for line in chosen:
-        line.used = True
+        line.used.add(name)
     return chosen[0] if chosen else None
 
 
@@ -261,8 +261,8 @@ def describe_family(family, records):
             mistakes.append(f"{family.name}: {mistake}")
     if not mistakes:
         for line in lines:
-            if not line.used:
-                mistakes.append(f"{family.name}: no function has what this line describes: {line.text}")
+            for name in set(line.parameters) - line.used:
+                mistakes.append(f"{family.name}: no function has the {name} that this line describes: {line.text}")
             for pattern in line.patterns:
                 if not any(fnmatch.fnmatchcase(f.short, pattern) for f in family.functions):
                     mistakes.append(f"{family.name}: no function fits `{pattern}` in {line.text}")

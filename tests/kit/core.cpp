@@ -97,6 +97,14 @@ namespace kit {
 int64_t Core::calls() { return callCount; }
 int64_t Core::outstanding() { return static_cast<int64_t>(blocks().size()); }
 int32_t Core::lastSize() { return sizeAsked; }
+std::vector<std::byte> Core::contents() {
+  std::vector<std::byte> all;
+  for (const auto& [pointer, block] : blocks()) {
+    const auto* const begin = static_cast<const std::byte*>(pointer);
+    all.insert(all.end(), begin, begin + block.bytes);
+  }
+  return all;
+}
 void Core::refuse(int64_t nth) { refuseAt = callCount + nth; }
 void Core::refuseNone() { refuseAt = -1; }
 

@@ -6,18 +6,21 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <vector>
 
 #include "qorsr.h"
 
 namespace kit {
 
 struct Core {
-  static int64_t calls();           // of qorMalloc since the start
-  static int64_t outstanding();     // blocks not yet released
-  static int32_t lastSize();        // the size that the last call asked for
-  static void refuse(int64_t nth);  // the nth call from now (0: the next) and no other returns null
+  static int64_t calls();                    // of qorMalloc since the start
+  static int64_t outstanding();              // blocks not yet released
+  static int32_t lastSize();                 // the size that the last call asked for
+  static std::vector<std::byte> contents();  // of all blocks not yet released
+  static void refuse(int64_t nth);           // the nth call from now (0: the next) and no other returns null
   static void refuseNone();
 };
 

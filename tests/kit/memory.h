@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <span>
 #include <vector>
 
 #include "kit/random.h"
@@ -27,6 +28,8 @@ class GuardedPages {
   GuardedPages& operator=(GuardedPages&&) = delete;
 
   std::byte* begin() const { return area_; }
+  // All that lies between the two pages that cannot be touched.
+  std::span<std::byte> pages() const { return {map_ + (mapBytes_ - pagesBytes_) / 2, pagesBytes_}; }
   // Whether every byte in front of the area and behind it is as it was.
   bool edgesKept() const;
 
