@@ -30,7 +30,7 @@ inline void differences(const int16_t* row, const int16_t* mean, double* d, int3
 inline void differences(const float* row, const float* mean, double* d, int32_t width) {
   coverColumns<float>(width, [&](int32_t c, auto n) {
     using L = Lanes<float, n>;
-    widen(L::load(row + c) - L::load(mean + c)).store(d + c);
+    as<double>(L::load(row + c) - L::load(mean + c)).store(d + c);
   });
 }
 

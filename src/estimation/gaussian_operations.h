@@ -142,8 +142,8 @@ inline QorStatus mergeElements(const Pooling<float>& pooling, int32_t length, fl
     }
     coverColumns<float>(
         end, [&](int32_t i, auto n) __attribute__((always_inline)) {
-          narrow(Lanes<double, n>::load(means + i)).store(mean + first + i);
-          narrow(Lanes<double, n>::load(variances + i)).store(variance + first + i);
+          as<float>(Lanes<double, n>::load(means + i)).store(mean + first + i);
+          as<float>(Lanes<double, n>::load(variances + i)).store(variance + first + i);
         });
     return status == qorStatusOk;
   });
@@ -182,7 +182,7 @@ QorStatus gaussianMerge(const GaussianPair<T>& pair, T* mean, T* variance, int32
 // The perturbations of a block of elements.
 template <int N>
 inline Lanes<float, N> perturbationInDouble(const Lanes<float, N>& variance, float factor) {
-  return narrow(sqrt(widen(variance)) * Lanes<double, N>(static_cast<double>(factor)));
+  return as<float>(sqrt(as<double>(variance)) * Lanes<double, N>(static_cast<double>(factor)));
 }
 template <class T, int N>
 inline Lanes<T, N> perturbation(const Lanes<T, N>& variance, T factor) {

@@ -149,8 +149,8 @@ inline QorStatus newVar(const float* means, const float* squares, float* destina
         using L = Lanes<double, n>;
         const Lanes<float, n> mean = Lanes<float, n>::load(means + i);
         const L variance =
-            (loadAs<double, n>(squares + i) - widen(mean * mean) * L(static_cast<double>(a))) * L(static_cast<double>(b));
-        narrow(variance).store(destination + i);
+            (loadAs<double, n>(squares + i) - as<double>(mean * mean) * L(static_cast<double>(a))) * L(static_cast<double>(b));
+        as<float>(variance).store(destination + i);
       });
   return qorStatusOk;
 }
@@ -191,7 +191,7 @@ template <class T, class Finish>
 // The variances follow the caller's rounding mode, their conversion rounds to nearest: two passes, unless the modes are the same.
 inline QorStatus newVarAligned(const ScaledNewVar& v, int32_t scaleFactor) {
   if (EnvironmentGuard::isCallersNearest()) {
-    const float multiplier = qorPow2Neg_32f(scaleFactor);
+    const float multiplier = twoToMinus<float>(scaleFactor);
     storeNewVar(
         v, v.destination, [=]<int N>(const Lanes<float, N>& x) __attribute__((always_inline)) {
           return nearestSaturated(x * Lanes<float, N>(multiplier));
@@ -201,7 +201,7 @@ inline QorStatus newVarAligned(const ScaledNewVar& v, int32_t scaleFactor) {
   float* const floats = reinterpret_cast<float*>(v.destination);
   storeNewVar(
       v, floats, [](const auto& x) __attribute__((always_inline)) { return x; });
-  return qorConvert_32f32s_Sfs(floats, v.destination, v.length, kNearestEven, scaleFactor);
+  return convertFloats(floats, v.destination, v.length, kNearestEven, scaleFactor);
 }
 
 // required: with means and squares on 16-byte boundaries the results are rounded to nearest and saturated, a NaN giving 0; else
@@ -209,7 +209,7 @@ inline QorStatus newVarAligned(const ScaledNewVar& v, int32_t scaleFactor) {
 [[gnu::always_inline]] inline QorStatus newVarScaled(const ScaledNewVar& v, int32_t scaleFactor) {
   if (QorStatus bad = Checks().null(v.means, v.squares, v.destination).size(v.length)) return bad;
   if (isAligned16(v.means) && isAligned16(v.squares)) return newVarAligned(v, scaleFactor);
-  const float multiplier = qorPow2Neg_32f(scaleFactor);
+  const float multiplier = twoToMinus<float>(scaleFactor);
   storeNewVar(
       v, v.destination, [=]<int N>(const Lanes<float, N>& x) __attribute__((always_inline)) {
         return truncated(x * Lanes<float, N>(multiplier));

@@ -284,13 +284,13 @@ inline Lanes<float, R> cosineSums(const From* x, std::ptrdiff_t length, const fl
   }
   if constexpr (R == 4) {
     const auto pairOf = [&](int r) { return lanes.low(r) + lanes.high(r); };
-    const Turned pair = turn4(pairOf(0), pairOf(1), pairOf(2), pairOf(3));
+    const Transposed pair = transposed(pairOf(0), pairOf(1), pairOf(2), pairOf(3));
     Lanes<float, 4> first = pair.lane[0];
     if (j < length) {  // lanes 0 before their pairing, with what remains
-      first = turn4(lanes.low(0), lanes.low(1), lanes.low(2), lanes.low(3)).lane[0];
+      first = transposed(lanes.low(0), lanes.low(1), lanes.low(2), lanes.low(3)).lane[0];
       first = withRest(first, x + j, length - j, cosines, j != 0);
       cosines += 4 * (length - j);
-      first += turn4(lanes.high(0), lanes.high(1), lanes.high(2), lanes.high(3)).lane[0];
+      first += transposed(lanes.high(0), lanes.high(1), lanes.high(2), lanes.high(3)).lane[0];
     }
     return (first + pair.lane[2]) + (pair.lane[1] + pair.lane[3]);
   } else {
@@ -367,7 +367,7 @@ QorStatus dctLifterInit(State* state, int32_t dctLength, int32_t order, const We
 template <class State, class Weights>
 QorStatus dctLifterInitAlloc(State** state, int32_t dctLength, int32_t order, const Weights& weights) {
   if (QorStatus bad = checkDctLifter(state, dctLength, order, weights)) return bad;
-  auto* made = reinterpret_cast<State*>(qorAlloc_8u(dctLifterBytes<State>(dctLength, order)));
+  auto* made = reinterpret_cast<State*>(allocateElements<uint8_t>(dctLifterBytes<State>(dctLength, order)));
   if (made == nullptr) return qorStatusNoMemory;
   makeDctLifter(made, dctLength, order, weights);
   *state = made;
@@ -377,7 +377,7 @@ QorStatus dctLifterInitAlloc(State** state, int32_t dctLength, int32_t order, co
 template <class State>
 QorStatus dctLifterFree(State* state) {
   if (state == nullptr) return qorStatusNullPointer;
-  qorRelease(state);
+  release(state);
   return qorStatusOk;
 }
 
@@ -386,7 +386,7 @@ QorStatus dctLifterScaled(const From* source, int16_t* destination, DCTLifterSta
   if (QorStatus bad = Checks().null(state, source, destination)) return bad;
   float* results = areaOf<float>(state, state->scratch);
   dctLifter(source, results, state);
-  return qorConvert_32f16s_Sfs(results, destination, state->cepstrumLength + state->hasC0, kNearestEven, scaleFactor);
+  return convertFloats(results, destination, state->cepstrumLength + state->hasC0, kNearestEven, scaleFactor);
 }
 
 }  // namespace qorsr

@@ -89,8 +89,8 @@ struct FixedArithmetic {
       return limited(Lanes<int32_t, 1>(int32_t{value.part[0]} * factor.part[0]));
     } else {
       const Lanes<int16_t, N> zero(0);  // a pair's second product
-      return limited(pairDots(interleaveLower(value, zero), interleaveLower(factor, zero)),
-                     pairDots(interleaveUpper(value, zero), interleaveUpper(factor, zero)));
+      return limited(pairDots(interleaved(value, zero).first, interleaved(factor, zero).first),
+                     pairDots(interleaved(value, zero).second, interleaved(factor, zero).second));
     }
   }
 
@@ -108,12 +108,12 @@ struct FixedArithmetic {
       Half tail0(0), tail1(0), sum0(0), sum1(0);
       for (int32_t k = window; k >= 1; --k) {
         const Lanes<int16_t, N> d = difference(k);
-        sum0 += tail0 += std::bit_cast<Half>(lowerWidened(d));
-        sum1 += tail1 += std::bit_cast<Half>(upperWidened(d));
+        sum0 += tail0 += std::bit_cast<Half>(lowerHalf(as<int32_t>(d)));
+        sum1 += tail1 += std::bit_cast<Half>(upperHalf(as<int32_t>(d)));
       }
       using Signed = Lanes<int32_t, N / 2>;
-      return limited(std::bit_cast<Signed>(sum0 * std::bit_cast<Half>(lowerWidened(factor))),
-                     std::bit_cast<Signed>(sum1 * std::bit_cast<Half>(upperWidened(factor))));
+      return limited(std::bit_cast<Signed>(sum0 * std::bit_cast<Half>(lowerHalf(as<int32_t>(factor)))),
+                     std::bit_cast<Signed>(sum1 * std::bit_cast<Half>(upperHalf(as<int32_t>(factor)))));
     }
   }
 

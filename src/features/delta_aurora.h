@@ -107,7 +107,7 @@ struct AuroraFixed {
     if constexpr (Factors::kOfFeatures) {
       return whole.scaled(x, factors.template at<N>(0, column));
     } else {
-      return whole.limited(lowerWidened(x), upperWidened(x));
+      return whole.limited(lowerHalf(as<int32_t>(x)), upperHalf(as<int32_t>(x)));
     }
   }
   Lanes<int16_t, 1> energy(const int16_t* sourceRow, int32_t column) const {

@@ -30,7 +30,7 @@ QorStatus initEmpty(Bank** state, int32_t* order, int32_t length, int32_t n, int
 template <class Bank>
 QorStatus release(Bank* state) {
   if (QorStatus bad = Checks().null(state)) return bad;
-  qorRelease(state);
+  release(state);
   return qorStatusOk;
 }
 
@@ -161,7 +161,7 @@ const int32_t* wholeMagnitudes(const int16_t* frame, const FBankState_16s* state
   const int32_t bins = state->fftLength / 2 + 1;
   front.setup.transform(frame, front.spectrum, front.work);
   auto* whole = reinterpret_cast<int32_t*>(front.spectrum);
-  qorConvert_32f32s_Sfs(front.spectrum, whole, 2 * bins, kNearestEven, -3);
+  convertFloats(front.spectrum, whole, 2 * bins, kNearestEven, -3);
   const EnvironmentGuard guard(Rounding::kNearest);
   magnitudesInPlace(whole, bins);
   return whole;

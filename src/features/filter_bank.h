@@ -149,7 +149,7 @@ void placeFilterBank(Bank* bank, int32_t n, TransformSize size, bool withTransfo
 template <class Bank>
 Bank* allocateFilterBank(int32_t n, TransformSize size, bool withTransform) {
   if (!filterBankFits<Bank>(n, size, withTransform)) return nullptr;
-  auto* bank = reinterpret_cast<Bank*>(qorAlloc_8u(filterBankBytes<Bank>(n, size, withTransform)));
+  auto* bank = reinterpret_cast<Bank*>(allocateElements<uint8_t>(filterBankBytes<Bank>(n, size, withTransform)));
   if (bank != nullptr) placeFilterBank(bank, n, size, withTransform);
   return bank;
 }

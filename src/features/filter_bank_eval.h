@@ -121,13 +121,13 @@ class PlannedEvaluation {
 
   // Bins From to From + 3 of the windows.
   template <int From>
-  [[gnu::always_inline]] Turned windows(const GroupHead& group) const {
+  [[gnu::always_inline]] Transposed windows(const GroupHead& group) const {
     Four four[kGroup];
     for (int i = 0; i < kGroup; ++i) four[i] = Four::load(binsAt(group.window[i]) + From);
     return turned(four);
   }
 
-  static Turned turned(const Four (&sets)[kGroup]) { return turn4(sets[0], sets[1], sets[2], sets[3]); }
+  static Transposed turned(const Four (&sets)[kGroup]) { return transposed(sets[0], sets[1], sets[2], sets[3]); }
 
   // What sections' blocks add up to.
   template <int Most>
@@ -171,7 +171,7 @@ class PlannedEvaluation {
       lanes_ = Eight(0.0F);
     }
     for (int j = 1; j < 4; ++j) rising += weights(group.rising[j]) * low.lane[j];
-    Turned high;
+    Transposed high;
     if constexpr (Kind >= GroupKind::kLong) {
       high = windows<4>(group);
       for (int j = 0; j < 4; ++j) rising += weights(parts.longRows->rising[j]) * high.lane[j];

@@ -129,7 +129,7 @@ struct Signal {
     if constexpr (W == 1) {
       return {loadAs<float, 1>(x + 2 * t), loadAs<float, 1>(x + 2 * t + 1)};
     } else {
-      const auto parts = unzip(loadAs<float, W>(x + 2 * t), loadAs<float, W>(x + 2 * t + W));
+      const auto parts = deinterleaved(loadAs<float, W>(x + 2 * t), loadAs<float, W>(x + 2 * t + W));
       return {parts.first, parts.second};
     }
   }
@@ -155,8 +155,8 @@ inline Four<W> fourPoints(const Source& in, int64_t t, int64_t quarter) {
 template <int S, int W>
 inline void storeInTurn(float* p, const Lanes<float, W>& a, const Lanes<float, W>& b, const Lanes<float, W>& c,
                         const Lanes<float, W>& d) {
-  const auto ac = zip<S>(a, c), bd = zip<S>(b, d);
-  const auto low = zip<S>(ac.first, bd.first), high = zip<S>(ac.second, bd.second);
+  const auto ac = interleaved<S>(a, c), bd = interleaved<S>(b, d);
+  const auto low = interleaved<S>(ac.first, bd.first), high = interleaved<S>(ac.second, bd.second);
   low.first.store(p);
   low.second.store(p + W);
   high.first.store(p + 2 * W);
@@ -229,7 +229,7 @@ struct ToSpectrum {
       x.re.store(spectrum + 2 * k);
       x.im.store(spectrum + 2 * k + 1);
     } else {
-      const auto pairs = zip<1>(x.re, x.im);
+      const auto pairs = interleaved<1>(x.re, x.im);
       pairs.first.store(spectrum + 2 * k);
       pairs.second.store(spectrum + 2 * k + W);
     }

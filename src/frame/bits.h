@@ -67,15 +67,18 @@ constexpr Int truncateOrLowest(Real value) {
   return value >= kLow && value < -kLow ? static_cast<Int>(value) : std::numeric_limits<Int>::min();
 }
 
-// 2^-n as a float, n limited to -128 (infinity) to 150 (zero); denormal from 127 on.
-constexpr float qorPow2Neg_32f(int32_t n) {
+// 2^-n. As a float, n is limited to -128 (infinity) to 150 (zero); denormal from 127 on. As a double, to -1024 (infinity) to 1087
+// (zero, like all from 1075 on); denormal from 1023 on.
+template <class Real>
+constexpr Real twoToMinus(int32_t n);
+template <>
+constexpr float twoToMinus<float>(int32_t n) {
   const int32_t e = n < -128 ? -128 : n > 150 ? 150 : n;
   if (e == 150) return 0.0F;
   return std::bit_cast<float>(e < 127 ? static_cast<uint32_t>(127 - e) << 23 : 1U << (149 - e));
 }
-
-// 2^-n as a double, n limited to -1024 (infinity) to 1087 (zero, like all from 1075 on); denormal from 1023 on.
-constexpr double qorPow2Neg_64f(int32_t n) {
+template <>
+constexpr double twoToMinus<double>(int32_t n) {
   const int32_t e = n < -1024 ? -1024 : n > 1087 ? 1087 : n;
   if (e >= 1075) return 0.0;
   return std::bit_cast<double>(e < 1023 ? static_cast<uint64_t>(1023 - e) << 52 : uint64_t{1} << (1074 - e));

@@ -9,15 +9,12 @@
 #include <utility>
 
 #include "frame/lanes.h"
+#include "frame/tuning.h"
 
 namespace qorsr {
 
 template <int N>
 using LaneCount = std::integral_constant<int, N>;
-
-// Four native registers: enough independent sums to hide the latency of an addition.
-template <class T>
-inline constexpr int kWidestBlock = 4 * kNativeBytes / static_cast<int>(sizeof(T));
 
 namespace detail {
 
@@ -110,13 +107,12 @@ template <int kWidth, int kLanes, class Body>
 // rows.
 template <class T, class Body>
 inline void coverColumnsInTiles(int32_t width, int32_t height, int64_t elementBytes, const Body& body) {
-  constexpr int64_t kNearCache = 256 * 1024, kTile = 32 * 1024;
   const int64_t rowBytes = width * elementBytes;
-  if (width <= kWidestBlock<T> || rowBytes * height <= kNearCache) {
+  if (width <= kWidestBlock<T> || rowBytes * height <= kTiledBytes) {
     coverColumns<T>(width, [&](int32_t column, auto lanes) { body(column, lanes, 0, height); });
     return;
   }
-  const auto tile = static_cast<int32_t>(rowBytes * 2 > kTile ? 2 : kTile / rowBytes / 2 * 2);
+  const auto tile = static_cast<int32_t>(rowBytes * 2 > kTileBytes ? 2 : kTileBytes / rowBytes / 2 * 2);
   for (int32_t first = 0; first < height;) {
     const int32_t end = height - first > tile ? first + tile : height;
     coverColumnsOnce<T>(width, [&](int32_t column, auto lanes) { body(column, lanes, first, end); });

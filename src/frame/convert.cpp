@@ -52,7 +52,7 @@ struct To32 {
 // Source and destination may be the same memory: each block is read before it is written, at or in front of where it stood.
 template <class To, class Mode>
 QORSR_IN_GUARDED_MODE void convertAll(const float* source, typename To::Result* destination, int32_t length, int32_t sf) {
-  const Reals multiplier(qorPow2Neg_32f(sf));
+  const Reals multiplier(twoToMinus<float>(sf));
   const auto block = [&](const Reals& x) { return To::template convert<Mode>(zeroWhereNaN(x * multiplier)); };
   int32_t i = 0;
   for (; i <= length - kBlock; i += kBlock) block(Reals::load(source + i)).store(destination + i);
@@ -81,11 +81,11 @@ QorStatus convert(const float* source, typename To::Result* destination, int32_t
 
 }  // namespace
 
-QorStatus qorConvert_32f16s_Sfs(const float* source, int16_t* destination, int32_t length, int mode, int32_t scaleFactor) {
+QorStatus convertFloats(const float* source, int16_t* destination, int32_t length, int mode, int32_t scaleFactor) {
   return convert<To16>(source, destination, length, mode, scaleFactor);
 }
 
-QorStatus qorConvert_32f32s_Sfs(const float* source, int32_t* destination, int32_t length, int mode, int32_t scaleFactor) {
+QorStatus convertFloats(const float* source, int32_t* destination, int32_t length, int mode, int32_t scaleFactor) {
   return convert<To32>(source, destination, length, mode, scaleFactor);
 }
 

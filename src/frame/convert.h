@@ -16,8 +16,8 @@ namespace qorsr {
 
 inline constexpr int kTruncate = 0, kNearestEven = 1, kNearestAway = 2;
 
-QorStatus qorConvert_32f16s_Sfs(const float* source, int16_t* destination, int32_t length, int mode, int32_t scaleFactor);
-QorStatus qorConvert_32f32s_Sfs(const float* source, int32_t* destination, int32_t length, int mode, int32_t scaleFactor);
+QorStatus convertFloats(const float* source, int16_t* destination, int32_t length, int mode, int32_t scaleFactor);
+QorStatus convertFloats(const float* source, int32_t* destination, int32_t length, int mode, int32_t scaleFactor);
 
 // value limited to the range of Int, then rounded to nearest, ties to even, whatever the caller's rounding mode; a NaN gives 0.
 template <class Int>

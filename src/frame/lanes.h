@@ -16,5 +16,6 @@
 #include "frame/lanes/integers.h"  // IWYU pragma: export
 #include "frame/lanes/joins.h"     // IWYU pragma: export
 #include "frame/lanes/native.h"    // IWYU pragma: export
+#include "frame/lanes/permuted.h"  // IWYU pragma: export
 #include "frame/lanes/tail.h"      // IWYU pragma: export
 #include "frame/lanes/values.h"    // IWYU pragma: export

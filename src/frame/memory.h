@@ -21,11 +21,7 @@ template <class T>
 T* allocateElements(int64_t count) {
   return count < 1 || count > INT32_MAX ? nullptr : static_cast<T*>(allocateBytes(count * static_cast<int64_t>(sizeof(T))));
 }
-inline uint8_t* qorAlloc_8u(int64_t count) { return allocateElements<uint8_t>(count); }
-inline int16_t* qorAlloc_16s(int64_t count) { return allocateElements<int16_t>(count); }
-inline int32_t* qorAlloc_32s(int64_t count) { return allocateElements<int32_t>(count); }
-inline double* qorAlloc_64f(int64_t count) { return allocateElements<double>(count); }
-inline void qorRelease(void* block) { qorFree(block); }
+inline void release(void* block) { qorFree(block); }
 
 // The address, raised to the next multiple of `alignment`.
 template <class T>
@@ -49,7 +45,7 @@ class Scratch {
     area_ = static_cast<T*>(alignUp(block_));
   }
   ~Scratch() {
-    if (block_ != nullptr) qorRelease(block_);
+    if (block_ != nullptr) release(block_);
   }
   Scratch(const Scratch&) = delete;
   Scratch& operator=(const Scratch&) = delete;

@@ -27,11 +27,20 @@ struct ListedRows {
 template <class T>
 ListedRows(T* const*) -> ListedRows<T>;
 
+template <class T>
+constexpr StridedRows<T> strided(T* base, int32_t stride) {
+  return {base, stride};
+}
+template <class T>
+constexpr ListedRows<T> listed(T* const* list) {
+  return {list};
+}
+
 inline bool isAligned16(const void* pointer) { return reinterpret_cast<std::uintptr_t>(pointer) % 16 == 0; }
 
 // False when one of the first `count` row pointers is not 16-byte aligned; true for a count below 1.
 template <class T>
-bool qorRowsAligned(T* const* list, int32_t count) {
+bool rowsAligned(T* const* list, int32_t count) {
   for (int32_t r = 0; r < count; ++r) {
     if (!isAligned16(list[r])) return false;
   }

@@ -182,7 +182,7 @@ class NarrowDistances {
     using Four = Lanes<float, 4>;
     int e = 0;
     for (; e <= W - 4; e += 4) {
-      const Turned turned = turn4(Four::load(a + e), Four::load(b + e), Four::load(c + e), Four::load(d + e));
+      const Transposed turned = transposed(Four::load(a + e), Four::load(b + e), Four::load(c + e), Four::load(d + e));
       for (int k = 0; k < 4; ++k) turned.lane[k].store(area + (e + k) * pitch_);
     }
     for (; e < W; ++e) Four::of(a[e], b[e], c[e], d[e]).store(area + e * pitch_);
@@ -229,7 +229,7 @@ class WideDistances {
     Lanes<double, 4> lanes[4];
     const auto eight = [&](int k, int32_t c, const Lanes<double, 4>& sum) {
       const auto d = Lanes<float, 8>::load(rows[k] + c) - Lanes<float, 8>::load(y + c);
-      const Lanes<double, 8> squares = widen(d * d);
+      const Lanes<double, 8> squares = as<double>(d * d);
       return sum + lowerHalf(squares) + upperHalf(squares);
     };
     for (int k = 0; k < 4; ++k) lanes[k] = eight(k, 0, Lanes<double, 4>(0.0));
@@ -241,24 +241,24 @@ class WideDistances {
     for (int k = 0; k < 4; ++k) halves[k] = lowerHalf(lanes[k]) + upperHalf(lanes[k]);
     Lanes<double, 4> sums = joinHalvesOfSets<4>(halves);
     const auto turned = [&](int32_t at) {
-      return turn4(Four::load(rows[0] + at), Four::load(rows[1] + at), Four::load(rows[2] + at), Four::load(rows[3] + at));
+      return transposed(Four::load(rows[0] + at), Four::load(rows[1] + at), Four::load(rows[2] + at), Four::load(rows[3] + at));
     };
     const auto add = [&](const Four& x, int32_t at) {
       const Four d = x - Four(y[at]);
-      sums += widen(d * d);
+      sums += as<double>(d * d);
     };
     if (c <= width_ - 4) {
-      const Turned four = turned(c);
+      const Transposed four = turned(c);
       for (int k = 0; k < 4; ++k) add(four.lane[k], c + k);
       c += 4;
     }
     if (c < width_) {
-      const Turned last = turned(width_ - 4);
+      const Transposed last = turned(width_ - 4);
       if (c <= width_ - 3) add(last.lane[1], width_ - 3);
       if (c <= width_ - 2) add(last.lane[2], width_ - 2);
       add(last.lane[3], width_ - 1);
     }
-    return narrow(sqrt(sums));
+    return as<float>(sqrt(sums));
   }
 
   Rows rows_;
@@ -386,7 +386,7 @@ QorStatus warpIntegers(Rows first, int32_t firstLength, Rows second, int32_t sec
                                     &result, delta, static_cast<float>(beam))) {
     return bad;
   }
-  return qorConvert_32f32s_Sfs(&result, distance, 1, kNearestEven, scaleFactor);
+  return convertFloats(&result, distance, 1, kNearestEven, scaleFactor);
 }
 
 }  // namespace qorsr

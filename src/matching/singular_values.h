@@ -97,13 +97,13 @@ QorStatus decompose(const Source& source, const Rows& u, int32_t height, double*
 inline QorStatus singularValues(const double* source, double* u, int32_t height, double* w, double* v, int32_t width,
                                 int32_t stride, int32_t limit, Sorting sorting) {
   if (QorStatus bad = Checks().null(source, u, v, w).size(height, width, limit).atLeast(width, stride)) return bad;
-  return decompose(StridedRows{source, stride}, StridedRows{u, stride}, height, w, StridedRows{v, stride}, width, limit, sorting);
+  return decompose(strided(source, stride), strided(u, stride), height, w, strided(v, stride), width, limit, sorting);
 }
 
 inline QorStatus singularValues(const double* const* source, double* const* u, int32_t height, double* w, double* const* v,
                                 int32_t width, int32_t limit, Sorting sorting) {
   if (QorStatus bad = Checks().null(source, u, v, w).size(height, width, limit)) return bad;
-  return decompose(ListedRows{source}, ListedRows{u}, height, w, ListedRows{v}, width, limit, sorting);
+  return decompose(listed(source), listed(u), height, w, listed(v), width, limit, sorting);
 }
 
 inline QorStatus rotateColumns(double* const* rows, int32_t width, int32_t height, int32_t first, int32_t second, double c,

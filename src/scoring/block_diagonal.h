@@ -75,7 +75,9 @@ QorStatus scoreBlockDiagonal(const T* x, const T* mean, const Record* record, in
 inline float halvedInDouble(float sum, float val) {
   return static_cast<float>(static_cast<double>(val) - static_cast<double>(sum) * 0.5);
 }
-inline float halvedAndScaled(float sum, float val, int32_t scaleFactor) { return val - sum * qorPow2Neg_32f(scaleFactor) * 0.5F; }
+inline float halvedAndScaled(float sum, float val, int32_t scaleFactor) {
+  return val - sum * twoToMinus<float>(scaleFactor) * 0.5F;
+}
 
 // Saturated above and below, else truncated; 2^31 itself becomes the most negative value (required).
 inline int32_t saturatedAbove(float value) { return value > 2147483648.0F ? INT32_MAX : truncateOrLowest<int32_t>(value); }

@@ -106,11 +106,11 @@ struct RealSums {
       accumulate(first, x, m, v, r, width);
       const auto a = joinedTo<4>(first[0]), b = joinedTo<4>(first[1]);
       accumulate(second, x, m, v, r + 2, width);
-      joinHalves4(a, b, joinedTo<4>(second[0]), joinedTo<4>(second[1])).store(result);
+      joinHalves(a, b, joinedTo<4>(second[0]), joinedTo<4>(second[1])).store(result);
     } else {
       Lanes<Acc, H> sums[4];
       accumulate(sums, x, m, v, r, width);
-      joinHalves4(sums[0], sums[1], sums[2], sums[3]).store(result);
+      joinHalves(sums[0], sums[1], sums[2], sums[3]).store(result);
     }
   }
 };

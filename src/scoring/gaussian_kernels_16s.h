@@ -45,11 +45,11 @@ inline UnitRow loadFirst(UnitRow, const Tail<int16_t, N>&) {
 // The weights of a row's end, zeros where it does not reach; without variances ones.
 template <bool Overlaps>
 inline Lanes<float, 8> endWeights(const int16_t* row, const RowEnd& end) {
-  return toFloat(end.keep<1>(end.load<Overlaps>(row)));
+  return as<float>(end.keep<1>(end.load<Overlaps>(row)));
 }
 template <bool Overlaps>
 inline Lanes<float, 8> endWeights(UnitRow, const RowEnd& end) {
-  return toFloat(end.keep<1>(Lanes<int16_t, 8>(1)));
+  return as<float>(end.keep<1>(Lanes<int16_t, 8>(1)));
 }
 // A group of each of R rows, one behind the other.
 template <int R>
@@ -79,7 +79,7 @@ using qorsr::dropFirst;
 // d^2 * v of float lanes.
 template <int N>
 inline Lanes<float, N> weighted(const Lanes<float, N>& d, const Lanes<int16_t, N>& v) {
-  return d * d * toFloat(v);
+  return d * d * as<float>(v);
 }
 template <int N>
 inline Lanes<float, N> weighted(const Lanes<float, N>& d, UnitRow) {
@@ -89,11 +89,11 @@ inline Lanes<float, N> weighted(const Lanes<float, N>& d, UnitRow) {
 // Sums of neighbouring products a * v.
 template <int N>
 inline Lanes<uint32_t, N / 2> pairs(const Lanes<int16_t, N>& a, const Lanes<int16_t, N>& v) {
-  return asUnsigned(pairDots(a, v));
+  return as<uint32_t>(pairDots(a, v));
 }
 template <int N>
 inline Lanes<uint32_t, N / 2> pairs(const Lanes<int16_t, N>& a, UnitRow) {
-  return asUnsigned(pairDots(a, Lanes<int16_t, N>(1)));
+  return as<uint32_t>(pairDots(a, Lanes<int16_t, N>(1)));
 }
 
 inline int32_t difference(const int16_t* x, const int16_t* m) { return static_cast<int32_t>(*x) - *m; }
@@ -135,7 +135,7 @@ struct ShortSums {
     for (; c <= width - K; c += K) {
       for (int i = 0; i < R; ++i) {
         const auto d = subtractSaturated(shorts::load<K>(x[i] + c), shorts::load<K>(m[i] + c));
-        p[i] = shorts::weighted(toFloat(d), shorts::load<K>(v[i] + c));
+        p[i] = shorts::weighted(as<float>(d), shorts::load<K>(v[i] + c));
       }
       groups.add(p);
     }
@@ -143,7 +143,7 @@ struct ShortSums {
       const Tail<int16_t, K> group(8);
       for (int i = 0; i < R; ++i) {
         const auto d = subtractSaturated(group.load(x[i] + c), group.load(m[i] + c));
-        p[i] = shorts::weighted(toFloat(d), shorts::loadFirst(v[i] + c, group));
+        p[i] = shorts::weighted(as<float>(d), shorts::loadFirst(v[i] + c, group));
       }
       groups.add(p);
     }
@@ -165,7 +165,7 @@ struct ShortSums {
                                                const RowEnd& end) {
     Lanes<float, 8> p[R];
     for (int i = 0; i < R; ++i) {
-      const auto d = toFloat(end.load<Overlaps>(x[i])) - toFloat(end.load<Overlaps>(m[i]));
+      const auto d = as<float>(end.load<Overlaps>(x[i])) - as<float>(end.load<Overlaps>(m[i]));
       p[i] = d * d * shorts::endWeights<Overlaps>(v[i], end);
     }
     if constexpr (R == 1) {
@@ -214,7 +214,7 @@ struct ShortIntegerSums {
       if (!end.overlaps()) ends.template addEnds<false>(x, m, v, end);
       total = shifted(groups, ends);
     }
-    if constexpr (R == 4) asSigned(joinFours(total)).store(sums);
+    if constexpr (R == 4) as<int32_t>(joinFours(total)).store(sums);
     if constexpr (R == 1) *sums = static_cast<int32_t>(joinHalves(total));
     if (kUnit && width % 2 != 0) {
       for (int i = 0; i < R; ++i) sums[i] = wrapAdd(sums[i], lastOfUnit(x[i] + width - 1, m[i] + width - 1));
@@ -267,13 +267,13 @@ struct ShortIntegerSums {
   template <int N>
   Lanes<uint32_t, N> shifted(const Halves<N>& a) const {
     const Lanes<uint32_t, N> zero(0);
-    return asUnsigned(upper_(asSigned(zero - a.upper))) + asUnsigned(lower_(asSigned(zero - a.lower)));
+    return as<uint32_t>(upper_(as<int32_t>(zero - a.upper))) + as<uint32_t>(lower_(as<int32_t>(zero - a.lower)));
   }
   template <int N>
   Lanes<uint32_t, N> shifted(const Halves<N>& a, const Halves<N>& b) const {
     if (scaleFactor_ < 0 || scaleFactor_ > 15) return shifted(a) + shifted(b);
     const Lanes<uint32_t, N> zero(0);
-    const auto right = [&](const Lanes<uint32_t, N>& l) { return asUnsigned(shiftRight(asSigned(l), scaleFactor_)); };
+    const auto right = [&](const Lanes<uint32_t, N>& l) { return as<uint32_t>(shiftRight(as<int32_t>(l), scaleFactor_)); };
     return shiftLeft(zero - (a.upper + b.upper), 15 - scaleFactor_) + (right(zero - a.lower) + right(zero - b.lower));
   }
 
@@ -299,7 +299,7 @@ struct ShortPairSums {
     Lanes<float, 4> total[R];
     for (int i = 0; i < R; ++i) total[i] = rowLanes(xs[r + i], ms[r + i], width);
     if constexpr (R == 4) {
-      joinHalves4(total[0], total[1], total[2], total[3]).store(sums);
+      joinHalves(total[0], total[1], total[2], total[3]).store(sums);
     } else {
       *sums = joinHalves(total[0]);
     }
@@ -316,7 +316,7 @@ struct ShortPairSums {
     int32_t c = 0;
     const auto add = [&](const Lanes<int16_t, 8>& a, const Lanes<int16_t, 8>& b) {
       const Lanes<int16_t, 8> d = subtractSaturated(a, b);
-      total += toFloat(pairDots(d, d));
+      total += as<float>(pairDots(d, d));
     };
     for (; c <= width - 8; c += 8) add(shorts::load<8>(x + c), shorts::load<8>(m + c));
     if (const int32_t rest = (width - c) / 2 * 2; rest > 0) {

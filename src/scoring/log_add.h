@@ -135,8 +135,8 @@ struct AccurateLogAdd {
     return logAdd<LogAddFloat>(a, b, [](const Lanes<float, N>& d, const Lanes<float, N>& hi) {
       constexpr auto kHigh = static_cast<float>(LogAddFloat::kHigh), kLow = static_cast<float>(LogAddFloat::kLow);
       const ThreeWay<float, N> range(d, kHigh, kLow);
-      const ThreeWay<double, N> wideRange(widen(d), static_cast<double>(kHigh), static_cast<double>(kLow));
-      return narrow(addByParity<LogAddFloat>(wideRange, widen(hi), widen(distanceInRange<LogAddFloat>(range, d))));
+      const ThreeWay<double, N> wideRange(as<double>(d), static_cast<double>(kHigh), static_cast<double>(kLow));
+      return as<float>(addByParity<LogAddFloat>(wideRange, as<double>(hi), as<double>(distanceInRange<LogAddFloat>(range, d))));
     });
   }
 };

@@ -23,10 +23,10 @@ QorStatus qorsLogSub_64f(const double* source, double* result, int32_t length) {
   return logSubAll(source, result, length, LogSubOfDoubles());
 }
 QorStatus qorsLogSub_16s_Sfs(const int16_t* source, int16_t* result, int32_t length, int32_t scaleFactor) {
-  return logSubAll(source, result, length, LogSubOfIntegers<int16_t>{qorPow2Neg_32f(scaleFactor)});
+  return logSubAll(source, result, length, LogSubOfIntegers<int16_t>{twoToMinus<float>(scaleFactor)});
 }
 QorStatus qorsLogSub_32s_Sfs(const int32_t* source, int32_t* result, int32_t length, int32_t scaleFactor) {
-  return logSubAll(source, result, length, LogSubOfIntegers<int32_t>{qorPow2Neg_32f(scaleFactor)});
+  return logSubAll(source, result, length, LogSubOfIntegers<int32_t>{twoToMinus<float>(scaleFactor)});
 }
 
 QorStatus qorsLogSum_32f(const float* source, float* result, int32_t length, int32_t) { return logSumAll(source, result, length); }

@@ -58,17 +58,17 @@ QorStatus logAddAll(const T* source, T* result, int32_t length, int32_t hint) {
 }
 
 inline QorStatus fromFloats(const float* source, int16_t* result, int32_t length, int32_t scaleFactor) {
-  return qorConvert_32f16s_Sfs(source, result, length, kTruncate, scaleFactor);
+  return convertFloats(source, result, length, kTruncate, scaleFactor);
 }
 inline QorStatus fromFloats(const float* source, int32_t* result, int32_t length, int32_t scaleFactor) {
-  return qorConvert_32f32s_Sfs(source, result, length, kTruncate, scaleFactor);
+  return convertFloats(source, result, length, kTruncate, scaleFactor);
 }
 
 // With an unknown hint the result still goes to float and back, and may lose its low bits (required).
 template <class Int>
 QorStatus logAddScaled(const Int* source, Int* result, int32_t length, int32_t scaleFactor, int32_t hint) {
   if (QorStatus bad = Checks().size(length).null(source, result)) return bad;
-  const auto factor = static_cast<float>(qorPow2Neg_64f(scaleFactor));
+  const auto factor = static_cast<float>(twoToMinus<double>(scaleFactor));
   const int32_t back = scaleFactor == INT32_MIN ? INT32_MAX : -scaleFactor;
   Scratch<float, kLogChunk> a(kLogChunk), b(kLogChunk);
   for (int32_t left = length; left > 0;) {
@@ -182,7 +182,7 @@ inline double longLogSum(const Int* source, int32_t length, float factor) {
 template <class Int>
 QorStatus logSumScaled(const Int* source, Int* result, int32_t length, int32_t scaleFactor) {
   if (QorStatus bad = Checks().size(length).null(source, result)) return bad;
-  const double factor = qorPow2Neg_64f(scaleFactor);
+  const double factor = twoToMinus<double>(scaleFactor);
   if (length == 1) {
     *result = *source;
   } else {

@@ -93,7 +93,7 @@ QorStatus blockMatrixInitAlloc(Record** record, const T* const* rows, const int3
     return bad;
   }
   const BlockMatrixLayout<T> layout(blockSizes, blockCount);
-  uint8_t* const base = qorAlloc_8u(layout.total);
+  uint8_t* const base = allocateElements<uint8_t>(layout.total);
   if (base == nullptr) return qorStatusNoMemory;
   *record = static_cast<Record*>(placeBlockMatrix(base, layout, rows, blockSizes, blockCount));
   return qorStatusOk;
@@ -102,7 +102,7 @@ QorStatus blockMatrixInitAlloc(Record** record, const T* const* rows, const int3
 template <class T>
 QorStatus blockMatrixFree(BlockMatrix<T>* record) {
   if (QorStatus bad = Checks().null(record)) return bad;
-  qorRelease(record->base);
+  release(record->base);
   return qorStatusOk;
 }
 

@@ -61,15 +61,17 @@ struct Distance {
 // ---- 16 bits ----
 
 // The float 2^-(sf + 1): infinite, or zero, at the ends.
-inline float halvedPower(int32_t scaleFactor) { return qorPow2Neg_32f(scaleFactor == INT32_MAX ? scaleFactor : scaleFactor + 1); }
+inline float halvedPower(int32_t scaleFactor) {
+  return twoToMinus<float>(scaleFactor == INT32_MAX ? scaleFactor : scaleFactor + 1);
+}
 
 // Multiplies by 2^-(sf + 1), exactly where the product is a float: in two steps, since one float does not hold every such power.
 class ExactPower {
  public:
   explicit ExactPower(int32_t scaleFactor) {
     const auto e = static_cast<int32_t>(std::clamp<int64_t>(int64_t{scaleFactor} + 1, -252, 252));
-    first_ = qorPow2Neg_32f(e / 2);
-    second_ = qorPow2Neg_32f(e - e / 2);
+    first_ = twoToMinus<float>(e / 2);
+    second_ = twoToMinus<float>(e - e / 2);
   }
   float operator()(float sum) const { return sum * first_ * second_; }
 

@@ -124,7 +124,7 @@ void scoreSelectedGathered(const Score& score, const Frames& frames, const Gauss
     RunningLogSum<float> sum;
     int32_t count = 0;
     const auto addAll = [&] {
-      const Gaussians chosen{ListedRows{means}, ListedRows{variances}};
+      const Gaussians chosen{listed(means), listed(variances)};
       scoreRows<Write>(score, SharedRow{frames[f]}, chosen, chosenVals, sum.chunk(), count, width);
       sum.add(count);
       count = 0;

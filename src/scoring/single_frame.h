@@ -75,7 +75,7 @@ QorStatus scoreByDivision(const T* x, const T* mean, const T* variance, int32_t 
 // val - (the sum, scaled and rounded to 32 bits), limited.
 inline int32_t subtractConverted(float sum, int32_t val, int32_t scaleFactor) {
   int32_t scaled;
-  qorConvert_32f32s_Sfs(&sum, &scaled, 1, kNearestEven, scaleFactor == INT32_MAX ? scaleFactor : scaleFactor + 1);
+  convertFloats(&sum, &scaled, 1, kNearestEven, scaleFactor == INT32_MAX ? scaleFactor : scaleFactor + 1);
   return saturate<int32_t>(int64_t{val} - scaled);
 }
 

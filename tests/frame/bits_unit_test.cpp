@@ -187,25 +187,25 @@ Real powerBySteps(int32_t n) {
 }
 
 TEST(Bits, PowersOfTwoInFloat) {
-  for (int32_t n = -300; n <= 300; ++n) EXPECT_BITS(qorPow2Neg_32f(n), powerBySteps<float>(n)) << "n = " << n;
-  EXPECT_EQ(qorPow2Neg_32f(-128), std::numeric_limits<float>::infinity());
-  EXPECT_EQ(qorPow2Neg_32f(-127), 0x1p127F);
-  EXPECT_EQ(qorPow2Neg_32f(126), std::numeric_limits<float>::min());
-  EXPECT_EQ(qorPow2Neg_32f(149), std::numeric_limits<float>::denorm_min());
-  EXPECT_BITS(qorPow2Neg_32f(150), 0.0F);
-  EXPECT_BITS(qorPow2Neg_32f(INT32_MAX), 0.0F);
-  EXPECT_EQ(qorPow2Neg_32f(INT32_MIN), std::numeric_limits<float>::infinity());
+  for (int32_t n = -300; n <= 300; ++n) EXPECT_BITS(twoToMinus<float>(n), powerBySteps<float>(n)) << "n = " << n;
+  EXPECT_EQ(twoToMinus<float>(-128), std::numeric_limits<float>::infinity());
+  EXPECT_EQ(twoToMinus<float>(-127), 0x1p127F);
+  EXPECT_EQ(twoToMinus<float>(126), std::numeric_limits<float>::min());
+  EXPECT_EQ(twoToMinus<float>(149), std::numeric_limits<float>::denorm_min());
+  EXPECT_BITS(twoToMinus<float>(150), 0.0F);
+  EXPECT_BITS(twoToMinus<float>(INT32_MAX), 0.0F);
+  EXPECT_EQ(twoToMinus<float>(INT32_MIN), std::numeric_limits<float>::infinity());
 }
 
 TEST(Bits, PowersOfTwoInDouble) {
-  for (int32_t n = -1200; n <= 1200; ++n) EXPECT_BITS(qorPow2Neg_64f(n), powerBySteps<double>(n)) << "n = " << n;
-  EXPECT_EQ(qorPow2Neg_64f(-1024), std::numeric_limits<double>::infinity());
-  EXPECT_EQ(qorPow2Neg_64f(-1023), 0x1p1023);
-  EXPECT_EQ(qorPow2Neg_64f(1022), std::numeric_limits<double>::min());
-  EXPECT_EQ(qorPow2Neg_64f(1074), std::numeric_limits<double>::denorm_min());
-  EXPECT_BITS(qorPow2Neg_64f(1075), 0.0);
-  EXPECT_BITS(qorPow2Neg_64f(INT32_MAX), 0.0);
-  EXPECT_EQ(qorPow2Neg_64f(INT32_MIN), std::numeric_limits<double>::infinity());
+  for (int32_t n = -1200; n <= 1200; ++n) EXPECT_BITS(twoToMinus<double>(n), powerBySteps<double>(n)) << "n = " << n;
+  EXPECT_EQ(twoToMinus<double>(-1024), std::numeric_limits<double>::infinity());
+  EXPECT_EQ(twoToMinus<double>(-1023), 0x1p1023);
+  EXPECT_EQ(twoToMinus<double>(1022), std::numeric_limits<double>::min());
+  EXPECT_EQ(twoToMinus<double>(1074), std::numeric_limits<double>::denorm_min());
+  EXPECT_BITS(twoToMinus<double>(1075), 0.0);
+  EXPECT_BITS(twoToMinus<double>(INT32_MAX), 0.0);
+  EXPECT_EQ(twoToMinus<double>(INT32_MIN), std::numeric_limits<double>::infinity());
 }
 
 }  // namespace

@@ -82,14 +82,14 @@ TEST(Rows, AlignmentOfRowPointers) {
   alignas(16) float block[40] = {};
   const float* aligned[] = {block, block + 4, block + 36};
   const float* one[] = {block, block + 4, block + 5};
-  EXPECT_TRUE(qorRowsAligned(aligned, 3));
-  EXPECT_FALSE(qorRowsAligned(one, 3));
-  EXPECT_TRUE(qorRowsAligned(one, 2));
-  EXPECT_TRUE(qorRowsAligned(one, 0));
-  EXPECT_TRUE(qorRowsAligned(one, -5));
-  EXPECT_TRUE(qorRowsAligned(static_cast<const float* const*>(nullptr), 0));
+  EXPECT_TRUE(rowsAligned(aligned, 3));
+  EXPECT_FALSE(rowsAligned(one, 3));
+  EXPECT_TRUE(rowsAligned(one, 2));
+  EXPECT_TRUE(rowsAligned(one, 0));
+  EXPECT_TRUE(rowsAligned(one, -5));
+  EXPECT_TRUE(rowsAligned(static_cast<const float* const*>(nullptr), 0));
   const float* nothing[] = {nullptr};
-  EXPECT_TRUE(qorRowsAligned(nothing, 1));
+  EXPECT_TRUE(rowsAligned(nothing, 1));
 }
 
 }  // namespace

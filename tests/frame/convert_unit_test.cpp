@@ -23,10 +23,10 @@ namespace {
 using namespace qorsr;
 
 QorStatus convert(const float* source, int16_t* destination, int32_t length, int mode, int32_t sf) {
-  return qorConvert_32f16s_Sfs(source, destination, length, mode, sf);
+  return convertFloats(source, destination, length, mode, sf);
 }
 QorStatus convert(const float* source, int32_t* destination, int32_t length, int mode, int32_t sf) {
-  return qorConvert_32f32s_Sfs(source, destination, length, mode, sf);
+  return convertFloats(source, destination, length, mode, sf);
 }
 
 constexpr int kModes[] = {kTruncate, kNearestEven, kNearestAway, 3, -1, INT_MAX};

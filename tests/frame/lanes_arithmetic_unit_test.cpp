@@ -211,13 +211,13 @@ void expectJoinsOfFour() {
       set[i] = random.vector<float>(N, kit::kKinds[round % 3]);
       x[i] = lanesOf<float, N>(set[i]);
     }
-    const auto joined = joinHalves4(x[0], x[1], x[2], x[3]);
+    const auto joined = joinHalves(x[0], x[1], x[2], x[3]);
     ASSERT_BITS(valuesOf(joined), (std::vector<float>{joinHalves(x[0]), joinHalves(x[1]), joinHalves(x[2]), joinHalves(x[3])}))
         << N;
     if constexpr (N == 4) {
       ASSERT_BITS(valuesOf(joinNeighbours4(x[0], x[1], x[2], x[3])),
                   (std::vector<float>{joinNeighbours(x[0]), joinNeighbours(x[1]), joinNeighbours(x[2]), joinNeighbours(x[3])}));
-      const Turned turned = turn4(x[0], x[1], x[2], x[3]);
+      const Transposed turned = transposed(x[0], x[1], x[2], x[3]);
       for (std::size_t j = 0; j < 4; ++j) {
         ASSERT_BITS(valuesOf(turned.lane[j]), (std::vector<float>{set[0][j], set[1][j], set[2][j], set[3][j]})) << j;
       }

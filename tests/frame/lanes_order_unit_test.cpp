@@ -36,44 +36,78 @@ std::vector<T> valuesOf(const LanesPair<T, N>& pair) {
   return v;
 }
 
+// Any order, lane by lane.
+template <auto Order, int M, class T, int N>
+void expectPermuted(const std::vector<T>& a, const std::vector<T>& b) {
+  std::vector<T> both = a, expected;
+  both.insert(both.end(), b.begin(), b.end());
+  for (int i = 0; i < M; ++i) expected.push_back(both[static_cast<std::size_t>(Order(i, N))]);
+  EXPECT_BITS(valuesOf(permuted<Order, M>(lanesOf<T, N>(a), lanesOf<T, N>(b))), expected) << N << " lanes to " << M;
+}
+
+constexpr int firstOfBoth(int i, int n) { return i * n; }
+constexpr int rotated(int i, int n) { return n - 1 + i; }
+constexpr int pairsSwapped(int i, int) { return i ^ 1; }
+
 template <class T, int N, int G>
-void expectZip(const std::vector<T>& a, const std::vector<T>& b) {
-  std::vector<T> turned;
+void expectInterleaved(const std::vector<T>& a, const std::vector<T>& b) {
+  std::vector<T> expected;
   for (std::size_t group = 0; group < N / G; ++group) {
-    turned.insert(turned.end(), a.begin() + group * G, a.begin() + (group + 1) * G);
-    turned.insert(turned.end(), b.begin() + group * G, b.begin() + (group + 1) * G);
+    expected.insert(expected.end(), a.begin() + group * G, a.begin() + (group + 1) * G);
+    expected.insert(expected.end(), b.begin() + group * G, b.begin() + (group + 1) * G);
   }
-  EXPECT_BITS(valuesOf(zip<G>(lanesOf<T, N>(a), lanesOf<T, N>(b))), turned) << N << " lanes, " << G << " at a time";
+  EXPECT_BITS(valuesOf(interleaved<G>(lanesOf<T, N>(a), lanesOf<T, N>(b))), expected) << N << " lanes, " << G << " at a time";
 }
 
 template <class T, int N>
 void expectOrders() {
-  if constexpr (N * static_cast<int>(sizeof(T)) <= kNativeBytes) {
-    kit::Random random(N);
-    const auto a = random.vector<T>(N), b = random.vector<T>(N);
-    EXPECT_BITS(valuesOf(reversed(lanesOf<T, N>(a))), std::vector<T>(a.rbegin(), a.rend())) << N;
-    if constexpr (N > 1) {
-      expectZip<T, N, 1>(a, b);
-      if constexpr (N > 2) expectZip<T, N, 2>(a, b);
-      if constexpr (N > 4) expectZip<T, N, 4>(a, b);
-      const auto there = zip<1>(lanesOf<T, N>(a), lanesOf<T, N>(b));
-      std::vector<T> both = a;
-      both.insert(both.end(), b.begin(), b.end());
-      EXPECT_BITS(valuesOf(unzip(there.first, there.second)), both) << N;
-    }
+  kit::Random random(N);
+  const auto a = random.vector<T>(N), b = random.vector<T>(N);
+  std::vector<T> both = a;
+  both.insert(both.end(), b.begin(), b.end());
+  EXPECT_BITS(valuesOf(reversed(lanesOf<T, N>(a))), std::vector<T>(a.rbegin(), a.rend())) << N;
+  EXPECT_BITS(valuesOf(concatenated(lanesOf<T, N>(a), lanesOf<T, N>(b))), both) << N;
+  expectPermuted<firstOfBoth, 2, T, N>(a, b);
+  expectPermuted<firstOfBoth, 1, T, N>(a, b);
+  expectPermuted<rotated, N, T, N>(a, b);
+  if constexpr (N > 1) {
+    expectPermuted<pairsSwapped, N, T, N>(a, b);
+    EXPECT_BITS(valuesOf(lowerHalf(lanesOf<T, N>(a))), std::vector<T>(a.begin(), a.begin() + N / 2)) << N;
+    EXPECT_BITS(valuesOf(upperHalf(lanesOf<T, N>(a))), std::vector<T>(a.begin() + N / 2, a.end())) << N;
+    EXPECT_BITS(valuesOf(shiftIn<1>(lanesOf<T, N>(a), lanesOf<T, N>(b))), std::vector<T>(both.begin() + N - 1, both.end() - 1));
+    expectInterleaved<T, N, 1>(a, b);
+    if constexpr (N > 2) expectInterleaved<T, N, 2>(a, b);
+    if constexpr (N > 4) expectInterleaved<T, N, 4>(a, b);
+    const auto there = interleaved(lanesOf<T, N>(a), lanesOf<T, N>(b));
+    EXPECT_BITS(valuesOf(deinterleaved(there.first, there.second)), both) << N;
   }
 }
 
-TEST(LanesOrder, ReversedZippedAndUnzipped) {
+TEST(LanesOrder, PermutedInterleavedAndHalved) {
   expectOrders<float, 1>();
   expectOrders<float, 2>();
   expectOrders<float, 4>();
   expectOrders<float, 8>();
   expectOrders<float, 16>();
+  expectOrders<float, 64>();
   expectOrders<double, 2>();
   expectOrders<double, 4>();
   expectOrders<double, 8>();
+  expectOrders<double, 32>();
   expectOrders<int32_t, 4>();
+  expectOrders<int16_t, 8>();
+  expectOrders<int16_t, 32>();
+}
+
+TEST(LanesOrder, FourSetsTransposed) {
+  kit::Random random(4);
+  std::vector<std::vector<float>> rows;
+  for (int r = 0; r < 4; ++r) rows.push_back(random.vector<float>(4));
+  const auto t =
+      transposed(lanesOf<float, 4>(rows[0]), lanesOf<float, 4>(rows[1]), lanesOf<float, 4>(rows[2]), lanesOf<float, 4>(rows[3]));
+  for (std::size_t j = 0; j < 4; ++j) {
+    EXPECT_BITS(valuesOf(t.lane[j]), (std::vector<float>{rows[0][j], rows[1][j], rows[2][j], rows[3][j]})) << j;
+  }
 }
 
 template <int N>
@@ -93,7 +127,7 @@ void expectShorts() {
     const SplitSquare<N> split = splitSquare(x);
     ASSERT_BITS(valuesOf(split.upper), upper) << N;
     ASSERT_BITS(valuesOf(split.halvedLower), halvedLower) << N;
-    ASSERT_BITS(valuesOf(toFloat(x)), floats) << N;
+    ASSERT_BITS(valuesOf(as<float>(x)), floats) << N;
 
     const auto wide = random.vector<int32_t>(N, kit::kKinds[round % 3]);
     std::vector<float> rounded;
@@ -102,9 +136,9 @@ void expectShorts() {
       rounded.push_back(static_cast<float>(v));
       bits.push_back(static_cast<uint32_t>(v));
     }
-    ASSERT_BITS(valuesOf(toFloat(lanesOf<int32_t, N>(wide))), rounded) << N;
-    ASSERT_BITS(valuesOf(asUnsigned(lanesOf<int32_t, N>(wide))), bits) << N;
-    ASSERT_BITS(valuesOf(asSigned(asUnsigned(lanesOf<int32_t, N>(wide)))), wide) << N;
+    ASSERT_BITS(valuesOf(as<float>(lanesOf<int32_t, N>(wide))), rounded) << N;
+    ASSERT_BITS(valuesOf(as<uint32_t>(lanesOf<int32_t, N>(wide))), bits) << N;
+    ASSERT_BITS(valuesOf(as<int32_t>(as<uint32_t>(lanesOf<int32_t, N>(wide)))), wide) << N;
   }
 }
 

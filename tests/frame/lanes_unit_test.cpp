@@ -59,18 +59,28 @@ TEST(Lanes, SelectionsOfDoubles) {
   expectSelections<double, 32>();
 }
 
-template <int N>
-void expectConversions() {
+template <class To, class From, int N>
+void expectConversion() {
   kit::Random random(N);
   for (int round = 0; round < 20; ++round) {
-    const auto f = random.vector<float>(N, kit::kKinds[round % 3]);
-    const auto d = random.vector<double>(N, kit::kKinds[round % 3]);
-    const std::vector<double> widened(f.begin(), f.end());
-    std::vector<float> narrowed;
-    for (const double x : d) narrowed.push_back(static_cast<float>(x));
-    ASSERT_BITS(valuesOf(qorsr::widen(Lanes<float, N>::load(f.data()))), widened);
-    ASSERT_BITS(valuesOf(qorsr::narrow(Lanes<double, N>::load(d.data()))), narrowed);
+    const auto a = random.vector<From>(N, kit::kKinds[round % 3]);
+    std::vector<To> expected;
+    for (const From x : a) expected.push_back(static_cast<To>(x));
+    ASSERT_BITS(valuesOf(qorsr::as<To>(Lanes<From, N>::load(a.data()))), expected) << N;
   }
+}
+
+template <int N>
+void expectConversions() {
+  expectConversion<double, float, N>();
+  expectConversion<float, double, N>();
+  expectConversion<double, int32_t, N>();
+  expectConversion<float, int32_t, N>();
+  expectConversion<float, int16_t, N>();
+  expectConversion<double, int16_t, N>();
+  expectConversion<int32_t, int16_t, N>();
+  expectConversion<uint32_t, int32_t, N>();
+  expectConversion<int32_t, uint32_t, N>();
 }
 
 TEST(Lanes, Conversions) {
@@ -94,8 +104,8 @@ void expectIntegers() {
     std::vector<int16_t> limited;
     for (const int32_t v : y) limited.push_back(qorsr::saturate<int16_t>(v));
     ASSERT_BITS(valuesOf(qorsr::saturated(lower, upper)), limited);
-    ASSERT_BITS(valuesOf(qorsr::lowerWidened(lx)), std::vector<int32_t>(x.begin(), x.begin() + N / 2));
-    ASSERT_BITS(valuesOf(qorsr::upperWidened(lx)), std::vector<int32_t>(x.begin() + N / 2, x.end()));
+    ASSERT_BITS(valuesOf(qorsr::lowerHalf(as<int32_t>(lx))), std::vector<int32_t>(x.begin(), x.begin() + N / 2));
+    ASSERT_BITS(valuesOf(qorsr::upperHalf(as<int32_t>(lx))), std::vector<int32_t>(x.begin() + N / 2, x.end()));
     for (const int64_t sf : {int64_t{0}, int64_t{1}, int64_t{15}, int64_t{31}, int64_t{32}, int64_t{1} << 40, int64_t{-1},
                              int64_t{-31}, int64_t{-32}, -(int64_t{1} << 40)}) {
       std::vector<int32_t> shifted;
@@ -157,7 +167,7 @@ void expectWholeNumbers() {
     }
     ASSERT_BITS(valuesOf(lx >> count), right);
     ASSERT_BITS(valuesOf(shiftLeft(lx, count)), left);
-    ASSERT_BITS(valuesOf(narrowSaturated(lx)), narrow);
+    ASSERT_BITS(valuesOf(saturated(lx)), narrow);
     ASSERT_BITS(valuesOf(subtractSaturated(la, lb)), difference);
     ASSERT_BITS(leastLane(lx), least);
   }

@@ -31,7 +31,7 @@ void expectWrapper(Allocate allocate, int64_t elementSize) {
     EXPECT_EQ(Core::calls(), calls + 1);
     EXPECT_EQ(Core::lastSize(), count * elementSize);
     EXPECT_EQ(Core::outstanding(), held + 1);
-    qorRelease(block);
+    release(block);
     EXPECT_EQ(Core::outstanding(), held);
   }
   Core::refuse(0);
@@ -40,10 +40,10 @@ void expectWrapper(Allocate allocate, int64_t elementSize) {
 }
 
 TEST(Memory, Wrappers) {
-  expectWrapper(qorAlloc_8u, 1);
-  expectWrapper(qorAlloc_16s, 2);
-  expectWrapper(qorAlloc_32s, 4);
-  expectWrapper(qorAlloc_64f, 8);
+  expectWrapper(allocateElements<uint8_t>, 1);
+  expectWrapper(allocateElements<int16_t>, 2);
+  expectWrapper(allocateElements<int32_t>, 4);
+  expectWrapper(allocateElements<double>, 8);
   expectWrapper([](int64_t bytes) { return allocateBytes(bytes); }, 1);
 }
 

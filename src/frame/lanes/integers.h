@@ -7,7 +7,7 @@
 #include <type_traits>
 #include <utility>
 
-#include "frame/lanes/values.h"
+#include "frame/lanes/permuted.h"
 
 namespace qorsr {
 
@@ -55,58 +55,7 @@ inline Lanes<int16_t, N> subtractSaturated(const Lanes<int16_t, N>& a, const Lan
   return Lanes<int16_t, N>::each(a, b, [](auto x, auto y) { return native::subtractSaturated(x, y); });
 }
 
-// ---- Shuffles and products in one native register ----
-
-// As many as one native register holds.
-template <class T>
-inline constexpr int kNativeLanes = kNativeBytes / static_cast<int>(sizeof(T));
-
-namespace native {
-template <int K, class V, std::size_t... I>
-inline V shiftIn(V a, V b, std::index_sequence<I...>) {
-  constexpr int kCount = sizeof...(I);
-  return __builtin_shufflevector(a, b, (kCount - K + static_cast<int>(I))...);
-}
-}  // namespace native
-
-// The last K lanes of a, then the first N - K of b: lane i is element i - K where a and b are loaded side by side.
-template <int K, class T, int N>
-inline Lanes<T, N> shiftIn(const Lanes<T, N>& a, const Lanes<T, N>& b) {
-  static_assert(Lanes<T, N>::kParts == 1 && K <= N);
-  Lanes<T, N> v;
-  v.part[0] = native::shiftIn<K>(a.part[0], b.part[0], std::make_index_sequence<static_cast<std::size_t>(N)>());
-  return v;
-}
-
-namespace native {
-template <class V, std::size_t... I>
-inline V interleaveLower(V a, V b, std::index_sequence<I...>) {
-  constexpr int kCount = sizeof...(I);
-  return __builtin_shufflevector(a, b, (I % 2 == 0 ? static_cast<int>(I / 2) : kCount + static_cast<int>(I / 2))...);
-}
-template <class V, std::size_t... I>
-inline V interleaveUpper(V a, V b, std::index_sequence<I...>) {
-  constexpr int kCount = sizeof...(I), kHalf = kCount / 2;
-  return __builtin_shufflevector(a, b,
-                                 (I % 2 == 0 ? kHalf + static_cast<int>(I / 2) : kCount + kHalf + static_cast<int>(I / 2))...);
-}
-}  // namespace native
-
-// a0 b0 a1 b1 ... of the lower halves, and of the upper halves.
-template <class T, int N>
-inline Lanes<T, N> interleaveLower(const Lanes<T, N>& a, const Lanes<T, N>& b) {
-  static_assert(Lanes<T, N>::kParts == 1);
-  Lanes<T, N> v;
-  v.part[0] = native::interleaveLower(a.part[0], b.part[0], std::make_index_sequence<N>());
-  return v;
-}
-template <class T, int N>
-inline Lanes<T, N> interleaveUpper(const Lanes<T, N>& a, const Lanes<T, N>& b) {
-  static_assert(Lanes<T, N>::kParts == 1);
-  Lanes<T, N> v;
-  v.part[0] = native::interleaveUpper(a.part[0], b.part[0], std::make_index_sequence<N>());
-  return v;
-}
+// ---- Products ----
 
 namespace native {
 template <int W>
@@ -165,16 +114,6 @@ class ScaleShift {
   uint32_t kept_;
 };
 
-// int16 lanes widened: the lower half of them, and the upper half.
-template <int N>
-inline Lanes<int32_t, N / 2> lowerWidened(const Lanes<int16_t, N>& a) {
-  return std::bit_cast<Lanes<int32_t, N / 2>>(interleaveLower(Lanes<int16_t, N>(0), a)) >> 16;
-}
-template <int N>
-inline Lanes<int32_t, N / 2> upperWidened(const Lanes<int16_t, N>& a) {
-  return std::bit_cast<Lanes<int32_t, N / 2>>(interleaveUpper(Lanes<int16_t, N>(0), a)) >> 16;
-}
-
 // Two halves in one, each lane limited to 16 bits.
 template <int N>
 inline Lanes<int16_t, 2 * N> saturated(const Lanes<int32_t, N>& lower, const Lanes<int32_t, N>& upper) {
@@ -210,7 +149,7 @@ inline Lanes<int16_t, 2 * N> saturated(const Lanes<int32_t, N>& lower, const Lan
 
 // Lanes limited to -32768 to 32767.
 template <int N>
-inline Lanes<int16_t, N> narrowSaturated(const Lanes<int32_t, N>& a) {
+inline Lanes<int16_t, N> saturated(const Lanes<int32_t, N>& a) {
   using L = Lanes<int16_t, N>;
   L v;
   for (int i = 0; i < L::kParts; ++i) {
@@ -225,16 +164,6 @@ inline Lanes<int16_t, N> narrowSaturated(const Lanes<int32_t, N>& a) {
     }
   }
   return v;
-}
-
-// Lanes taken as unsigned and widened: the lower half of them, and the upper half.
-template <int N>
-inline Lanes<int64_t, N / 2> lowerUnsigned(const Lanes<int32_t, N>& a) {
-  return std::bit_cast<Lanes<int64_t, N / 2>>(interleaveLower(a, Lanes<int32_t, N>(0)));
-}
-template <int N>
-inline Lanes<int64_t, N / 2> upperUnsigned(const Lanes<int32_t, N>& a) {
-  return std::bit_cast<Lanes<int64_t, N / 2>>(interleaveUpper(a, Lanes<int32_t, N>(0)));
 }
 
 }  // namespace qorsr

@@ -6,35 +6,9 @@
 #include <cstring>
 #include <utility>
 
-#include "frame/lanes/values.h"
+#include "frame/lanes/permuted.h"
 
 namespace qorsr {
-
-// Lanes 0 to N/2 - 1, and N/2 to N - 1.
-template <class T, int N>
-inline Lanes<T, N / 2> lowerHalf(const Lanes<T, N>& a) {
-  Lanes<T, N / 2> v;
-  if constexpr (Lanes<T, N>::kParts > 1) {
-    for (int i = 0; i < v.kParts; ++i) v.part[i] = a.part[i];
-  } else if constexpr (N == 2) {
-    v.part[0] = a.part[0][0];
-  } else {
-    v.part[0] = native::pick<typename Lanes<T, N / 2>::Part>(a.part[0], std::make_index_sequence<N / 2>());
-  }
-  return v;
-}
-template <class T, int N>
-inline Lanes<T, N / 2> upperHalf(const Lanes<T, N>& a) {
-  Lanes<T, N / 2> v;
-  if constexpr (Lanes<T, N>::kParts > 1) {
-    for (int i = 0; i < v.kParts; ++i) v.part[i] = a.part[v.kParts + i];
-  } else if constexpr (N == 2) {
-    v.part[0] = a.part[0][1];
-  } else {
-    v.part[0] = native::upper(a.part[0], std::make_index_sequence<N / 2>());
-  }
-  return v;
-}
 
 // Sum of all lanes, lane i with lane i + N/2 at every step: for 8 lanes ((l0+l4)+(l2+l6)) + ((l1+l5)+(l3+l7)).
 template <class T, int N>
@@ -64,22 +38,15 @@ inline T joinNeighbours(const Lanes<T, 4>& a) {
   return (l[0] + l[1]) + (l[2] + l[3]);
 }
 
-// Four lane sets turned: lane i of `lane[j]` is lane j of set i. What is then added lane by lane is the join of each set.
-struct Turned {
+// Four lane sets transposed: lane i of `lane[j]` is lane j of set i. What is then added lane by lane is the join of each set.
+struct Transposed {
   Lanes<float, 4> lane[4];
 };
-inline Turned turn4(const Lanes<float, 4>& a, const Lanes<float, 4>& b, const Lanes<float, 4>& c, const Lanes<float, 4>& d) {
-  using V = native::Vector<float, 4>;
-  const V ab01 = __builtin_shufflevector(a.part[0], b.part[0], 0, 4, 1, 5);  // a0 b0 a1 b1
-  const V ab23 = __builtin_shufflevector(a.part[0], b.part[0], 2, 6, 3, 7);  // a2 b2 a3 b3
-  const V cd01 = __builtin_shufflevector(c.part[0], d.part[0], 0, 4, 1, 5);
-  const V cd23 = __builtin_shufflevector(c.part[0], d.part[0], 2, 6, 3, 7);
-  Turned t;
-  t.lane[0].part[0] = __builtin_shufflevector(ab01, cd01, 0, 1, 4, 5);
-  t.lane[1].part[0] = __builtin_shufflevector(ab01, cd01, 2, 3, 6, 7);
-  t.lane[2].part[0] = __builtin_shufflevector(ab23, cd23, 0, 1, 4, 5);
-  t.lane[3].part[0] = __builtin_shufflevector(ab23, cd23, 2, 3, 6, 7);
-  return t;
+inline Transposed transposed(const Lanes<float, 4>& a, const Lanes<float, 4>& b, const Lanes<float, 4>& c,
+                             const Lanes<float, 4>& d) {
+  const auto ab = interleaved(a, b), cd = interleaved(c, d);
+  return {permuted<order::lowerHalves>(ab.first, cd.first), permuted<order::upperHalves>(ab.first, cd.first),
+          permuted<order::lowerHalves>(ab.second, cd.second), permuted<order::upperHalves>(ab.second, cd.second)};
 }
 
 // Four sets of four lanes, one behind the other.
@@ -168,7 +135,7 @@ inline Lanes<T, 4> joinFours(const Lanes<T, 16>& sets) {
 
 // The halves-join of four lane sets at once: lane i of the result is joinHalves of set i.
 template <class T, int N>
-inline Lanes<T, 4> joinHalves4(const Lanes<T, N>& a, const Lanes<T, N>& b, const Lanes<T, N>& c, const Lanes<T, N>& d) {
+inline Lanes<T, 4> joinHalves(const Lanes<T, N>& a, const Lanes<T, N>& b, const Lanes<T, N>& c, const Lanes<T, N>& d) {
   if constexpr (sizeof(T) == 4) {
     return joinFours(foldToFours(a, b, c, d));
   } else {
@@ -179,7 +146,7 @@ inline Lanes<T, 4> joinHalves4(const Lanes<T, N>& a, const Lanes<T, N>& b, const
 // The neighbours-join of four lane sets at once.
 inline Lanes<float, 4> joinNeighbours4(const Lanes<float, 4>& a, const Lanes<float, 4>& b, const Lanes<float, 4>& c,
                                        const Lanes<float, 4>& d) {
-  const Turned t = turn4(a, b, c, d);
+  const Transposed t = transposed(a, b, c, d);
   return (t.lane[0] + t.lane[1]) + (t.lane[2] + t.lane[3]);
 }
 

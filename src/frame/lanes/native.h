@@ -26,6 +26,10 @@ inline constexpr int kNativeBytes = 32;
 inline constexpr int kNativeBytes = 16;
 #endif
 
+// As many as one native register holds.
+template <class T>
+inline constexpr int kNativeLanes = kNativeBytes / static_cast<int>(sizeof(T));
+
 namespace native {
 
 template <class T, int W>
@@ -53,13 +57,13 @@ inline void store(void* p, V v) {
   std::memcpy(p, &v, sizeof(V));
 }
 
-template <class To, class V, std::size_t... I>
-inline To pick(V v, std::index_sequence<I...>) {
-  return __builtin_shufflevector(v, v, static_cast<int>(I)...);
-}
-template <class V, std::size_t... I>
-inline auto upper(V v, std::index_sequence<I...>) {
-  return __builtin_shufflevector(v, v, static_cast<int>(I + sizeof...(I))...);
+// The lower or the upper half of the lanes.
+template <bool Upper, class V>
+inline auto half(V v) {
+  return [=]<std::size_t... I>(std::index_sequence<I...>) {
+    return __builtin_shufflevector(v, v, static_cast<int>(I + (Upper ? sizeof...(I) : 0))...);
+  }
+  (std::make_index_sequence<sizeof(V) / sizeof(v[0]) / 2>());
 }
 
 #if defined(__SSE3__)
@@ -118,17 +122,19 @@ inline auto truncated(V a) {
   return v;
 }
 
-// Lanes converted to a wider type, exact. GCC 12 splits what __builtin_convertvector widens into two halves of half a register.
+// Lanes converted to another type of the same number of lanes. GCC 12 splits what __builtin_convertvector widens into two halves of
+// half a register.
 template <class To, class From>
-inline To widened(From a) {
+inline To converted(From a) {
+  constexpr bool kDouble [[maybe_unused]] = std::is_same_v<To, Vector<double, sizeof(To) / 8>>;
 #if defined(__AVX512F__)
-  if constexpr (std::is_same_v<From, Vector<float, 8>>) return _mm512_cvtps_pd(a);
-  if constexpr (std::is_same_v<From, Vector<int32_t, 8>>) return _mm512_cvtepi32_pd(__m256i(a));
+  if constexpr (std::is_same_v<From, Vector<float, 8>> && kDouble) return _mm512_cvtps_pd(a);
+  if constexpr (std::is_same_v<From, Vector<int32_t, 8>> && kDouble) return _mm512_cvtepi32_pd(__m256i(a));
   if constexpr (std::is_same_v<From, Vector<int16_t, 16>>) return To(_mm512_cvtepi16_epi32(__m256i(a)));
 #endif
 #if defined(__AVX2__)
-  if constexpr (std::is_same_v<From, Vector<float, 4>>) return _mm256_cvtps_pd(a);
-  if constexpr (std::is_same_v<From, Vector<int32_t, 4>>) return _mm256_cvtepi32_pd(__m128i(a));
+  if constexpr (std::is_same_v<From, Vector<float, 4>> && kDouble) return _mm256_cvtps_pd(a);
+  if constexpr (std::is_same_v<From, Vector<int32_t, 4>> && kDouble) return _mm256_cvtepi32_pd(__m128i(a));
   if constexpr (std::is_same_v<From, Vector<int16_t, 8>>) return To(_mm256_cvtepi16_epi32(__m128i(a)));
 #endif
   return __builtin_convertvector(a, To);
@@ -145,7 +151,7 @@ inline Vector<int32_t, W> widenInt16(const int16_t* p) {
     return Vector<int32_t, 4>(_mm_srai_epi32(_mm_unpacklo_epi16(packed, packed), 16));
 #endif
   } else {
-    return widened<Vector<int32_t, W>>(load<Vector<int16_t, W>>(p));
+    return converted<Vector<int32_t, W>>(load<Vector<int16_t, W>>(p));
   }
 }
 
@@ -161,7 +167,7 @@ inline Vector<double, W> widenToDouble(const From* p) {
     return _mm_cvtepi32_pd(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)));
 #endif
   } else {
-    return widened<Vector<double, W>>(load<Vector<From, W>>(p));
+    return converted<Vector<double, W>>(load<Vector<From, W>>(p));
   }
 }
 
@@ -177,7 +183,7 @@ inline Vector<double, W> widenInt16ToDouble(const int16_t* p) {
   }
 #endif
   if constexpr (W == 1) return *p;
-  return widened<Vector<double, W>>(widenInt16<W>(p));
+  return converted<Vector<double, W>>(widenInt16<W>(p));
 }
 
 // Whether x < y in every lane; a NaN is not below anything.
@@ -228,19 +234,27 @@ inline bool anyHolds(V mask) {
   }
 }
 
-// Lanes 0 to W - 1 of v (or, Upper, lanes W to 2W - 1) as doubles, exact.
-template <int W, bool Upper, class V>
-inline Vector<double, W> widenHalf(V v) {
+// The lower or the upper half of the lanes, converted to a wider type, exact.
+template <class To, bool Upper, class V>
+inline To widenedHalf(V v) {
 #if defined(__SSE3__)
-  if constexpr (W == 2) return _mm_cvtps_pd(Upper ? _mm_movehl_ps(v, v) : __m128(v));
+  if constexpr (std::is_same_v<V, Vector<float, 4>> && sizeof(To) == 16) {
+    return _mm_cvtps_pd(Upper ? _mm_movehl_ps(v, v) : __m128(v));
+  }
+  if constexpr (std::is_same_v<V, Vector<int32_t, 4>> && std::is_same_v<To, Vector<double, 2>>) {
+    return _mm_cvtepi32_pd(Upper ? _mm_unpackhi_epi64(__m128i(v), __m128i(v)) : __m128i(v));
+  }
+#if !defined(__SSE4_1__)
+  if constexpr (std::is_same_v<V, Vector<int16_t, 8>> && sizeof(To) == 16) {
+    const __m128i twice = Upper ? _mm_unpackhi_epi16(__m128i(v), __m128i(v)) : _mm_unpacklo_epi16(__m128i(v), __m128i(v));
+    return To(_mm_srai_epi32(twice, 16));
+  }
 #endif
-  if constexpr (W == 1) {
-    if constexpr (Upper) return static_cast<double>(v[1]);
-    if constexpr (!Upper) return static_cast<double>(v[0]);
-  } else if constexpr (Upper) {
-    return widened<Vector<double, W>>(Vector<float, W>(upper(v, std::make_index_sequence<W>())));
+#endif
+  if constexpr (std::is_arithmetic_v<To>) {
+    return static_cast<To>(v[Upper]);
   } else {
-    return widened<Vector<double, W>>(pick<Vector<float, W>>(v, std::make_index_sequence<W>()));
+    return converted<To>(half<Upper>(v));
   }
 }
 

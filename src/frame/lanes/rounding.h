@@ -145,12 +145,4 @@ inline Lanes<int32_t, N> nearestSaturated(const Lanes<float, N>& a) {
   return largestAbove(nearest(number), number, 2147483520.0F);
 }
 
-// 32-bit integers as doubles, exact.
-template <int N>
-inline Lanes<double, N> widen(const Lanes<int32_t, N>& a) {
-  int32_t all[N];
-  a.store(all);
-  return loadAs<double, N>(all);
-}
-
 }  // namespace qorsr

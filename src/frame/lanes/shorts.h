@@ -68,25 +68,6 @@ inline Vector<int16_t, W> loadTwice(const int16_t* p) {
   return v;
 }
 
-// The Index-th W lanes of v as floats.
-template <int W, int Index, class V>
-inline Vector<float, W> shortsToFloats(V v) {
-  constexpr int kLanes = static_cast<int>(sizeof(V) / 2);
-#if defined(__SSE3__) && !defined(__AVX2__)
-  if constexpr (kLanes == 8 && W == 4) {
-    const __m128i twice = Index == 0 ? _mm_unpacklo_epi16(__m128i(v), __m128i(v)) : _mm_unpackhi_epi16(__m128i(v), __m128i(v));
-    return _mm_cvtepi32_ps(_mm_srai_epi32(twice, 16));
-  }
-#endif
-  if constexpr (kLanes == W) {
-    return __builtin_convertvector(widened<Vector<int32_t, W>>(v), Vector<float, W>);
-  } else if constexpr (Index == 0) {
-    return shortsToFloats<W, 0>(pick<Vector<int16_t, kLanes / 2>>(v, std::make_index_sequence<kLanes / 2>()));
-  } else {
-    return shortsToFloats<W, 0>(Vector<int16_t, kLanes / 2>(upper(v, std::make_index_sequence<kLanes / 2>())));
-  }
-}
-
 }  // namespace native
 
 // N / 2 numbers from p on in both halves of one register.
@@ -112,35 +93,6 @@ inline SplitSquare<N> splitSquare(const Lanes<int16_t, N>& a) {
             const auto u = std::bit_cast<Unsigned>(x);
             return std::bit_cast<Part>(Unsigned(u * u) >> 1);
           })};
-}
-
-// Exact, or for 32-bit integers rounded, in the caller's mode.
-template <int N>
-inline Lanes<float, N> toFloat(const Lanes<int16_t, N>& a) {
-  using L = Lanes<float, N>;
-  L v;
-  constexpr int kRatio = Lanes<int16_t, N>::kPart / L::kPart;
-  for (int i = 0; i < Lanes<int16_t, N>::kParts; ++i) {
-    v.part[kRatio * i] = native::shortsToFloats<L::kPart, 0>(a.part[i]);
-    if constexpr (kRatio == 2) v.part[2 * i + 1] = native::shortsToFloats<L::kPart, 1>(a.part[i]);
-  }
-  return v;
-}
-template <int N>
-inline Lanes<float, N> toFloat(const Lanes<int32_t, N>& a) {
-  Lanes<float, N> v;
-  for (int i = 0; i < v.kParts; ++i) v.part[i] = __builtin_convertvector(a.part[i], typename Lanes<float, N>::Part);
-  return v;
-}
-
-// Lanes of sums that wrap are unsigned: signed overflow is undefined.
-template <int N>
-inline Lanes<uint32_t, N> asUnsigned(const Lanes<int32_t, N>& a) {
-  return std::bit_cast<Lanes<uint32_t, N>>(a);
-}
-template <int N>
-inline Lanes<int32_t, N> asSigned(const Lanes<uint32_t, N>& a) {
-  return std::bit_cast<Lanes<int32_t, N>>(a);
 }
 
 // ---- Groups of eight ----
@@ -233,7 +185,7 @@ inline Lanes<float, 4> addInOrder(const Lanes<float, 4>& total, const Lanes<floa
   const auto addFours = [&](int half) {
     Lanes<float, 4> four[4];
     for (int i = 0; i < 4; ++i) four[i].part[0] = rows[i].part[half];
-    const Turned turned = turn4(four[0], four[1], four[2], four[3]);
+    const Transposed turned = transposed(four[0], four[1], four[2], four[3]);
     for (const auto& f : turned.lane) sum = sum + f.part[0];
   };
   if (!UpperOnly) addFours(0);
@@ -294,7 +246,7 @@ class GroupTotals {
  private:
   Lanes<float, 8> sums_;
 #else
-  void add(const Lanes<float, 8> (&p)[4]) { sums_ += joinHalves4(p[0], p[1], p[2], p[3]); }
+  void add(const Lanes<float, 8> (&p)[4]) { sums_ += joinHalves(p[0], p[1], p[2], p[3]); }
   Lanes<float, 4> totals() const { return sums_; }
 
  private:

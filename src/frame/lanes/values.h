@@ -121,7 +121,7 @@ struct Lanes {
   }
 };
 
-// ---- Loads that widen ----
+// ---- Loads that convert ----
 
 // N numbers of type `From` at p, as lanes of type T. int16 to float, double or int32, and float to double, are exact.
 template <class T, int N, class From>
@@ -153,40 +153,36 @@ inline Lanes<T, N> loadAs(const From* p) {
 
 // ---- Conversions between registers ----
 
-// Floats as doubles, exact.
-template <int N>
-inline Lanes<double, N> widen(const Lanes<float, N>& a) {
-  using L = Lanes<double, N>;
-  constexpr int kRatio = Lanes<float, N>::kPart / L::kPart;
-  L v;
-  for (int i = 0; i < L::kParts; ++i) {
-    if constexpr (N == 1) {
-      v.part[i] = static_cast<double>(a.part[i]);
-    } else if constexpr (kRatio == 1) {
-      v.part[i] = native::widened<typename L::Part>(a.part[i]);
-    } else {
-      const auto half = a.part[i / 2];
-      v.part[i] = i % 2 == 0 ? native::widenHalf<L::kPart, false>(half) : native::widenHalf<L::kPart, true>(half);
+// The numbers as type To, as static_cast does. To a wider type exact; int32 or double to float rounds in the mode in force; between
+// signed and unsigned modulo two to the width. To fewer bits: see saturated(), truncated() and nearest().
+template <class To, class T, int N>
+inline Lanes<To, N> as(const Lanes<T, N>& a) {
+  using L = Lanes<To, N>;
+  constexpr int kPart = Lanes<T, N>::kPart;
+  if constexpr (std::is_same_v<T, To>) {
+    return a;
+  } else if constexpr (std::is_integral_v<T> && std::is_integral_v<To> && sizeof(T) == sizeof(To)) {
+    return std::bit_cast<L>(a);
+  } else if constexpr (std::is_same_v<T, int16_t> && std::is_floating_point_v<To>) {
+    return as<To>(as<int32_t>(a));
+  } else {
+    static_assert(std::is_floating_point_v<To> || sizeof(To) > sizeof(T));
+    using Part = typename L::Part;
+    L v;
+    for (int i = 0; i < L::kParts; ++i) {
+      if constexpr (N == 1) {
+        v.part[i] = static_cast<To>(a.part[i]);
+      } else if constexpr (L::kPart == kPart) {
+        v.part[i] = native::converted<Part>(a.part[i]);
+      } else if constexpr (L::kPart < kPart) {
+        const auto both = a.part[i / 2];
+        v.part[i] = i % 2 == 0 ? native::widenedHalf<Part, false>(both) : native::widenedHalf<Part, true>(both);
+      } else {
+        v.part[i] = native::narrowPair<kPart>(a.part[2 * i], a.part[2 * i + 1]);
+      }
     }
+    return v;
   }
-  return v;
-}
-
-// Doubles rounded to float.
-template <int N>
-inline Lanes<float, N> narrow(const Lanes<double, N>& a) {
-  using L = Lanes<float, N>;
-  L v;
-  for (int i = 0; i < L::kParts; ++i) {
-    if constexpr (N == 1) {
-      v.part[i] = static_cast<float>(a.part[i]);
-    } else if constexpr (L::kPart == Lanes<double, N>::kPart) {
-      v.part[i] = __builtin_convertvector(a.part[i], typename L::Part);
-    } else {
-      v.part[i] = native::narrowPair<L::kPart / 2>(a.part[2 * i], a.part[2 * i + 1]);
-    }
-  }
-  return v;
 }
 
 // Floats to integers, toward zero; a NaN or a value out of range gives the most negative one.

@@ -10,6 +10,7 @@
 #pragma once
 
 #include <algorithm>
+#include <bit>
 #include <cstdint>
 
 #include "frame/bits.h"
@@ -168,6 +169,14 @@ inline DoubleMoments<N> momentsInDouble(const Rows& rows, int32_t height, int32_
 // The heights whose sums of squares stay below 2^53.
 inline constexpr int32_t kExactHeight = 1 << 22;
 
+// Adds lanes taken as unsigned: their lower half to sums[0], their upper half to sums[1].
+template <int N>
+inline void addUnsigned(const Lanes<int32_t, N>& a, Lanes<int64_t, N / 2>* sums) {
+  const auto halves = interleaved(a, Lanes<int32_t, N>(0));
+  sums[0] += std::bit_cast<Lanes<int64_t, N / 2>>(halves.first);
+  sums[1] += std::bit_cast<Lanes<int64_t, N / 2>>(halves.second);
+}
+
 // Two rows at a time: a pair of products and its sum fit 32 unsigned bits, a pair of elements 17 signed ones.
 template <int N, class Rows>
 inline DoubleMoments<N> momentsInIntegers(const Rows& rows, int32_t height, int32_t column) {
@@ -184,14 +193,11 @@ inline DoubleMoments<N> momentsInIntegers(const Rows& rows, int32_t height, int3
     for (int32_t r = first; r < end; r += 2) {
       const Elements a = Elements::load(rows[r] + column);
       const Elements b = r + 1 < end ? Elements::load(rows[r + 1] + column) : zeros;
-      const Elements low = interleaveLower(a, b), high = interleaveUpper(a, b);
+      const auto [low, high] = interleaved(a, b);
       lower += pairDots(low, ones);
       upper += pairDots(high, ones);
-      const Sums lowSquares = pairDots(low, low), highSquares = pairDots(high, high);
-      squares[0] += lowerUnsigned(lowSquares);
-      squares[1] += upperUnsigned(lowSquares);
-      squares[2] += lowerUnsigned(highSquares);
-      squares[3] += upperUnsigned(highSquares);
+      addUnsigned(pairDots(low, low), squares);
+      addUnsigned(pairDots(high, high), squares + 2);
     }
     int32_t part[N];
     lower.store(part);
@@ -269,7 +275,7 @@ bool takesExactRoad(const StridedRows<T>&, int32_t) {
 }
 template <class T>
 bool takesExactRoad(const ListedRows<T>& rows, int32_t height) {
-  return !qorRowsAligned(rows.list, height);
+  return !rowsAligned(rows.list, height);
 }
 
 template <class Rows>
@@ -282,7 +288,7 @@ QorStatus meanColumn16(Rows rows, int32_t height, int16_t* result, int32_t width
   Scratch<float> means(width);
   if (!means) return qorStatusNoMemory;
   meanColumns(rows, height, means.get(), width, reciprocalInFloat(height));
-  return qorConvert_32f16s_Sfs(means.get(), result, width, kNearestEven, 0);
+  return convertFloats(means.get(), result, width, kNearestEven, 0);
 }
 
 template <class Rows>
@@ -295,7 +301,7 @@ QorStatus varColumn16(Rows rows, int32_t height, const int16_t* means, int16_t* 
   Scratch<float> variances(width);
   if (!variances) return qorStatusNoMemory;
   varColumns(rows, height, means, variances.get(), width, reciprocalInDouble(height - 1));
-  return qorConvert_32f16s_Sfs(variances.get(), result, width, kNearestEven, scaleFactor);
+  return convertFloats(variances.get(), result, width, kNearestEven, scaleFactor);
 }
 
 template <class Rows>
@@ -309,8 +315,8 @@ QorStatus meanVarColumn16(Rows rows, int32_t height, int16_t* means, int16_t* va
   if (!floats) return qorStatusNoMemory;
   float* const floatVariances = floats.get() + width;
   meanVarColumns(rows, height, floats.get(), floatVariances, width, reciprocalInFloat(height), reciprocalInDouble(height - 1));
-  qorConvert_32f16s_Sfs(floats.get(), means, width, kNearestEven, 0);
-  return qorConvert_32f16s_Sfs(floatVariances, variances, width, kNearestEven, scaleFactor);
+  convertFloats(floats.get(), means, width, kNearestEven, 0);
+  return convertFloats(floatVariances, variances, width, kNearestEven, scaleFactor);
 }
 
 // `reciprocal` is 1/(n - 1) in double, already rounded to float where that is required.
@@ -318,7 +324,7 @@ template <class Rows, class Mean>
 QorStatus meanVarColumn32(Rows rows, int32_t height, Mean* means, int32_t* variances, int32_t width, int32_t scaleFactor,
                           double (*reciprocal)(int32_t)) {
   if (QorStatus bad = Checks().null(rows, means, variances).atLeast(2, height).size(width).stride(rows, width)) return bad;
-  meanVarColumnsDouble(rows, height, means, variances, width, qorPow2Neg_64f(scaleFactor) * reciprocal(height - 1));
+  meanVarColumnsDouble(rows, height, means, variances, width, twoToMinus<double>(scaleFactor) * reciprocal(height - 1));
   return qorStatusOk;
 }
 

@@ -17,6 +17,7 @@
 #include "frame/convert.h"
 #include "frame/lanes.h"
 #include "frame/rows.h"
+#include "frame/tuning.h"
 
 namespace qorsr {
 
@@ -100,8 +101,7 @@ inline Acc sumOfLastRow(const Rows& rows, int32_t last, int32_t width) {
 // Four rows at a time; one after the other where they are long and come from memory, which is read fastest in its order.
 template <class Acc, int kRest, class Rows>
 void sumRows(const Rows& rows, int32_t width, Acc* result, int32_t height) {
-  constexpr int64_t kNearCache = 512 * 1024;
-  const bool far = width >= 64 && static_cast<int64_t>(sizeof(rows[0][0])) * width * height > kNearCache;
+  const bool far = width >= kFarColumns && static_cast<int64_t>(sizeof(rows[0][0])) * width * height > kFarBytes;
   const int32_t paired = height - height % 2;
   int32_t r = 0;
   for (; !far && r <= paired - 4; r += 4) rowSums<Acc, 4, kRest>(rows, r, width, result);
@@ -167,14 +167,14 @@ template <class Rows>
 QorStatus sumColumnScaled(Rows rows, int32_t height, int32_t* result, int32_t width, int32_t scaleFactor) {
   float* sums = reinterpret_cast<float*>(result);
   if (QorStatus bad = sumColumn(rows, height, sums, width)) return bad;
-  return qorConvert_32f32s_Sfs(sums, result, width, kNearestEven, scaleFactor);
+  return convertFloats(sums, result, width, kNearestEven, scaleFactor);
 }
 
 template <class Rows>
 QorStatus sumRowScaled(Rows rows, int32_t width, int32_t* result, int32_t height, int32_t scaleFactor) {
   float* sums = reinterpret_cast<float*>(result);
   if (QorStatus bad = sumRow(rows, width, sums, height)) return bad;
-  return qorConvert_32f32s_Sfs(sums, result, height, kNearestEven, scaleFactor);
+  return convertFloats(sums, result, height, kNearestEven, scaleFactor);
 }
 
 }  // namespace qorsr

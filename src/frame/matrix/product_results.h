@@ -33,7 +33,7 @@ template <int N>
     saturated(v, v).store(twice);
     std::memcpy(at, twice, 4 * sizeof(int16_t));
   } else {
-    narrowSaturated(v).store(at);
+    saturated(v).store(at);
   }
 }
 
@@ -52,7 +52,7 @@ class RoundedResult {
   using Result = To;
   static constexpr bool kNeedsNearest = true;
 
-  explicit RoundedResult(int32_t scaleFactor) : power_(qorPow2Neg_64f(scaleFactor)) {}
+  explicit RoundedResult(int32_t scaleFactor) : power_(twoToMinus<double>(scaleFactor)) {}
 
   template <int N>
   [[gnu::always_inline]] void operator()(const Lanes<double, N>& sums, To* at) const {
@@ -72,8 +72,8 @@ class ShiftedResult {
 
   explicit ShiftedResult(int32_t scaleFactor)
       : scaleFactor_(scaleFactor),
-        power_(qorPow2Neg_64f(std::clamp(scaleFactor, -32, kPlaces))),
-        below_(scaleFactor <= 0 ? 0.0 : 1.0 - qorPow2Neg_64f(-std::min(scaleFactor, kPlaces))) {}
+        power_(twoToMinus<double>(std::clamp(scaleFactor, -32, kPlaces))),
+        below_(scaleFactor <= 0 ? 0.0 : 1.0 - twoToMinus<double>(-std::min(scaleFactor, kPlaces))) {}
 
   // The floor of n / 2^s is n / 2^s truncated, for a negative n (n - (2^s - 1)) / 2^s truncated.
   template <int N>

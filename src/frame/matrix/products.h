@@ -19,6 +19,7 @@
 #include "frame/matrix/product_results.h"
 #include "frame/matrix/short_products.h"
 #include "frame/rows.h"
+#include "frame/tuning.h"
 
 namespace qorsr {
 
@@ -39,17 +40,16 @@ inline void laneDots(const FourRows<float>& rows, int first, const float* vector
 
 inline Lanes<float, 4> dotFourRows(const FourRows<float>& rows, const float* vector, int32_t width) {
   using Group = Lanes<float, 4>;
-  constexpr int kAtOnce = kNativeBytes > 16 ? 4 : 2;  // 16 lanes a row: what the registers hold
   Group lanes[4] = {Group(0.0F), Group(0.0F), Group(0.0F), Group(0.0F)};
   int32_t c = width / 16 * 16;
   if (c > 0) {
-    for (int i = 0; i < 4; i += kAtOnce) laneDots<kAtOnce>(rows, i, vector, c, lanes + i);
+    for (int i = 0; i < 4; i += kFloatRowsTogether) laneDots<kFloatRowsTogether>(rows, i, vector, c, lanes + i);
   }
   for (; c <= width - 4; c += 4) {
     const Group v = Group::load(vector + c);
     for (int i = 0; i < 4; ++i) lanes[i] += Group::load(rows[i] + c) * v;
   }
-  Turned turned = turn4(lanes[0], lanes[1], lanes[2], lanes[3]);
+  Transposed turned = transposed(lanes[0], lanes[1], lanes[2], lanes[3]);
   for (; c < width; ++c) turned.lane[0] += Group::of(rows[0][c], rows[1][c], rows[2][c], rows[3][c]) * Group(vector[c]);
   return (turned.lane[0] + turned.lane[2]) + (turned.lane[1] + turned.lane[3]);
 }
@@ -91,8 +91,7 @@ void multiplyRows(const Rows& rows, const int16_t* vector, int32_t width, Result
     return;
   }
   const auto blocksOf = [=, &rows, &finish]<int N>(LaneCount<N>) {
-    constexpr int kRows = std::max(kNativeLanes<double>, 4);
-    forRowGroups<int16_t, kRows>(rows, height, ExactDots<N>(vector, width), result, finish);
+    forRowGroups<int16_t, kSumsTogether>(rows, height, ExactDots<N>(vector, width), result, finish);
   };
   if (width >= kWide / 2) return blocksOf(LaneCount<kWide>());
   if (kWide > 16 && width >= 8) return blocksOf(LaneCount < kWide < 16 ? kWide : 16 > ());

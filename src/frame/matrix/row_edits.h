@@ -74,7 +74,7 @@ QorStatus normalizeColumnsScaled(Rows rows, int32_t height, const int16_t* means
   const auto normalize = [&](auto shift) {
     editRows<int16_t>(rows, height, width, [=](const int16_t* x, int32_t c, auto n) {
       const auto product = (loadAs<int32_t, n>(x) - loadAs<int32_t, n>(means + c)) * loadAs<int32_t, n>(scales + c);
-      return narrowSaturated(shift(product));
+      return saturated(shift(product));
     });
   };
   const auto magnitude = static_cast<uint32_t>(scaleFactor < 0 ? -static_cast<int64_t>(scaleFactor) : scaleFactor);

@@ -15,6 +15,7 @@
 #include "frame/lanes/shorts.h"
 #include "frame/lanes/sums.h"
 #include "frame/matrix/product_results.h"
+#include "frame/tuning.h"
 
 namespace qorsr {
 
@@ -84,8 +85,8 @@ class ExactDots {
     }
     [[gnu::always_inline]] Lanes<double, R> joined() const {
       const SumsOfHalves<R> all = sumsOfHalves(sums);
-      return widen(std::bit_cast<Lanes<int32_t, R>>(all.lower)) +
-             widen(std::bit_cast<Lanes<int32_t, R>>(all.upper)) * Lanes<double, R>(256.0);
+      return as<double>(std::bit_cast<Lanes<int32_t, R>>(all.lower)) +
+             as<double>(std::bit_cast<Lanes<int32_t, R>>(all.upper)) * Lanes<double, R>(256.0);
     }
   };
 
@@ -146,13 +147,10 @@ struct SplitPairs {
   }
 };
 
-// Sums that are finished together.
-inline constexpr int kSumsAtOnce = std::max(kNativeLanes<double>, 4);
-
-// Calls take(index of the first, kSumsAtOnce sums) for all sums from the given index on.
+// Calls take(index of the first, kSumsTogether sums) for all sums from the given index on.
 template <int N, class Take>
 [[gnu::always_inline]] inline void forSums(const Lanes<double, N>& sums, int32_t index, const Take& take) {
-  if constexpr (N > kSumsAtOnce) {
+  if constexpr (N > kSumsTogether) {
     forSums(lowerHalf(sums), index, take);
     forSums(upperHalf(sums), index + N / 2, take);
   } else {
@@ -186,7 +184,7 @@ inline void columnDots(const SplitPairs& v, const Rows& rows, int32_t first, int
   for (; r < count - 1; r += 2) addPair(r, rows[first + r], rows[first + r + 1]);
   if (r < count) addPair(r, rows[first + r], rows[first + r]);
   for (int b = 0; b < B; ++b) {
-    const auto low = widen(joinedEights(sums[b][0], sums[b][1])), high = widen(joinedEights(sums[b][2], sums[b][3]));
+    const auto low = as<double>(joinedEights(sums[b][0], sums[b][1])), high = as<double>(joinedEights(sums[b][2], sums[b][3]));
     forSums(low + high * Lanes<double, N>(256.0), b * N, take);
   }
 }
@@ -223,7 +221,7 @@ template <int N, class Rows, class Result, class Finish>
 inline void exactColumns(const int16_t* vector, const Rows& rows, int32_t height, Result* result, int32_t column, int32_t width,
                          const Finish& finish) {
   constexpr int kBlocks = 8;
-  using Some = Lanes<double, kSumsAtOnce>;
+  using Some = Lanes<double, kSumsTogether>;
   const int32_t blocks = std::min((width - column - 1) / N + 1, kBlocks);
   const auto columnOf = [=](int32_t b) { return std::min(column + b * N, width - N); };
   double totals[kBlocks * N];
@@ -241,7 +239,7 @@ inline void exactColumns(const int16_t* vector, const Rows& rows, int32_t height
     }
   }
   for (int32_t b = 0; b < blocks; ++b) {
-    for (int c = 0; c < N; c += kSumsAtOnce) finish(Some::load(totals + b * N + c), result + columnOf(b) + c);
+    for (int c = 0; c < N; c += kSumsTogether) finish(Some::load(totals + b * N + c), result + columnOf(b) + c);
   }
 }
 

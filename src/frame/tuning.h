@@ -1,0 +1,34 @@
+// Constants that measuring chose, where the best value depends on the level or on the machine's caches. Results do not depend on any
+// of them. Beside each: what was measured, and in which benchmark it shows.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+
+#include "frame/lanes.h"
+
+namespace qorsr {
+
+// ---- Columns ----
+
+// Columns of one block: four registers are enough independent sums to hide the latency of an addition (column_statistics).
+template <class T>
+inline constexpr int kWidestBlock = 4 * kNativeLanes<T>;
+
+// A wide, tall matrix of more bytes than kTiledBytes is taken in tiles of about kTileBytes (column_statistics, 512 columns).
+inline constexpr int64_t kTiledBytes = 256 * 1024, kTileBytes = 32 * 1024;
+
+// Rows whose sums are taken four at a time, unless they come from memory, which is read fastest in its order: matrices of more
+// bytes, with at least so many columns (column_statistics, SumRow).
+inline constexpr int64_t kFarBytes = 512 * 1024;
+inline constexpr int32_t kFarColumns = 64;
+
+// ---- Products of a matrix and a vector (products) ----
+
+// Rows of floats that 16 sums each are kept of: what the registers hold.
+inline constexpr int kFloatRowsTogether = kNativeBytes > 16 ? 4 : 2;
+
+// Sums in double that are finished together, and rows of 16-bit numbers that give them.
+inline constexpr int kSumsTogether = std::max(kNativeLanes<double>, 4);
+
+}  // namespace qorsr
