@@ -86,8 +86,8 @@ TEST(SvdAccuracy, ValuesProductAndOrthogonality) {
     addDistanceFromOrthogonal(right, &orthogonal);
   }
   values.expectDocumented(3.3e-15L);
-  product.expectDocumented(4.3e-15L);
-  orthogonal.expectDocumented(1e-15L);
+  product.expectDocumented(1e-15L);
+  orthogonal.expectDocumented(4.3e-15L);
 }
 
 }  // namespace
