@@ -252,17 +252,6 @@ QORSR_API QorStatus qorsSumColumnSqr_64f_D2L(double* const* rows, int32_t width,
  *  pairs from the top down, (p0 + p1) + (p2 + p3) ..., an odd last row alone. No floor is applied: by rounding, or with a mean that
  *  is not the weighted one, a variance may be negative.
  *
- *  | Parameter | Use | Elements, or values | |
- *  |---|---|---|---|
- *  | `source` | in | height x width, stride apart | frames, one a row |
- *  | `rows` | in | height x width | row pointers |
- *  | `weights` | in | height | one a row |
- *  | `means` | out | width | |
- *  | `means` of `WeightedVarColumn_*` | in | width | |
- *  | `variances` | out | width | |
- *  | `height`, `width` | value | at least 1 | |
- *  | `stride` | value | at least width | |
- *
  *  Statuses: null pointers; in `_D2` a stride below the width (#qorStatusBadStride); width or height below 1.
  *  @{ */
 QORSR_API QorStatus qorsWeightedMeanColumn_32f_D2(const float* source, int32_t stride, const float* weights, int32_t height,
@@ -305,25 +294,6 @@ QORSR_API QorStatus qorsWeightedMeanVarColumn_64f_D2L(const double* const* rows,
  *
  *  **Scaled row** (`AddMulRow`). destination[i] += source[i] * factor.
  *
- *  | Parameter | Use | Elements, or values | |
- *  |---|---|---|---|
- *  | `matrix` | in, out | height x width, stride apart | |
- *  | `rows` | in, out | height x width | row pointers |
- *  | `rows` of `AddAllRowSum_*` | in | height x width | |
- *  | `row`, `means`, `scales` | in | width | |
- *  | `source` of `AddAllRowSum_*` | in | height x width, stride apart | |
- *  | `source` of `AddNRows_*` | in | height x offset + width, stride apart | |
- *  | `source` of `AddMulRow_*` | in | length | |
- *  | `sum` | in, out | width | |
- *  | `indices1`, `indices2` | in | indexCount; each 0 to (height - 1) / 2 | their sums name rows, 0 to height - 1 |
- *  | `destination` of `AddNRows_*` | out | width | |
- *  | `destination` of `AddMulRow_*` | in, out | length | |
- *  | `height`, `width`, `length`, `indexCount` | value | at least 1 | |
- *  | `offset` | value | at least 0 | elements in front of the columns that are added |
- *  | `stride` | value | at least width | |
- *  | `stride` of `AddNRows_*` | value | at least offset + width | |
- *  | `scaleFactor`, `start`, `factor` | value | any | |
- *
  *  Statuses: null pointers; height or width below 1, or a length; stride below width (`_D2`). `AddNRows`: null pointers; number of
  *  indices, height or width below 1 or offset below 0 (#qorStatusBadSize); stride below offset + width; a sum of indices outside 0
  *  to height - 1 (#qorStatusBadSize), before anything is written.
@@ -360,29 +330,6 @@ QORSR_API QorStatus qorsAddMulRow_64f(const double* source, double* destination,
  *  **Single columns**, for rows r from firstRow to height - 1. `AddMulColumn`: row[destinationColumn] += row[sourceColumn] *
  *  factor. `MulColumn`: row[column] *= factor. `DotProdColumn`: result = sum of row[firstColumn] * row[secondColumn], row
  *  firstRow + k going to running sum k mod 4, joined as (s0 + s2) + (s1 + s3).
- *
- *  | Parameter | Use | Elements, or values | |
- *  |---|---|---|---|
- *  | `source` of `CopyColumn_16s_D2`, `CopyColumn_32f_D2` | in | height x width | |
- *  | `source` of `CopyColumn_Indirect_*_D2` | in | height x sourceWidth, sourceStride apart | |
- *  | `source` of `CopyColumn_Indirect_*_D2L` | in | height x sourceWidth | row pointers |
- *  | `source` of `CopyWithPadding_*` | in | length | |
- *  | `destination` of `CopyColumn_16s_D2`, `CopyColumn_32f_D2` | out | height x width, destinationStride apart | |
- *  | `destination` of `CopyColumn_Indirect_*_D2` | out | height x columnCount, destinationStride apart | |
- *  | `destination` of `CopyColumn_Indirect_*_D2L` | out | height x columnCount | row pointers |
- *  | `destination` of `CopyWithPadding_*` | out | paddedLength | |
- *  | `columns` | in | columnCount; each 0 to sourceWidth - 1 | |
- *  | `rows` | in, out | height x width | row pointers |
- *  | `rows` of `DotProdColumn_*` | in | height x width | row pointers |
- *  | `result` | out | 1 | |
- *  | `height`, `width`, `length`, `sourceWidth`, `columnCount` | value | at least 1 | |
- *  | `paddedLength` | value | at least length | |
- *  | `sourceStride` | value | at least sourceWidth | |
- *  | `destinationStride` | value | at least width | |
- *  | `destinationStride` of `CopyColumn_Indirect_*` | value | at least columnCount | |
- *  | `column`, `sourceColumn`, `destinationColumn`, `firstColumn`, `secondColumn` | value | 0 to width - 1 | |
- *  | `firstRow` | value | 0 to height - 1 | |
- *  | `factor` | value | any | |
  *
  *  Statuses. `CopyColumn`: null pointers; height or width below 1; stride below width. `CopyColumn_Indirect_D2`: null pointers;
  *  source width below 1; source stride below source width; columnCount below 1; destination stride below columnCount; height below
@@ -439,18 +386,6 @@ QORSR_API QorStatus qorsDotProdColumn_64f_D2L(const double* const* rows, int32_t
  *    even. That one of the two 16-bit families truncates and the other rounds is required.
  *  - **`_32s`.** Products and sums in double (`MatVecMul`: even and odd elements in two sums, joined at the end; `VecMatMul`: row
  *    after row), times 2^-sf, limited to 32 bits, rounded to nearest, ties to even.
- *
- *  | Parameter | Use | Elements, or values | |
- *  |---|---|---|---|
- *  | `matrix` | in | height x width, stride apart | |
- *  | `rows` | in | height x width | row pointers |
- *  | `vector` of `MatVecMul_*` | in | width | |
- *  | `vector` of `VecMatMul_*` | in | height | |
- *  | `result` of `MatVecMul_*` | out | height | |
- *  | `result` of `VecMatMul_*` | out | width | |
- *  | `height`, `width` | value | at least 1 | |
- *  | `stride` | value | at least width | |
- *  | `scaleFactor` | value | any | |
  *
  *  Statuses: null pointers; height or width below 1; stride below width (`_D2`).
  *  @{ */
@@ -1614,6 +1549,94 @@ QORSR_API QorStatus qorsEvalDeltaMul_16s_D2Sfs(int16_t* buffer, int32_t height, 
 
 /* ---------------- Linear prediction ---------------- */
 
+/** @defgroup linear_prediction Linear prediction
+ *  Each sample of a signal is predicted from the p before it; p is the order. The coefficients are those of the all-pole filter that
+ *  shapes speech. With a[1] to a[p] the error filter is
+ *
+ *      e(n) = x(n) + a[1] x(n - 1) + ... + a[p] x(n - p)
+ *
+ *  and the predictor's own coefficients are -a[1] to -a[p]. destination[i] holds coefficient i + 1:
+ *
+ *  | Function | Method | Result |
+ *  |---|---|---|
+ *  | `LinearPrediction_Auto` | autocorrelations of the signal, then `Durbin` | error filter a[i] |
+ *  | `LinearPredictionNeg_Auto` | the same | predictor -a[i] |
+ *  | `LinearPrediction_Cov` | covariance equations | predictor -a[i] |
+ *  | `Durbin` | recursion on autocorrelations | error filter a[i], and the energy of e |
+ *  | `Schur` | recursion on autocorrelations | reflection coefficients k[i], and the energy of e |
+ *
+ *  @warning The sign of the result differs, as the table says: `Auto` and `Cov` of one signal have opposite signs.
+ *
+ *  No window is applied, and nothing is normalised. The signal is taken as zero outside its samples (`Auto`); the sums of `Cov` stay
+ *  inside it, so that a decaying exponential is predicted exactly, but its filter need not be stable.
+ *
+ *  16-bit members convert at the edges: the results are those of the float member times 2^-scaleFactor, rounded to nearest, ties to
+ *  even, and saturated. So a scale factor of -12 gives Q12, -15 gives Q15. Residual energies are float and never scaled.
+ *
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `source` | in | length | the signal, windowed by the caller |
+ *  | `autocorrelations` | in | order + 1 | r(0) to r(p) |
+ *  | `destination` of `LinearPrediction_Auto_32f`, `LinearPredictionNeg_Auto_32f`, `Durbin_32f` | in, out | order | a failure leaves a part as it was |
+ *  | `destination` | out | order | 16 bits: Q(-scaleFactor) |
+ *  | `residual` | out | 1 | energy of the error, where the recursion succeeds |
+ *  | `order` of `LinearPrediction_*`, `LinearPredictionNeg_*` | value | 1 to length | |
+ *  | `order`, `length` | value | at least 1 | |
+ *  | `scaleFactor` | value | any | |
+ *
+ *  | Status, in order | when |
+ *  |---|---|
+ *  | #qorStatusNullPointer | signal, lags or destination null |
+ *  | #qorStatusBadSize | length or order below 1, order above length |
+ *  | #qorStatusNullPointer | `residual` null |
+ *  | #qorStatusNoMemory | no scratch: `Auto_32f` takes some from order 63 on, `Auto_16s` from length 64 on, `Durbin` from order 64 on, `Schur` from order 1024 on, `Cov` always |
+ *  | #qorStatusUnstableFilter | `Auto`, `Durbin`: r(0) or a residual energy is not above 0. Silence is such a signal |
+ *
+ *  @warning `Cov` and `Schur` test no energy: silence gives NaN or infinity, and #qorStatusOk.
+ *
+ *  **Exact arithmetic.** All is float, but for the sums of `Cov`.
+ *  - r(k) = sum over n from 0 to length - 1 - k of x(n) x(n + k), in the order of n; a lag beyond the signal is 0. From 856 samples
+ *    and lags on (the smaller of both), the lags come from the power spectrum instead, and differ by rounding.
+ *  - Durbin: k = r(1) / r(0), e = r(0) (1 - k k), a[1] = -k; then for m from 2 to p k = (r(m) + sum of a[i] r(m - i)) / e, e = e (1 -
+ *    k k), a[m] = -k, and a[i] = a[i] - k a[m - i] for all i below m. In the sum r(m) and the terms of odd i, and those of even i, run
+ *    apart and are joined before an odd last term. The test 0 >= e follows the store of a[m] (in the first step it comes before), so a
+ *    failure in step m leaves a[1] to a[m] in destination; a NaN passes. 16-bit members write nothing when they fail.
+ *  - required: `LinearPredictionNeg_Auto_32f` ends with 0 - a[i] for all of destination, also when the recursion failed.
+ *  - Schur: G(i) = r(i), H(i) = r(i - 1); step m: k(m) = -G(m) / H(m), then G(i) = G(i) + k H(i) and H(i) = k G(i - 1) + H(i - 1) of the
+ *    old numbers for i above m. The energy is G(p) k(p) + H(p).
+ *  - Cov: A(i, j) = sum over n from 0 to length - 2 - i of x(n) x(n + i - j), j <= i, products rounded to float and summed in double, and
+ *    right sides c(i) = sum over n from 0 to length - 2 - i of x(n) x(n + i + 1) in float; A = L D L' row by row without pivoting.
+ *
+ *  Source: Makhoul, "Linear Prediction: A Tutorial Review", Proc. IEEE 63 (1975); Markel and Gray, "Linear Prediction of Speech"
+ *  (1976); Le Roux and Gueguen, IEEE Trans. ASSP 25 (1977) for the recursion of Schur. @{ */
+
+/** Error filter of a float signal by its autocorrelations. */
+QORSR_API QorStatus qorsLinearPrediction_Auto_32f(const float* source, int32_t length, float* destination, int32_t order);
+/** Error filter of a 16-bit signal by its autocorrelations, times 2^-scaleFactor. */
+QORSR_API QorStatus qorsLinearPrediction_Auto_16s_Sfs(const int16_t* source, int32_t length, int16_t* destination, int32_t order,
+                                                      int32_t scaleFactor);
+/** Predictor of a float signal by its autocorrelations: the error filter's coefficients, negated. */
+QORSR_API QorStatus qorsLinearPredictionNeg_Auto_32f(const float* source, int32_t length, float* destination, int32_t order);
+/** Predictor of a 16-bit signal by its autocorrelations, times 2^-scaleFactor. */
+QORSR_API QorStatus qorsLinearPredictionNeg_Auto_16s_Sfs(const int16_t* source, int32_t length, int16_t* destination, int32_t order,
+                                                         int32_t scaleFactor);
+/** Predictor of a float signal by the covariance method. */
+QORSR_API QorStatus qorsLinearPrediction_Cov_32f(const float* source, int32_t length, float* destination, int32_t order);
+/** Predictor of a 16-bit signal by the covariance method, times 2^-scaleFactor. */
+QORSR_API QorStatus qorsLinearPrediction_Cov_16s_Sfs(const int16_t* source, int32_t length, int16_t* destination, int32_t order,
+                                                     int32_t scaleFactor);
+/** Error filter from float autocorrelations, and the energy of its error (Levinson and Durbin). */
+QORSR_API QorStatus qorsDurbin_32f(const float* autocorrelations, float* destination, int32_t order, float* residual);
+/** Error filter from 16-bit autocorrelations, times 2^-scaleFactor, and the energy of its error. */
+QORSR_API QorStatus qorsDurbin_16s_Sfs(const int16_t* autocorrelations, int16_t* destination, int32_t order, float* residual,
+                                       int32_t scaleFactor);
+/** Reflection coefficients from float autocorrelations, and the energy of the error (Schur). */
+QORSR_API QorStatus qorsSchur_32f(const float* autocorrelations, float* destination, int32_t order, float* residual);
+/** Reflection coefficients from 16-bit autocorrelations, times 2^-scaleFactor, and the energy of the error. */
+QORSR_API QorStatus qorsSchur_16s_Sfs(const int16_t* autocorrelations, int16_t* destination, int32_t order, float* residual,
+                                      int32_t scaleFactor);
+/** @} */
+
 /* ---------------- Conversions of linear prediction ---------------- */
 
 /* ---------------- Signal conditioning ---------------- */
@@ -1671,27 +1694,6 @@ QORSR_API QorStatus qorsEvalDeltaMul_16s_D2Sfs(int16_t* buffer, int32_t height, 
  *  multiplied by `factor`, and copied to the upper one. What stood in the lower triangle before is part of the sum and multiplied
  *  too; what stood above is overwritten. Factor 1 keeps running sums over several calls. source: height rows of width elements;
  *  result: width rows of width elements.
- *
- *  | Parameter | Use | Elements, or values | |
- *  |---|---|---|---|
- *  | `source` of `UpdateMean_*`, `MeanVarAcc_*` | in | length | |
- *  | `source` of `AccCovarianceMatrix_*` | in | height x width, sourceStride apart | |
- *  | `rows` | in | height x width | row pointers |
- *  | `destination` | out | length | |
- *  | `destination` of `UpdateMean_*` | in, out | length | the old means, and the new ones |
- *  | `first`, `second`, `floors`, `counts` | in | length | |
- *  | `sum` | out | 1 | |
- *  | `means`, `squares` | in | length | |
- *  | `squares` of `NewVar_*I*` | in, out | length | |
- *  | `mean` | in | length | |
- *  | `mean` of `AccCovarianceMatrix_*` | in | width | |
- *  | `accumulatedMean`, `accumulatedVariance` | in, out | length | |
- *  | `result` of `AccCovarianceMatrix_*_D2` | in, out | width x width, resultStride apart | |
- *  | `result` of `AccCovarianceMatrix_*_D2L` | in, out | width x width | row pointers |
- *  | `length`, `height`, `width` | value | at least 1 | |
- *  | `sourceStride`, `resultStride` | value | at least width | |
- *  | `occupancy`, `firstOccupancy`, `secondOccupancy`, `total` | value | at least 0 | |
- *  | `floor`, `a`, `b`, `weight`, `factor`, `scaleFactor` | value | any | |
  *
  *  Statuses, in order:
  *  - `UpdateMean`, `UpdateVar`, `UpdateWeight`: null; length below 1; any occupancy (total) negative, #qorStatusBadStatistic; any
@@ -1769,20 +1771,6 @@ QORSR_API QorStatus qorsAccCovarianceMatrix_32f64f_D2L(const float* const* rows,
  *  an element a negative one decides before a zero. A NaN gives a NaN with #qorStatusOk, unless an element with a warning comes
  *  before it (in `GaussianDist` below 13, in double 11, elements, and in qorsGaussianMerge_32f: wherever such an element stands).
  *
- *  | Parameter | Use | Elements, or values | |
- *  |---|---|---|---|
- *  | `mean1`, `variance1`, `mean2`, `variance2` | in | length | variances, not inverted |
- *  | `mean`, `variance` of `GaussianMerge_*` | out | length | |
- *  | `mean` of `GaussianSplit_*` | in, out | length | |
- *  | `variance` of `GaussianSplit_*` | in | length | |
- *  | `mean2`, `variance2` of `GaussianSplit_*` | out | length | |
- *  | `result`, `det` | out | 1 | |
- *  | `length` | value | at least 1 | |
- *  | `weight1`, `weight2` | value | any | occupancies |
- *  | `det1`, `det2` | value | any | n log(2 pi) - sum of log v |
- *  | `logs1`, `logs2` | value | any | sums of log v |
- *  | `factor` | value | any | 0.2 is usual |
- *
  *  Statuses, in order: `GaussianDist`, `GaussianMerge`, qorsGaussianSplit_32f: length below 1, then null; qorsGaussianSplit_64f,
  *  `BhatDist`: null, then length. Nothing is allocated.
  *
@@ -1831,16 +1819,6 @@ QORSR_API QorStatus qorsBhatDistSLog_32f64f(const float* mean1, const float* var
  *  **Likelihood** (`DcsClustLCompute`). With N = occupancy, D = length and variances (N squares - sum^2) / N^2, in double:
  *  result = -N/2 (D (1 + log 2 pi) + sum of log variances) = N/2 (D ((log N - 1 - log 2 pi) + log N) - sum of log d),
  *  d = squares[i] * N - sum[i]^2.
- *
- *  | Parameter | Use | Elements, or values | |
- *  |---|---|---|---|
- *  | `mean`, `variance` | in | length | variances inverted, but with `DirectVar` |
- *  | `sum`, `squares` | out | length | |
- *  | `sum`, `squares` of `DcsClustLCompute_*` | in | length | |
- *  | `result` | out | 1 | |
- *  | `length` | value | at least 1 | |
- *  | `occupancy` | value | any | |
- *  | `occupancy` of `DcsClustLCompute_*` | value | at least 0 | |
  *
  *  Statuses, in order: null; length below 1; `DcsClustLCompute`: a negative occupancy, #qorStatusBadStatistic. Then warnings, with
  *  the result written: an occupancy of exactly zero, -1.0e10 and #qorStatusZeroOccupancy; the first d that is zero, minus infinity
@@ -1895,19 +1873,6 @@ QORSR_API QorStatus qorsDcsClustLCompute_64f(const double* sum, const double* sq
  *    converted to 32 bits with the scale factor: times 2^-sf in float, to nearest, ties to even, saturated. The sentinel is scaled
  *    too. `L2Low` computes the same as `L2`.
  *
- *  | Parameter | Use | Elements, or values | |
- *  |---|---|---|---|
- *  | `source1` | in | height1 x width, stride apart | one vector a row |
- *  | `source2` | in | height2 x width, stride apart | |
- *  | `rows1` | in | height1 x width | row pointers |
- *  | `rows2` | in | height2 x width | |
- *  | `distance` | out | 1 | |
- *  | `height1`, `height2`, `width` | value | at least 1 | |
- *  | `stride` | value | at least width | |
- *  | `delta` | value | any | rows |
- *  | `beam` | value | any | distance |
- *  | `scaleFactor` | value | any | |
- *
  *  Statuses: a null sequence or distance (row pointers are not tested); a height or the width below 1, in `_D2` also a stride below
  *  the width (#qorStatusBadSize, required); #qorStatusNoMemory. Integer members always allocate, float ones where
  *  2 floor4(M + 8) + 2 ceil4(N) is above 512 (floor4, ceil4: down and up to a multiple of 4).
@@ -1952,22 +1917,6 @@ QORSR_API QorStatus qorsDTW_L2Low_16s32s_D2Sfs(const int16_t* source1, int32_t h
  *    results that hold NaN, always within the limit; so may a matrix whose values have
  *    squares outside the range of a double.
  *  - Both layouts give the same bits. Sums are grouped in four and eight lanes.
- *
- *  | Parameter | Use | Elements, or values | |
- *  |---|---|---|---|
- *  | `source` of `*_D2` | in | height x width, stride apart | A |
- *  | `source` of `*_D2L` | in | height x width | A, row pointers |
- *  | `matrix` | in, out | height x width, stride apart | A, then U |
- *  | `rows` | in, out | height x width | A, then U, row pointers |
- *  | `u` of `*_D2` | out | height x width, stride apart | |
- *  | `u` of `*_D2L` | out | height x width | row pointers |
- *  | `w` | out | width | singular values |
- *  | `v` of `*_D2`, `*_D2_I` | out | width x width, stride apart | |
- *  | `v` of `*_D2L`, `*_D2L_I` | out | width x width | row pointers |
- *  | `height`, `width`, `limit` | value | at least 1 | |
- *  | `stride` | value | at least width | |
- *  | `firstColumn`, `secondColumn` | value | 0 to width - 1 | |
- *  | `c`, `s` | value | any | cosine and sine |
  *
  *  Statuses, in order: null; height, width or limit below 1, in `_D2` also a stride below width (#qorStatusBadSize, required);
  *  #qorStatusNoMemory with nothing written (scratch is about width (height + width) doubles, less than 2^31 bytes);

@@ -1,6 +1,8 @@
 #include "features/real_transform.h"
 
 #include <cmath>
+#include <type_traits>
+#include <utility>
 
 #include "frame/lanes.h"
 #include "frame/lanes/order.h"
@@ -28,11 +30,12 @@ constexpr int64_t passFloats(int64_t points, int64_t s) {
 }
 constexpr int64_t splitFloats(int64_t points) { return wholeLines(points / 2 + 1); }
 
-constexpr int64_t tableFloats(int64_t points) {
-  int64_t floats = 2 * splitFloats(points);
+constexpr int64_t passesFloats(int64_t points) {
+  int64_t floats = 0;
   for (int64_t s = 1; points / s > 4; s *= 4) floats += passFloats(points, s);
   return floats;
 }
+constexpr int64_t tableFloats(int64_t points) { return passesFloats(points) + 2 * splitFloats(points); }
 
 struct Root {
   double re, im;
@@ -273,26 +276,67 @@ inline void split(const Planes& z, const float* table, int64_t points, const Sin
   sink.realEnds(points);
 }
 
+// ---- The split backwards ----
+
+// Bins k to k + W - 1 of a spectrum, real and imaginary parts in turn.
+template <int W>
+inline Complex<W> loadBins(const float* spectrum, int64_t k) {
+  return Signal<float>{spectrum}.load<W>(k);
+}
+
+// Z[k] = (S + 2 i conj(w) D) / 2 with S = X[k] + conj X[M-k], D = X[k] - conj X[M-k], and Z[M-k] = conj(S - 2 i conj(w) D) / 2 likewise,
+// where w is half the root of the tables.
+template <int W>
+inline void joinBins(const float* spectrum, const float* table, int64_t points, int64_t k, const Planes& z) {
+  const Lanes<float, W> half(0.5F);
+  const Complex<W> w{Lanes<float, W>::load(table + k), Lanes<float, W>::load(table + splitFloats(points) + k)};
+  const int64_t mirror = points - k - (W - 1);
+  const Complex<W> a = loadBins<W>(spectrum, k), straight = loadBins<W>(spectrum, mirror),
+                   b{reversed(straight.re), reversed(straight.im)};
+  const Complex<W> even{(a.re + b.re) * half, (a.im - b.im) * half}, difference{a.re - b.re, a.im + b.im};
+  const Complex<W> odd{difference.re * w.re + difference.im * w.im, difference.im * w.re - difference.re * w.im};
+  const Complex<W> low = plusI(even, odd), high = minusI(even, odd);
+  z.store(k, low);
+  z.store(mirror, Complex<W>{reversed(high.re), reversed(Lanes<float, W>(0.0F) - high.im)});
+}
+
+template <int W>
+inline void join(const float* spectrum, const float* table, int64_t points, const Planes& z) {
+  for (int64_t k = 0; k < points / 2; k += W) joinBins<W>(spectrum, table, points, k, z);
+  if (points > 1) joinBins<1>(spectrum, table, points, points / 2, z);
+  const float first = spectrum[0], last = spectrum[2 * points];
+  z.re[0] = (first + last) * 0.5F;
+  z.im[0] = (first - last) * 0.5F;
+}
+
+// The samples, in turn in the two planes, divided by their number.
+template <int W>
+inline void putSamples(const Planes& z, int64_t points, float* x) {
+  const Lanes<float, W> factor(1.0F / static_cast<float>(points));
+  for (int64_t n = 0; n < points; n += W) {
+    const Complex<W> pair = z.load<W>(n);
+    ToSpectrum{x}.put<W>(n, {pair.re * factor, pair.im * factor});
+  }
+}
+
 // ---- The whole ----
 
 constexpr int64_t planeFloats(int64_t points) { return wholeLines(points + 1); }
 
-template <int W, class T, class Sink>
-inline void run(const float* table, float* work, const T* x, int64_t points, const Sink& sink) {
-  const int64_t plane = planeFloats(points), quarter = points / 4;
-  Planes from{work, work + plane}, to{work + 2 * plane, work + 3 * plane};
+// The complex transform, from `in` by way of two pairs of planes: leaves the result in the one that is returned, and `table` at what
+// stands behind the tables of the passes.
+template <int W, class Source>
+inline Planes transformPoints(const float*& table, const Source& in, Planes from, Planes to, int64_t points) {
+  const int64_t quarter = points / 4;
   const auto turn = [&](int64_t s) {
     table += passFloats(points, s);
-    const Planes last = from;
-    from = to;
-    to = last;
+    std::swap(from, to);
   };
   if (points <= 4) {
-    lastPass<1>(Signal<T>{x}, to, points, points);
-    split<1>(to, table, points, sink);
-    return;
+    lastPass<1>(in, to, points, points);
+    return to;
   }
-  lanePass<W, 1>(Signal<T>{x}, to, quarter, table);
+  lanePass<W, 1>(in, to, quarter, table);
   turn(1);
   int64_t s = 4;
   if (points / s > 4) {
@@ -305,20 +349,50 @@ inline void run(const float* table, float* work, const T* x, int64_t points, con
     turn(s);
   }
   lastPass<W>(from, to, points, points / s);
-  split<W>(to, table, points, sink);
+  return to;
 }
 
-template <class T, class Sink>
-void runWithLanes(const RealTransform& setup, const T* x, void* work, const Sink& sink) {
+// Two pairs of planes in the work memory.
+struct WorkPlanes {
+  Planes first, second;
+
+  WorkPlanes(float* work, int64_t plane) : first{work, work + plane}, second{work + 2 * plane, work + 3 * plane} {}
+};
+
+template <int W, class T, class Sink>
+inline void run(const float* table, float* work, const T* x, int64_t points, const Sink& sink) {
+  const WorkPlanes planes(work, planeFloats(points));
+  const Planes z = transformPoints<W>(table, Signal<T>{x}, planes.first, planes.second, points);
+  split<W>(z, table, points, sink);
+}
+
+template <int W>
+inline void runBackwards(const float* table, float* work, const float* spectrum, int64_t points, float* x) {
+  const WorkPlanes planes(work, planeFloats(points));
+  join<W>(spectrum, table + passesFloats(points), points, planes.first);
+  const auto exchanged = [](const Planes& z) { return Planes{z.im, z.re}; };
+  const Planes z = transformPoints<W>(table, exchanged(planes.first), exchanged(planes.first), exchanged(planes.second), points);
+  putSamples<W>(exchanged(z), points, x);
+}
+
+// Calls body(number of lanes, tables, work memory, points).
+template <class Body>
+void withLanes(const RealTransform& setup, void* work, const Body& body) {
   const auto* table = reinterpret_cast<const float*>(reinterpret_cast<const std::byte*>(&setup) + setup.tables);
   auto* area = static_cast<float*>(alignUp(work, kLine));
   const int64_t points = int64_t{1} << (setup.order - 1);
   constexpr int kLanes = kNativeLanes<float>;
   if (points >= 4 * kLanes) {
-    run<kLanes>(table, area, x, points, sink);
+    body(std::integral_constant<int, kLanes>(), table, area, points);
   } else {
-    run<1>(table, area, x, points, sink);
+    body(std::integral_constant<int, 1>(), table, area, points);
   }
+}
+
+template <class T, class Sink>
+void runWithLanes(const RealTransform& setup, const T* x, void* work, const Sink& sink) {
+  withLanes(setup, work,
+            [&](auto lanes, const float* table, float* area, int64_t points) { run<lanes>(table, area, x, points, sink); });
 }
 
 }  // namespace
@@ -345,6 +419,12 @@ void RealTransform::transform(const float* x, float* spectrum, void* work) const
 
 void RealTransform::transform(const int16_t* x, float* spectrum, void* work) const {
   runWithLanes(*this, x, work, ToSpectrum{spectrum});
+}
+
+void RealTransform::inverse(const float* spectrum, float* x, void* work) const {
+  withLanes(*this, work, [&](auto lanes, const float* table, float* area, int64_t points) {
+    runBackwards<lanes>(table, area, spectrum, points, x);
+  });
 }
 
 void RealTransform::magnitudes(const float* x, float* magnitudes, void* work) const {

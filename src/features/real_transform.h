@@ -1,4 +1,4 @@
-// Forward transform of a real signal of N = 2^order samples, unnormalised:
+// Transform of a real signal of N = 2^order samples, unnormalised, and its inverse:
 //   X[k] = sum over n of x[n] exp(-2 pi i n k / N),  k = 0 to N/2.
 //
 // The samples are taken as M = N/2 complex numbers z[n] = x[2n] + i x[2n+1], transformed by radix-4 passes that sort themselves
@@ -9,7 +9,8 @@
 // Real and imaginary parts lie in arrays of their own, and lanes are independent butterflies: the arithmetic of a bin does not
 // depend on the number of lanes, so the bits are the same at every level.
 //
-// The inverse of a real and even spectrum (a power spectrum, for autocorrelation) is its forward transform, divided by N.
+// The inverse goes the same way back: Z[k] = E + i O is formed of X[k] and conj X[M-k] by the same tables, and the passes transform it
+// with real and imaginary parts exchanged, which turns their direction.
 #pragma once
 
 #include <cstdint>
@@ -35,6 +36,10 @@ struct [[gnu::packed]] RealTransform {
   // `work` begins anywhere; x, the result and the work memory do not overlap.
   void transform(const float* x, float* spectrum, void* work) const;
   void transform(const int16_t* x, float* spectrum, void* work) const;
+
+  // x[n] such that transform(x) gives the spectrum, up to rounding: the inverse with the factor 1 / N. The imaginary parts of bins 0
+  // and N/2 are taken as zero.
+  void inverse(const float* spectrum, float* x, void* work) const;
 
   // magnitudes[k] = sqrt(re * re + im * im), k = 0 to N/2.
   void magnitudes(const float* x, float* magnitudes, void* work) const;
