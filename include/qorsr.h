@@ -912,8 +912,8 @@ QORSR_API QorStatus qorsMahDist_64f_D2L(const double* const* rows, const double*
  *
  *  Statuses, in order.
  *  - Whole: null pointers; stride below width (`_D2`); count or width below 1.
- *  - Selected: null pointers, but for `results`, which is not checked; width, count or frameCount below 1; stride below width
- *    (`_D2`), or a null among the row pointers of frames, means, variances (`_D2L`); #qorStatusNoMemory where nothing is gathered.
+ *  - Selected: null pointers, but for `results`; width, count or frameCount below 1; stride below width (`_D2`), or a null among
+ *    the row pointers of frames, means, variances (`_D2L`); a null `results`; #qorStatusNoMemory where nothing is gathered.
  *
  *  Source of the method: as above; for the sum in the log domain see @ref log_arithmetic "log-domain arithmetic". @{ */
 

@@ -53,10 +53,9 @@ auto differenceFor(T x, T mean) {
   }
 }
 
-// `finish(Q)` is what is stored.
-template <class Sum, class T, class Record, class Result, class Finish>
-QorStatus scoreBlockDiagonal(const T* x, const T* mean, const Record* record, int32_t length, Result* result,
-                             const Finish& finish) {
+template <class Sum, class Score, class T, class Record, class Result, class Val>
+QorStatus scoreBlockDiagonal(Score score, const T* x, const T* mean, const Record* record, int32_t length, Result* result,
+                             Val val) {
   if (QorStatus bad = Checks()
                           .null(x, mean, record, result)
                           .size(length)
@@ -65,21 +64,32 @@ QorStatus scoreBlockDiagonal(const T* x, const T* mean, const Record* record, in
   const Scratch<decltype(differenceFor<Sum>(*x, *mean)), kBlockDiagonalStack> d(length);
   if (!d) return qorStatusNoMemory;
   for (int32_t i = 0; i < length; ++i) d[i] = differenceFor<Sum>(x[i], mean[i]);
-  *result = finish(blockDiagonalSum<Sum>(d.get(), length, *record));
+  *result = score(blockDiagonalSum<Sum>(d.get(), length, *record), val);
   return qorStatusOk;
 }
 
-// ---- Finishes ----
+// ---- How the sum becomes a score ----
+
+namespace score {
 
 // The half and the difference in double, rounded once.
-inline float halvedInDouble(float sum, float val) {
-  return static_cast<float>(static_cast<double>(val) - static_cast<double>(sum) * 0.5);
-}
-inline float halvedAndScaled(float sum, float val, int32_t scaleFactor) {
-  return val - sum * twoToMinus<float>(scaleFactor) * 0.5F;
-}
+struct HalvedInDouble {
+  float operator()(float sum, float val) const {
+    return static_cast<float>(static_cast<double>(val) - static_cast<double>(sum) * 0.5);
+  }
+};
 
-// Saturated above and below, else truncated; 2^31 itself becomes the most negative value (required).
-inline int32_t saturatedAbove(float value) { return value > 2147483648.0F ? INT32_MAX : truncateOrLowest<int32_t>(value); }
+struct HalvedAndScaled {
+  int32_t scaleFactor;
+
+  float operator()(float sum, float val) const { return val - sum * twoToMinus<float>(scaleFactor) * 0.5F; }
+  // Saturated above and below, else truncated; 2^31 itself becomes the most negative value (required).
+  int32_t operator()(float sum, int32_t val) const {
+    const float value = (*this)(sum, static_cast<float>(val));
+    return value > 2147483648.0F ? INT32_MAX : truncateOrLowest<int32_t>(value);
+  }
+};
+
+}  // namespace score
 
 }  // namespace qorsr

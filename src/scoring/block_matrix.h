@@ -4,6 +4,7 @@
 // blocks. Each area begins on a 16-byte boundary, and so does each row. Read-only once made.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "frame/memory.h"

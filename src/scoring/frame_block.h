@@ -6,12 +6,12 @@
 
 namespace qorsr {
 
-template <class Combine, class Score, class Rows, class Means, class Variances, class Vals, class Result>
+template <class Combine, class Score, class Rows, class Means, class Variances, class Result, class Val = NoVals>
 QorStatus scoreFrames(Score score, Rows frames, Gaussians<Means, Variances> gaussian, int32_t width, Result* result, int32_t height,
-                      Vals val) {
+                      Val val = {}) {
   if (QorStatus bad = Checks().stride(frames, width).null(frames, gaussian.mean, gaussian.variance, result).size(width, height))
     return bad;
-  Run<Combine>::over(score, frames, gaussian, val, result, height, width);
+  scoreRows<Combine>(score, frames, gaussian, SharedVal{val}, result, height, width);
   return qorStatusOk;
 }
 

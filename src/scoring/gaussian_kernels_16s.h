@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <type_traits>
 
 #include "frame/bits.h"
 #include "frame/lanes.h"

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <type_traits>
 
 #include "frame/checks.h"
@@ -78,6 +79,24 @@ auto diagonal(const T* mean, const V* variance) {
 template <class T>
 auto identity(const T* mean) {
   return Gaussians{SharedRow{mean}, UnitRows{}};
+}
+
+// Rows of Gaussians, with inverse variances or without.
+template <class T>
+auto stridedGaussians(const T* means, const T* variances, int32_t stride) {
+  return Gaussians{strided(means, stride), strided(variances, stride)};
+}
+template <class T>
+auto stridedGaussians(const T* means, int32_t stride) {
+  return Gaussians{strided(means, stride), UnitRows{}};
+}
+template <class T>
+auto listedGaussians(const T* const* means, const T* const* variances) {
+  return Gaussians{listed(means), listed(variances)};
+}
+template <class T>
+auto listedGaussians(const T* const* means) {
+  return Gaussians{listed(means), UnitRows{}};
 }
 
 // Row pointers r to r + R - 1 of a matrix, or of a row that serves them all. Strided rows are stepped through: one multiplication a

@@ -167,13 +167,14 @@ inline void logAddVectors(const T* source, T* result, int32_t length) {
   tail.store(Form::add(tail.load(source + i), tail.load(result + i)), result + i);
 }
 
-[[gnu::noinline]] inline void qorLogAddKernel_32f(const float* source, float* result, int32_t length) {
+// Floats in the accurate form, doubles by Horner; and the fast form.
+[[gnu::noinline]] inline void logAddVector(const float* source, float* result, int32_t length) {
   logAddVectors<AccurateLogAdd, kNativeBytes / 2>(source, result, length);
 }
-[[gnu::noinline]] inline void qorLogAddKernelFast_32f(const float* source, float* result, int32_t length) {
+[[gnu::noinline]] inline void logAddVectorFast(const float* source, float* result, int32_t length) {
   logAddVectors<FastLogAdd, kNativeBytes>(source, result, length);
 }
-[[gnu::noinline]] inline void qorLogAddKernel_64f(const double* source, double* result, int32_t length) {
+[[gnu::noinline]] inline void logAddVector(const double* source, double* result, int32_t length) {
   logAddVectors<DoubleLogAdd, kNativeBytes / 2>(source, result, length);
 }
 
@@ -197,7 +198,7 @@ inline Lanes<T, 2> foldLanes(const Lanes<T, 2>& lanes) {
 
 // log of the sum of exp(source[i]): from `least` elements on, N lanes and a fold, then (or else at once) one by one from the left.
 template <class Form, int N, class T = typename Form::Element>
-inline T logSum(const T* source, int32_t length, int32_t least) {
+inline T logSumOf(const T* source, int32_t length, int32_t least) {
   using L = Lanes<T, N>;
   L sum(source[0]);
   int32_t i = 1;
@@ -213,11 +214,9 @@ inline T logSum(const T* source, int32_t length, int32_t least) {
 }
 
 // Length at least 1.
-[[gnu::noinline]] inline void qorLogSumKernel_32f(const float* source, float* result, int32_t length) {
-  *result = logSum<FastLogAdd, 4>(source, length, 8);
-}
-[[gnu::noinline]] inline void qorLogSumKernel_64f(const double* source, double* result, int32_t length) {
-  *result = logSum<DoubleLogAddByParity, 2>(source, length, 5);
+[[gnu::noinline]] inline float logSum(const float* source, int32_t length) { return logSumOf<FastLogAdd, 4>(source, length, 8); }
+[[gnu::noinline]] inline double logSum(const double* source, int32_t length) {
+  return logSumOf<DoubleLogAddByParity, 2>(source, length, 5);
 }
 
 }  // namespace qorsr

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 
 #include "frame/bits.h"
 #include "frame/checks.h"
@@ -41,13 +42,13 @@ inline Int limitAndTruncate(double value) {
 // Hint 1 is the fast form, 0 and 2 the accurate one. Any other hint does nothing (required).
 inline void logAddByHint(const float* source, float* result, int32_t length, int32_t hint) {
   if (hint == 1) {
-    qorLogAddKernelFast_32f(source, result, length);
+    logAddVectorFast(source, result, length);
   } else if (hint == 0 || hint == 2) {
-    qorLogAddKernel_32f(source, result, length);
+    logAddVector(source, result, length);
   }
 }
 inline void logAddByHint(const double* source, double* result, int32_t length, int32_t hint) {
-  if (hint >= 0 && hint <= 2) qorLogAddKernel_64f(source, result, length);
+  if (hint >= 0 && hint <= 2) logAddVector(source, result, length);
 }
 
 template <class T>
@@ -140,13 +141,10 @@ QorStatus logSubAll(const T* source, T* result, int32_t length, const Elements& 
 
 // ---- LogSum ----
 
-inline void logSumKernel(const float* source, float* result, int32_t length) { qorLogSumKernel_32f(source, result, length); }
-inline void logSumKernel(const double* source, double* result, int32_t length) { qorLogSumKernel_64f(source, result, length); }
-
 template <class T>
 QorStatus logSumAll(const T* source, T* result, int32_t length) {
   if (QorStatus bad = Checks().size(length).null(source, result)) return bad;
-  logSumKernel(source, result, length);
+  *result = logSum(source, length);
   return qorStatusOk;
 }
 
@@ -174,7 +172,7 @@ inline double longLogSum(const Int* source, int32_t length, float factor) {
     const int32_t front = i > 0 ? 1 : 0;
     chunk[0] = sum;
     toScaledFloats(source + i, chunk.get() + front, n, factor);
-    qorLogSumKernel_32f(chunk.get(), &sum, n + front);
+    sum = logSum(chunk.get(), n + front);
   }
   return static_cast<double>(sum);
 }

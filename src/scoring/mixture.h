@@ -4,15 +4,15 @@
 // of the log additions, in four lanes (double: two), is part of the result.
 #pragma once
 
+#include <algorithm>
+#include <cstdint>
+
 #include "scoring/combine.h"
 #include "scoring/scores.h"
 
 namespace qorsr {
 
 inline constexpr int32_t kMixtureChunk = 100;
-
-inline void logSum(const float* scores, float* result, int32_t count) { qorLogSumKernel_32f(scores, result, count); }
-inline void logSum(const double* scores, double* result, int32_t count) { qorLogSumKernel_64f(scores, result, count); }
 
 // Log-sum of scores that come in chunks: room for a chunk, behind the result so far.
 template <class Result>
@@ -22,9 +22,7 @@ class RunningLogSum {
   void add(int32_t count) {
     if (count < 1) return;
     const int32_t front = started_ ? 1 : 0;
-    Result sum;
-    logSum(chunk() - front, &sum, count + front);
-    slots_[0] = sum;
+    slots_[0] = logSum(chunk() - front, count + front);
     started_ = true;
   }
   bool started() const { return started_; }
@@ -45,7 +43,7 @@ QorStatus scoreMixture(Score score, const T* x, Gaussians<Means, Variances> gaus
   for (int32_t first = 0; first < count; first += std::min(kMixtureChunk, count - first)) {
     const int32_t chunk = std::min(kMixtureChunk, count - first);
     const Gaussians part{skipRows(gaussians.mean, first), skipRows(gaussians.variance, first)};
-    Run<Write>::over(score, SharedRow{x}, part, vals + first, sum.chunk(), chunk, width);
+    scoreRows<Write>(score, SharedRow{x}, part, vals + first, sum.chunk(), chunk, width);
     sum.add(chunk);
   }
   *result = sum.value();

@@ -12,8 +12,20 @@ QorStatus scoreGaussians(Score score, Gaussians<Rows, Rows> gaussians, const T* 
   if (QorStatus bad =
           Checks().stride(gaussians.mean, width).null(gaussians.mean, gaussians.variance, x, vals, result).size(width, count))
     return bad;
-  Run<Combine>::over(score, SharedRow{x}, gaussians, vals, result, count, width);
+  scoreRows<Combine>(score, SharedRow{x}, gaussians, vals, result, count, width);
   return qorStatusOk;
+}
+
+// The vals stand where the scores are written.
+template <class Combine, class Score, class Rows, class T, class Result>
+QorStatus scoreGaussians(Score score, Gaussians<Rows, Rows> gaussians, const T* x, int32_t width, Result* valsAndResult,
+                         int32_t count) {
+  return scoreGaussians<Combine>(score, gaussians, x, width, valsAndResult, valsAndResult, count);
+}
+// Distances take no vals.
+template <class T, class Rows, class U>
+QorStatus gaussianDistances(Gaussians<Rows, Rows> gaussians, const U* x, int32_t width, T* result, int32_t count) {
+  return scoreGaussians<Write>(score::RealDistance<T>(), gaussians, x, width, NoVals(), result, count);
 }
 
 }  // namespace qorsr

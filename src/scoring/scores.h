@@ -9,7 +9,11 @@
 //   limited    val - Q * 2^-e            limited, still a float; the combination truncates it
 //   scaled     val - Q * 2^-e            float
 //   integer    val + lanes of shifts     32-bit integers that wrap, or the lanes converted to float
+//   low        integer, or for a negative scale factor truncated (scaled, with results in float)
 // A float above the range of 32-bit integers, 2^31 too, becomes the most negative integer (required).
+//
+// required: where integer results keep the larger score, every step of the run rounds toward zero, and most of them are compared
+// as floats. Such scores say so (kTowardZero, ThroughFloat).
 #pragma once
 
 #include <algorithm>
@@ -38,16 +42,18 @@ struct NoVals {
 };
 inline bool isNull(const NoVals&) { return false; }
 
+namespace score {
+
 // ---- Float and double ----
 
 template <class T>
-struct FoldedScore {
+struct Folded {
   static RealSums<T> sums() { return {}; }
   T operator()(T sum, T val) const { return ((val + val) - sum) * T(0.5); }
 };
 
 template <class T>
-struct PlainScore {
+struct Plain {
   static RealSums<T> sums() { return {}; }
   T operator()(T sum, T val) const { return val - sum * T(0.5); }
 };
@@ -57,6 +63,8 @@ struct Distance {
   static Kernel sums() { return {}; }
   typename Kernel::Sum operator()(typename Kernel::Sum sum, NoVals) const { return sum; }
 };
+template <class T>
+using RealDistance = Distance<RealSums<T>>;
 
 // ---- 16 bits ----
 
@@ -90,80 +98,100 @@ inline int32_t limitAndRoundAsCaller(float value) {
   return limited < 2147483648.0F ? static_cast<int32_t>(__builtin_lrintf(limited)) : INT32_MIN;
 }
 
-struct RoundedScore {
+struct Rounded {
   ExactPower power;
 
-  explicit RoundedScore(int32_t scaleFactor) : power(scaleFactor) {}
+  explicit Rounded(int32_t scaleFactor) : power(scaleFactor) {}
   static ShortSums sums() { return {}; }
   int32_t operator()(float sum, int32_t val) const { return limitAndRoundAsCaller(static_cast<float>(val) - power(sum)); }
 };
 
-struct TruncatedScore {
+struct Truncated {
   ExactPower power;
 
-  explicit TruncatedScore(int32_t scaleFactor) : power(scaleFactor) {}
+  explicit Truncated(int32_t scaleFactor) : power(scaleFactor) {}
   static ShortSums sums() { return {}; }
   int32_t operator()(float sum, int32_t val) const { return truncateOrLowest<int32_t>(static_cast<float>(val) - power(sum)); }
 };
 
-struct LimitedScore {
+struct Limited {
+  static constexpr bool kTowardZero = true;
   float power;
 
-  explicit LimitedScore(int32_t scaleFactor) : power(halvedPower(scaleFactor)) {}
+  explicit Limited(int32_t scaleFactor) : power(halvedPower(scaleFactor)) {}
   static ShortSums sums() { return {}; }
   float operator()(float sum, int32_t val) const { return limitTo32(static_cast<float>(val) - sum * power); }
 };
 
-struct ScaledScore {
+struct Scaled {
   float power;
 
-  explicit ScaledScore(int32_t scaleFactor) : power(halvedPower(scaleFactor)) {}
+  explicit Scaled(int32_t scaleFactor) : power(halvedPower(scaleFactor)) {}
   static ShortSums sums() { return {}; }
   float operator()(float sum, float val) const { return val - sum * power; }
 };
 
 template <class Kernel>
-struct ExactScaledScore {
+struct ExactlyScaled {
   ExactPower power;
 
-  explicit ExactScaledScore(int32_t scaleFactor) : power(scaleFactor) {}
+  explicit ExactlyScaled(int32_t scaleFactor) : power(scaleFactor) {}
   static Kernel sums() { return {}; }
   float operator()(float sum, float val) const { return val - power(sum); }
 };
-using PairScore = ExactScaledScore<ShortPairSums>;
+using Pairs = ExactlyScaled<ShortPairSums>;
 
 // The shifted lanes carry the negative sign already.
-struct IntegerScore {
+struct Integer {
   ShortIntegerSums kernel;
 
-  explicit IntegerScore(int32_t scaleFactor) : kernel(scaleFactor) {}
+  explicit Integer(int32_t scaleFactor) : kernel(scaleFactor) {}
   ShortIntegerSums sums() const { return kernel; }
   int32_t operator()(int32_t sum, int32_t val) const { return wrapAdd(val, sum); }
   float operator()(int32_t sum, float val) const { return val + static_cast<float>(sum); }
 };
 
-// The score of `Low` members with weights: integers, but float sums for a negative scale factor.
-template <class Val>
-struct LowScore {
+// An integer score, to be compared as a float.
+template <class Score>
+struct ThroughFloat : Score {
+  static constexpr bool kTowardZero = true;
+  using Score::Score;
+  template <class Sum>
+  float operator()(Sum sum, int32_t val) const {
+    return static_cast<float>(Score::operator()(sum, val));
+  }
+};
+// The same, compared as it is.
+template <class Score>
+struct TowardZero : Score {
+  static constexpr bool kTowardZero = true;
+  using Score::Score;
+};
+using IntegerMax = ThroughFloat<Integer>;
+
+// `Low` members with weights: the scale factor decides between two arithmetics.
+template <class IfNegative, class Else>
+struct EitherScore {
   int32_t scaleFactor;
 
-  explicit LowScore(int32_t sf) : scaleFactor(sf) {}
+  explicit EitherScore(int32_t sf) : scaleFactor(sf) {}
 };
+using Low = EitherScore<Truncated, Integer>;
+using LowReal = EitherScore<ExactlyScaled<ShortSums>, Integer>;
+using LowMax = EitherScore<ThroughFloat<Truncated>, ThroughFloat<Integer>>;
+using LowExact = EitherScore<TowardZero<Truncated>, TowardZero<Integer>>;
 
-// Calls run(score) with the arithmetic that the score decides for.
+}  // namespace score
+
+// Calls run(score) with the arithmetic that the scale factor decides for.
 template <class Score, class F>
 void withArithmetic(const Score& score, const F& run) {
   run(score);
 }
-template <class F>
-void withArithmetic(const LowScore<int32_t>& score, const F& run) {
-  if (score.scaleFactor < 0) return run(TruncatedScore(score.scaleFactor));
-  run(IntegerScore(score.scaleFactor));
-}
-template <class F>
-void withArithmetic(const LowScore<float>& score, const F& run) {
-  if (score.scaleFactor < 0) return run(ExactScaledScore<ShortSums>(score.scaleFactor));
-  run(IntegerScore(score.scaleFactor));
+template <class IfNegative, class Else, class F>
+void withArithmetic(const score::EitherScore<IfNegative, Else>& score, const F& run) {
+  if (score.scaleFactor < 0) return run(IfNegative(score.scaleFactor));
+  run(Else(score.scaleFactor));
 }
 
 }  // namespace qorsr

@@ -5,6 +5,11 @@
 // by the log-sum kernel, in chunks like a whole mixture. They agree within rounding.
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <type_traits>
+
 #include "frame/memory.h"
 #include "scoring/mixture.h"
 
@@ -78,7 +83,7 @@ void addListed(const Score& score, FrameList<T>& list, const Gaussians<Means, Va
   float scores[kScoreChunk], sums[kScoreChunk];
   scoreRows<Write>(score, ListedRows{list.rows}, gaussian, SharedVal{val}, scores, list.count, width);
   for (int32_t i = 0; i < list.count; ++i) sums[i] = results[list.frames[i]];
-  logAddInto(scores, sums, list.count);
+  logAddVector(scores, sums, list.count);
   for (int32_t i = 0; i < list.count; ++i) {
     uint16_t& counter = counters[list.frames[i]];
     results[list.frames[i]] = counter == 0 ? scores[i] : sums[i];
@@ -146,13 +151,14 @@ template <class Score, class Frames, class Means, class Variances>
 QorStatus scoreSelected(Score score, Frames frames, Gaussians<Means, Variances> gaussians, int32_t width, const float* vals,
                         SelectionMask mask, float* results, int32_t frameCount, float floor) {
   const int32_t count = mask.count();
-  if (QorStatus bad = Checks()  // required: the results are not checked for null
+  if (QorStatus bad = Checks()
                           .null(frames, gaussians.mean, mask, gaussians.variance, vals)
                           .size(width, count, frameCount)
                           .stride(frames, width)
                           .require([&] { return rowsPresent(frames, frameCount); }, qorStatusNullPointer)
                           .require([&] { return rowsPresent(gaussians.mean, count); }, qorStatusNullPointer)
-                          .require([&] { return rowsPresent(gaussians.variance, count); }, qorStatusNullPointer))
+                          .require([&] { return rowsPresent(gaussians.variance, count); }, qorStatusNullPointer)
+                          .null(results))  // required: last
     return bad;
   if constexpr (requires { frames.stride; } && !std::is_same_v<Variances, UnitRows>) {
     if (count >= 9 && frameCount >= 2) {

@@ -7,6 +7,7 @@
 // table, the entries positions, or the groups are columns and the entries rows; a small policy says which.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <type_traits>

@@ -15,8 +15,9 @@
 
 namespace qorsr {
 
-template <class Score, class T, class Variances, class Val, class Result>
-QorStatus scoreOne(Score score, const T* x, Gaussians<SharedRow<T>, Variances> gaussian, int32_t length, Result* result, Val val) {
+template <class Score, class T, class Variances, class Result, class Val = NoVals>
+QorStatus scoreOne(Score score, const T* x, Gaussians<SharedRow<T>, Variances> gaussian, int32_t length, Result* result,
+                   Val val = {}) {
   if (QorStatus bad = Checks().null(x, gaussian.mean, gaussian.variance, result).size(length)) return bad;
   withArithmetic(score, [&](const auto& decided) {
     *result = decided(quadraticSum(decided.sums(), SharedRow{x}, gaussian.mean, gaussian.variance, length), val);
@@ -50,15 +51,15 @@ bool storeReciprocals(const T* values, float* reciprocals, int32_t length) {
   return zero;
 }
 
-// The reciprocals of the variances are formed first, in float. `finish(sum)` stores the result. A zero variance is a warning.
-template <class T, class Result, class Finish>
-QorStatus scoreByReciprocals(const T* x, const T* mean, const T* variance, int32_t length, Result* result, const Finish& finish) {
+// The reciprocals of the variances are formed first, in float. A zero variance is a warning.
+template <class Score, class T, class Result, class Val>
+QorStatus scoreByReciprocals(Score score, const T* x, const T* mean, const T* variance, int32_t length, Result* result, Val val) {
   if (QorStatus bad = Checks().null(x, mean, variance, result).size(length)) return bad;
   const Scratch<float> reciprocals(length);
   if (!reciprocals) return qorStatusNoMemory;
   float* const inverse = reciprocals.get();
   const bool zero = storeReciprocals(variance, inverse, length);
-  *result = finish(quadraticSum(RealSums<float>(), SharedRow{x}, SharedRow{mean}, SharedRow<float>{inverse}, length));
+  *result = score(quadraticSum(RealSums<float>(), SharedRow{x}, SharedRow{mean}, SharedRow<float>{inverse}, length), val);
   return zero ? qorStatusDivideByZero : qorStatusOk;
 }
 
@@ -68,16 +69,22 @@ QorStatus scoreByDivision(const T* x, const T* mean, const T* variance, int32_t 
   if (QorStatus bad = Checks().null(x, mean, variance, result).size(length)) return bad;
   if (refuse && anyZero(variance, length)) return qorStatusDivideByZero;
   *result =
-      PlainScore<double>()(quadraticSum(RealSums<double>(), SharedRow{x}, SharedRow{mean}, DivisorRows{variance}, length), val);
+      score::Plain<double>()(quadraticSum(RealSums<double>(), SharedRow{x}, SharedRow{mean}, DivisorRows{variance}, length), val);
   return qorStatusOk;
 }
 
+namespace score {
 // val - (the sum, scaled and rounded to 32 bits), limited.
-inline int32_t subtractConverted(float sum, int32_t val, int32_t scaleFactor) {
-  int32_t scaled;
-  convertFloats(&sum, &scaled, 1, kNearestEven, scaleFactor == INT32_MAX ? scaleFactor : scaleFactor + 1);
-  return saturate<int32_t>(int64_t{val} - scaled);
-}
+struct Converted {
+  int32_t scaleFactor;
+
+  int32_t operator()(float sum, int32_t val) const {
+    int32_t scaled;
+    convertFloats(&sum, &scaled, 1, kNearestEven, scaleFactor == INT32_MAX ? scaleFactor : scaleFactor + 1);
+    return saturate<int32_t>(int64_t{val} - scaled);
+  }
+};
+}  // namespace score
 
 // ---- 16-bit distance as an integer ----
 
@@ -87,7 +94,7 @@ inline QorStatus distanceScaled(const int16_t* x, const int16_t* mean, const int
                                 int32_t scaleFactor) {
   if (QorStatus bad = Checks().null(x, mean, variance, result).size(length)) return bad;
   if (isAligned16(x) && isAligned16(mean) && isAligned16(variance)) {
-    *result = limitAndRoundAsCaller(quadraticSum(ShortSums(), SharedRow{x}, SharedRow{mean}, SharedRow{variance}, length));
+    *result = score::limitAndRoundAsCaller(quadraticSum(ShortSums(), SharedRow{x}, SharedRow{mean}, SharedRow{variance}, length));
     return qorStatusOk;
   }
   int64_t sum = 0;

@@ -281,13 +281,14 @@ void expectFaults(Strided strided, Listed listed, bool unit) {
     return table;
   };
   kit::FaultTable<A> first(valid, [=](const A& a) { return call(strided, a); }, {{results.data(), 3}});
-  fill(first).fault("stride below width", qorStatusBadStride, &A::stride, 3, kit::against(&A::width)).check();
+  fill(first).fault("stride below width", qorStatusBadStride, &A::stride, 3, kit::against(&A::width));
+  first.fault("null results", qorStatusNullPointer, &A::results, nullptr).check();
   kit::FaultTable<A> second(valid, [=](const A& a) { return call(listed, a); }, {{results.data(), 3}});
   fill(second)
       .fault("frames with a null row", qorStatusNullPointer, &A::frameRows, frames.data())
       .fault("means with a null row", qorStatusNullPointer, &A::meanRows, means.data());
   if (!unit) second.fault("variances with a null row", qorStatusNullPointer, &A::varianceRows, variances.data());
-  second.check();
+  second.fault("null results", qorStatusNullPointer, &A::results, nullptr).check();
 }
 
 TEST(SelectFaults, EveryMember) {
