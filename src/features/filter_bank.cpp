@@ -28,7 +28,7 @@ QorStatus initEmpty(Bank** state, int32_t* order, int32_t length, int32_t n, int
 }
 
 template <class Bank>
-QorStatus release(Bank* state) {
+QorStatus releaseBank(Bank* state) {
   if (QorStatus bad = Checks().null(state)) return bad;
   release(state);
   return qorStatusOk;
@@ -191,8 +191,8 @@ QorStatus qorsEmptyFBankInitAlloc_32f(FBankState_32f** state, int32_t* order, in
 QorStatus qorsEmptyFBankInitAlloc_16s(FBankState_16s** state, int32_t* order, int32_t length, int32_t filterCount, int32_t flags) {
   return initEmpty(state, order, length, filterCount, flags);
 }
-QorStatus qorsFBankFree_32f(FBankState_32f* state) { return release(state); }
-QorStatus qorsFBankFree_16s(FBankState_16s* state) { return release(state); }
+QorStatus qorsFBankFree_32f(FBankState_32f* state) { return releaseBank(state); }
+QorStatus qorsFBankFree_16s(FBankState_16s* state) { return releaseBank(state); }
 
 QorStatus qorsFBankGetCenters_32f(const FBankState_32f* state, int32_t* centers) { return getCenters(state, centers); }
 QorStatus qorsFBankGetCenters_16s(const FBankState_16s* state, int32_t* centers) { return getCenters(state, centers); }
