@@ -1,12 +1,17 @@
 #include "common/html.h"
 
 #include <algorithm>
+#include <cctype>
+
+#include "common/text.h"
 
 namespace program {
 namespace {
 
+// By this line a page is known as a report, of earlier versions too, so it stays.
+constexpr const char* firstRule = R"(
+body { font-family: system-ui, "Segoe UI", "Liberation Sans", sans-serif; color: #1c2430; background: #fbfbfd; max-width: 1180px;)";
 constexpr const char* style = R"(
-body { font-family: system-ui, "Segoe UI", "Liberation Sans", sans-serif; color: #1c2430; background: #fbfbfd; max-width: 1180px;
        margin: 2em auto; padding: 0 1em; line-height: 1.45; }
 h1 { font-size: 1.6em; margin-bottom: .2em; } h2 { font-size: 1.2em; margin-top: 2em; border-bottom: 1px solid #d5dae2; }
 table { border-collapse: collapse; margin: .6em 0; font-variant-numeric: tabular-nums; }
@@ -35,7 +40,7 @@ bool holdsNumbers(const std::vector<std::vector<std::string>>& rows, size_t colu
 
 std::string escaped(const std::string& text) {
   std::string result;
-  for (const char c : text) {
+  for (const char c : printable(text)) {
     switch (c) {
       case '&':
         result += "&amp;";
@@ -56,10 +61,23 @@ std::string escaped(const std::string& text) {
   return result;
 }
 
+std::string address(const std::string& name) {
+  std::string result;
+  for (const char c : name) {
+    const auto byte = static_cast<unsigned char>(c);
+    char code[4];
+    std::snprintf(code, sizeof code, "%%%02X", static_cast<unsigned>(byte));
+    result += std::isalnum(byte) != 0 || c == '.' || c == '_' || c == '-' ? std::string(1, c) : code;
+  }
+  return result;
+}
+
+bool isReportPage(const std::string& page) { return page.find(firstRule) != std::string::npos; }
+
 std::string htmlPage(const std::string& title, const std::string& body) {
   return "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
          "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n<title>" +
-         escaped(title) + "</title>\n<style>" + style + "</style>\n</head>\n<body>\n" + body + "</body>\n</html>\n";
+         escaped(title) + "</title>\n<style>" + firstRule + style + "</style>\n</head>\n<body>\n" + body + "</body>\n</html>\n";
 }
 
 std::string htmlTable(const std::vector<std::vector<std::string>>& rows) {

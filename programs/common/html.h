@@ -6,8 +6,14 @@
 
 namespace program {
 
-/** Text with the characters that mean something to HTML replaced. */
+/** Text as HTML: characters that mean something there are replaced, control characters are made printable. */
 std::string escaped(const std::string& text);
+
+/** The name of a file of the report as the address of a link or picture. */
+std::string address(const std::string& name);
+
+/** Whether a page was written by htmlPage. */
+bool isReportPage(const std::string& page);
 
 /** A whole page around the body. */
 std::string htmlPage(const std::string& title, const std::string& body);

@@ -26,8 +26,10 @@ void catchInterrupts() {
   std::signal(SIGTERM, interrupt);
 }
 
+bool isInterrupted() { return interrupted != 0; }
+
 void stopIfInterrupted() {
-  if (interrupted != 0) throw Interrupted();
+  if (isInterrupted()) throw Interrupted();
 }
 
 Progress::Progress(std::string title, size_t total, bool quiet)
@@ -45,20 +47,22 @@ void Progress::step(const std::string& note) {
   stopIfInterrupted();
   ++done_;
   note_ = note;
-  if (quiet_ || std::chrono::steady_clock::now() < next_ || done_ >= total_) return;
+  if (quiet_ || std::chrono::steady_clock::now() < next_ || (total_ > 0 && done_ >= total_)) return;
   show(false);
   next_ = std::chrono::steady_clock::now() + (terminal_ ? 100ms : 2000ms);
 }
 
+std::string Progress::count() const { return std::to_string(done_) + (total_ > 0 ? " of " + std::to_string(total_) : ""); }
+
 void Progress::show(bool last) {
   const char* gap = note_.empty() ? "" : "  ";
   if (!terminal_) {
-    std::fprintf(stderr, "%s: %zu of %zu%s%s\n", title_.c_str(), done_, total_, gap, note_.c_str());
+    std::fprintf(stderr, "%s: %s%s%s\n", title_.c_str(), count().c_str(), gap, note_.c_str());
     return;
   }
-  const size_t filled = total_ > 0 ? std::min(barWidth, barWidth * done_ / total_) : barWidth;
+  const size_t filled = total_ > 0 ? std::min(barWidth, barWidth * done_ / total_) : last ? barWidth : 0;
   const std::string bar = std::string(filled, '#') + std::string(barWidth - filled, '.');
-  std::fprintf(stderr, "\r\033[K%-10s [%s] %zu of %zu%s%s%s", title_.c_str(), bar.c_str(), done_, total_, gap, note_.c_str(),
+  std::fprintf(stderr, "\r\033[K%-10s [%s] %s%s%s%s", title_.c_str(), bar.c_str(), count().c_str(), gap, note_.c_str(),
                last ? "\n" : "");
   std::fflush(stderr);
 }

@@ -10,12 +10,14 @@ namespace program {
 /** From here on Ctrl-C (or a request to terminate) makes the next step of any Progress throw Interrupted. */
 void catchInterrupts();
 
+bool isInterrupted();
+
 /** Throws Interrupted after Ctrl-C, for long work that shows no Progress. */
 void stopIfInterrupted();
 
 class Progress {
  public:
-  /** title: what is done; total: how many steps; quiet: nothing is shown. */
+  /** title: what is done; total: how many steps, 0 where that is unknown; quiet: nothing is shown. */
   Progress(std::string title, size_t total, bool quiet);
   ~Progress();
   Progress(const Progress&) = delete;
@@ -25,6 +27,7 @@ class Progress {
   void step(const std::string& note = {});
 
  private:
+  std::string count() const;
   void show(bool last);
 
   std::string title_, note_;

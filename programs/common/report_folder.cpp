@@ -3,9 +3,13 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <fstream>
+#include <iterator>
 #include <system_error>
 
 #include "common/fault.h"
+#include "common/html.h"
+#include "common/text.h"
 
 namespace fs = std::filesystem;
 
@@ -15,7 +19,11 @@ namespace {
 constexpr const char* pageName = "index.html";
 
 bool isReport(const fs::path& folder) {
-  return fs::is_directory(folder) && (fs::is_empty(folder) || fs::exists(folder / pageName));
+  if (!fs::is_directory(folder)) return false;
+  if (fs::is_empty(folder)) return true;
+  if (!fs::is_regular_file(folder / pageName)) return false;
+  std::ifstream in(folder / pageName, std::ios::binary);
+  return isReportPage({std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()});
 }
 
 fs::path besides(const fs::path& target, const char* suffix) {
@@ -28,7 +36,8 @@ fs::path besides(const fs::path& target, const char* suffix) {
 
 ReportFolder::ReportFolder(const fs::path& target) {
   std::error_code error;
-  target_ = fs::absolute(target, error).lexically_normal();
+  target_ = fs::weakly_canonical(fs::absolute(target, error), error);  // through links, which stay
+  if (error) target_ = fs::absolute(target, error).lexically_normal();
   if (!target_.has_filename()) target_ = target_.parent_path();
   unfinished_ = besides(target_, ".unfinished-");
   if (fs::exists(target_, error) && !isReport(target_)) {
@@ -59,7 +68,7 @@ fs::path ReportFolder::publish() {
 
 void publish(ReportFolder& folder, const std::string& pictureProblem) {
   if (!pictureProblem.empty()) std::fprintf(stderr, "no pictures: %s\n", pictureProblem.c_str());
-  std::printf("report     %s\n", (folder.publish() / pageName).c_str());
+  std::printf("report     %s\n", printable((folder.publish() / pageName).string()).c_str());
 }
 
 }  // namespace program

@@ -3,10 +3,13 @@
 #include <cstdio>
 
 #include "common/html.h"
+#include "common/text.h"
 
 namespace program {
 
-void tellSkipped(const Skipped& skipped) { std::fprintf(stderr, "skipped %s: %s\n", skipped.file.c_str(), skipped.reason.c_str()); }
+void tellSkipped(const Skipped& skipped) {
+  std::fprintf(stderr, "skipped %s: %s\n", printable(skipped.file).c_str(), skipped.reason.c_str());
+}
 
 std::string allSkipped(const std::vector<Skipped>& skipped) {
   return "no usable recording: all " + std::to_string(skipped.size()) + " files were skipped";

@@ -1,4 +1,4 @@
-// Numbers and tables as text.
+// Numbers, names and tables as text.
 #pragma once
 
 #include <cstdio>
@@ -19,15 +19,14 @@ inline std::string percent(size_t part, size_t whole, int digits = 2) {
   return whole == 0 ? "-" : fixed(100.0 * static_cast<double>(part) / static_cast<double>(whole), digits) + " %";
 }
 
-/** Rows of cells as tab-separated lines. */
-inline std::string tabSeparated(const std::vector<std::vector<std::string>>& rows) {
-  std::string text;
-  for (const auto& row : rows) {
-    for (size_t c = 0; c < row.size(); ++c) text += (c > 0 ? "\t" : "") + row[c];
-    text += '\n';
-  }
-  return text;
-}
+/** Whether a text holds characters that are not printed but act: line breaks, tabs, the escapes of terminals. */
+bool hasControls(const std::string& text);
+
+/** A text as part of one line: its control characters are written as \n, \t, \x1B. */
+std::string printable(const std::string& text);
+
+/** Rows of cells as tab-separated lines; cells are made printable. */
+std::string tabSeparated(const std::vector<std::vector<std::string>>& rows);
 
 /** A speed as a multiple of real time: "1240 times real time". */
 inline std::string timesRealTime(double speechSeconds, double workSeconds) {

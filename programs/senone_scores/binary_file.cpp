@@ -29,6 +29,10 @@ int32_t BinaryFile::integer(const char* what) { return static_cast<int32_t>(prog
 int32_t BinaryFile::integer(const char* what, int32_t low, int32_t high) {
   const int32_t value = integer(what);
   if (value < low || value > high) {
+    const auto swapped = static_cast<int32_t>(__builtin_bswap32(static_cast<uint32_t>(value)));
+    if (swapped >= low && swapped <= high) {
+      refuse(std::string(otherOrder) + " (" + what + " would be " + std::to_string(value) + ")");
+    }
     refuse(std::string(what) + " of " + std::to_string(value) + ", outside " + std::to_string(low) + " to " + std::to_string(high));
   }
   return value;

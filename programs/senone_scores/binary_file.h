@@ -9,13 +9,16 @@
 
 namespace senones {
 
+/** Why a file is refused that was written with the highest byte first. */
+inline constexpr const char* otherOrder = "byte-swapped: its numbers have the highest byte first";
+
 /** Every reader throws program::Fault with one line that begins with the file's name. Integers are little-endian. */
 class BinaryFile {
  public:
   explicit BinaryFile(const std::filesystem::path& file);
 
   int32_t integer(const char* what);
-  /** An integer from low to high. */
+  /** An integer from low to high. One that is so only with its bytes swapped is said to be byte-swapped. */
   int32_t integer(const char* what, int32_t low, int32_t high);
   std::vector<int16_t> shortIntegers(size_t count, const char* what);
   std::vector<float> floats(size_t count, const char* what);

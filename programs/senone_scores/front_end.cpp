@@ -74,6 +74,11 @@ FrontEndSettings FrontEndSettings::from(const Parameters& parameters) {
   in.only("agc", {"none"}, false);
   in.only("varnorm", {"no"}, false);
   in.only("model", {"ptm"}, false);
+  for (const char* never : {"remove_noise", "remove_silence", "remove_dc", "dither", "doublebw", "smoothspec", "logspec"}) {
+    in.only(never, {"no"}, false);
+  }
+  in.only("round_filters", {"yes"}, false);  // corners at bins
+  in.only("unit_area", {"yes"}, false);
   s.cepstra = in.count("ncep", 2, 200, 13.0F);
   s.preEmphasis = in.number("alpha", 0, 1, 0.97F);
   s.rate = in.count("samprate", 8000, 48000, 16000.0F);
@@ -172,12 +177,21 @@ void FrontEnd::evaluateFrame(const std::vector<float>& emphasised, size_t begin,
   std::copy(coefficients_.begin(), coefficients_.end() - 1, cepstra + 1);
 }
 
-// Each coefficient about its mean over the recording.
+// Each coefficient about its mean over the recording. Frames of digital silence, whose energies are so small that the coefficient of
+// order 0 is negative, have no part in the mean, unless there are no others.
 void FrontEnd::centre(std::vector<float>& cepstra, int frames) const {
-  const std::vector<float> ones(static_cast<size_t>(settings_.cepstra), 1.0F);
-  std::vector<float> means(ones.size());
-  program::check(qorsMeanColumn_32f_D2(cepstra.data(), frames, settings_.cepstra, means.data(), settings_.cepstra),
-                 "qorsMeanColumn_32f_D2");
+  const auto width = static_cast<size_t>(settings_.cepstra);
+  const std::vector<float> ones(width, 1.0F);
+  std::vector<float> means(width);
+  std::vector<const float*> rows;
+  for (size_t at = 0; at < cepstra.size(); at += width) {
+    if (cepstra[at] >= 0) rows.push_back(&cepstra[at]);
+  }
+  if (rows.empty()) {
+    for (size_t at = 0; at < cepstra.size(); at += width) rows.push_back(&cepstra[at]);
+  }
+  program::check(qorsMeanColumn_32f_D2L(rows.data(), static_cast<int32_t>(rows.size()), means.data(), settings_.cepstra),
+                 "qorsMeanColumn_32f_D2L");
   program::check(
       qorsNormalizeColumn_32f_D2(cepstra.data(), settings_.cepstra, frames, means.data(), ones.data(), settings_.cepstra),
       "qorsNormalizeColumn_32f_D2");

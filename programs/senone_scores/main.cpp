@@ -28,10 +28,10 @@ void addOptions(CLI::App& app, Options& options) {
       ->capture_default_str()
       ->type_name("FOLDER");
   app.add_option("--densities", options.densities, "Best densities of each codebook and stream that count")
-      ->check(CLI::Range(1, 100000))
+      ->check(program::inRange(1, 100000))
       ->capture_default_str();
   app.add_option("--best", options.best, "Best senones of each frame in the tables")
-      ->check(CLI::Range(1, 1000))
+      ->check(program::inRange(1, 1000))
       ->capture_default_str();
   app.add_flag("--write-scores", options.writeScores,
                "Also write NAME_features.f32 and NAME_senones.f32: all features and scores as 32-bit floats, frame by frame");
@@ -51,8 +51,8 @@ std::string nameOf(const fs::path& file, const std::vector<senones::Recording>& 
 void scoreAll(const Options& options, senones::Work& work, senones::Run& run) {
   for (const fs::path& file : options.files) {
     try {
+      if (program::hasControls(file.filename().string())) throw program::BadSound("its name holds control characters");
       run.recordings.push_back(senones::scoreRecording(file, nameOf(file, run.recordings), work, options.quiet));
-      senones::printRecording(run.model, run.recordings.back());
     } catch (const program::BadSound& bad) {
       run.skipped.push_back({file.string(), bad.what()});
       program::tellSkipped(run.skipped.back());
@@ -68,15 +68,16 @@ void score(const Options& options) {
   program::ReportFolder folder(options.report);
   senones::Work work{frontEnd, scorer, options.best, options.writeScores ? folder.path() : fs::path(), {}, {}, {}, 0};
   senones::Run run{model, options.model, frontEnd.settings(), std::min(options.densities, model.densities), {}, {}, 0, 0, 0, 0};
-  senones::printModel(run);
   scoreAll(options, work, run);
   run.frontEndSeconds = work.frontEndTime.seconds();
   run.gaussianSeconds = work.gaussianTime.seconds();
   run.mixtureSeconds = work.mixtureTime.seconds();
   run.framesScored = work.framesScored;
-  senones::printSpeed(run);
-  if (!run.skipped.empty()) std::printf("skipped    %zu of %zu files\n", run.skipped.size(), options.files.size());
-  program::publish(folder, senones::writeReport(folder, run));
+  const std::string problem = senones::drawPictures(folder, run, options.quiet);
+  program::stopIfInterrupted();
+  senones::print(run);
+  senones::writeReport(folder, run, problem);
+  program::publish(folder, problem);
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "binary_file.h"
 #include "common/fault.h"
 #include "common/files.h"
+#include "common/text.h"
 
 namespace senones {
 namespace {
@@ -21,6 +22,7 @@ std::vector<std::string> phoneNames(BinaryFile& in, int32_t count) {
   for (int32_t i = 0; i < count; ++i) {
     names.push_back(in.text("a phone's name"));
     if (names.back().empty()) in.refuse("a phone without a name");
+    if (program::hasControls(names.back())) in.refuse("a phone whose name holds control characters");
   }
   return names;
 }
@@ -59,7 +61,9 @@ GaussianFile readGaussians(const std::filesystem::path& file) {
   BinaryFile in(file);
   const std::string header = in.upTo("endhdr\n", "the header (\"endhdr\")");
   if (header.rfind("s3\n", 0) != 0) in.refuse("not a file of model parameters: it does not begin with \"s3\"");
-  if (in.integer("the byte-order mark") != 0x11223344) in.refuse("byte-order mark missing, or of the other order");
+  const int32_t mark = in.integer("the byte-order mark");
+  if (mark == 0x44332211) in.refuse(otherOrder);
+  if (mark != 0x11223344) in.refuse("byte-order mark missing");
   const size_t summed = in.position();
   GaussianFile file_;
   file_.codebooks = in.integer("the number of codebooks", 1, most);
@@ -107,7 +111,9 @@ WeightFile readWeights(const std::filesystem::path& file, int streams, int densi
 
 Definition readDefinition(const std::filesystem::path& file) {
   BinaryFile in(file);
-  if (in.text(4, "the kind of file") != "BMDF") in.refuse("not a binary model definition");
+  const std::string kind = in.text(4, "the kind of file");
+  if (kind == "FDMB") in.refuse(otherOrder);
+  if (kind != "BMDF") in.refuse("not a binary model definition");
   in.integer("the version", 1, 1);
   in.skip(static_cast<size_t>(in.integer("the length of the description", 0, most)), "the description");
   Definition definition;

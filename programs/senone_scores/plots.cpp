@@ -45,7 +45,7 @@ std::string phoneTics(const AcousticModel& model) {
   for (size_t k = 0; k < model.phones.size(); ++k) {
     tics += (k > 0 ? ", " : "") + quoted(model.phones[k]) + " " + std::to_string(k + 1);
   }
-  return "set ytics (" + tics + ") font ',8' noenhanced\n";
+  return "set ytics (" + tics + ") font ',8'\n";
 }
 
 std::string rows(size_t count) { return "set yrange [0.5:" + fixed(static_cast<double>(count) + 0.5, 1) + "]\n"; }
@@ -69,7 +69,7 @@ std::string stretchLabels(const AcousticModel& model, const Recording& recording
     if (at < free) continue;
     free = at + labelWidth * recording.sound.seconds();
     labels += "set label " + quoted(model.phones[static_cast<size_t>(s.phone)]) + " at first " + fixed(at, 4) +
-              ",graph 1.015 left rotate by 90 noenhanced font ',9' tc rgb '#303840'\n";
+              ",graph 1.015 left rotate by 90 font ',9' tc rgb '#303840'\n";
   }
   return labels;
 }
@@ -78,9 +78,9 @@ std::string wavePanel(const Recording& recording) {
   const auto peak = static_cast<double>(program::peak(recording.sound));
   const std::string high = fixed(peak, 5), label = fixed(peak, 2), end = fixed(1.1 * peak, 5);
   return program::waveformBlock("wave", recording.sound, mostPoints) + panel(0.855, 0.105, "amplitude") + "set title " +
-         quoted(recording.name + ": waveform, mel spectrogram, scores of the phones (red: best of the frame)") +
-         " noenhanced\nset yrange [-" + end + ":" + end + "]\nset ytics ('-" + label + "' -" + high + ", '0' 0, '" + label + "' " +
-         high + ")\nplot $wave using 1:2 with lines lw 0.6 lc rgb '#20508c' notitle\nunset title\n";
+         quoted(recording.name + ": waveform, mel spectrogram, scores of the phones (red: best of the frame)") + "\nset yrange [-" +
+         end + ":" + end + "]\nset ytics ('-" + label + "' -" + high + ", '0' 0, '" + label + "' " + high +
+         ")\nplot $wave using 1:2 with lines lw 0.6 lc rgb '#20508c' notitle\nunset title\n";
 }
 
 std::string melPanel(const Recording& recording, const FrontEndSettings& settings, const FrameTimes& times) {

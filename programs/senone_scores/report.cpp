@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <cstdio>
 #include <map>
+#include <utility>
 
 #include "common/files.h"
 #include "common/html.h"
+#include "common/progress.h"
 #include "common/text.h"
 #include "plots.h"
 
@@ -34,10 +36,19 @@ std::string speedText(const Run& run) {
          program::timesRealTime(speech, run.frontEndSeconds);
 }
 
-// What feat.params does not ask for, but the programs that wrote it may do.
-constexpr const char* leftOut =
-    "Left out of the features: dither and suppression of stationary noise, which feat.params does not name; -cmninit, which batch "
-    "normalisation does not use.";
+// What feat.params leaves open, and the programs that wrote it may have done.
+std::string leftOut(const Parameters& parameters) {
+  std::string unnamed;
+  for (const auto& [name, meaning] :
+       {std::pair("dither", "dither"), std::pair("remove_noise", "suppression of stationary noise")}) {
+    if (parameters.count(name) == 0) unnamed += (unnamed.empty() ? "" : " and ") + std::string(meaning);
+  }
+  return "Left out of the features: " + (unnamed.empty() ? "" : unnamed + ", which feat.params does not name; ") +
+         "-cmninit, which batch normalisation does not use.";
+}
+
+std::string pictureOf(const Recording& recording) { return recording.name + ".png"; }
+std::string tableOf(const Recording& recording) { return recording.name + ".tsv"; }
 
 std::string phoneText(const AcousticModel& model, const Recording& recording) {
   std::string text;
@@ -93,9 +104,11 @@ std::string recordingHtml(const Run& run, const Recording& recording, bool pictu
                      fixed(recording.sound.seconds(), 2) + " s, " + std::to_string(recording.features.frames) +
                      " frames</p>\n<p>Phones that hold the best senone for at least " + std::to_string(leastStretch) +
                      " frames: <b>" + escaped(phoneText(run.model, recording)) + "</b></p>\n";
-  if (pictured) body += "<figure><img src=\"" + name + ".png\" alt=\"scores of " + name + "\" loading=\"lazy\"></figure>\n";
-  return body + frequentHtml(run, recording) + "<p><a href=\"" + name + ".tsv\">Best " + std::to_string(recording.bestCount) +
-         " senones of every frame</a></p>\n";
+  if (pictured)
+    body += "<figure><img src=\"" + program::address(pictureOf(recording)) + "\" alt=\"scores of " + name +
+            "\" loading=\"lazy\"></figure>\n";
+  return body + frequentHtml(run, recording) + "<p><a href=\"" + program::address(tableOf(recording)) + "\">Best " +
+         std::to_string(recording.bestCount) + " senones of every frame</a></p>\n";
 }
 
 }  // namespace
@@ -110,33 +123,44 @@ double Run::gaussiansASecond() const {
   return gaussianSeconds > 0 ? static_cast<double>(framesScored) * static_cast<double>(model.gaussians()) / gaussianSeconds : 0.0;
 }
 
-void printModel(const Run& run) { std::printf("model  %s\n       %s\n\n", run.modelFolder.c_str(), modelText(run.model).c_str()); }
-
-void printRecording(const AcousticModel& model, const Recording& recording) {
-  std::printf("%s  %.2f s, %d frames\n  %s\n", recording.name.c_str(), recording.sound.seconds(), recording.features.frames,
-              phoneText(model, recording).c_str());
+void print(const Run& run) {
+  std::printf("model  %s\n       %s\n\n", program::printable(run.modelFolder.string()).c_str(), modelText(run.model).c_str());
+  for (const Recording& recording : run.recordings) {
+    std::printf("%s  %.2f s, %d frames\n  %s\n", recording.name.c_str(), recording.sound.seconds(), recording.features.frames,
+                phoneText(run.model, recording).c_str());
+  }
+  std::printf("\nscoring    %s\n%s\n", speedText(run).c_str(), leftOut(run.model.parameters).c_str());
+  if (!run.skipped.empty()) {
+    std::printf("skipped    %zu of %zu files\n", run.skipped.size(), run.skipped.size() + run.recordings.size());
+  }
 }
 
-void printSpeed(const Run& run) { std::printf("\nscoring    %s\n%s\n", speedText(run).c_str(), leftOut); }
-
-std::string writeReport(const program::ReportFolder& folder, const Run& run) {
-  std::string problem, recordings;
+std::string drawPictures(const program::ReportFolder& folder, const Run& run, bool quiet) {
+  std::string problem;
+  program::Progress progress("pictures", run.recordings.size(), quiet);
   for (const Recording& recording : run.recordings) {
-    program::writeFile(folder.path() / (recording.name + ".tsv"), bestTable(run, recording));
-    const std::string failed = drawScores(folder.path() / (recording.name + ".png"), run.model, recording, run.settings);
+    const std::string failed = drawScores(folder.path() / pictureOf(recording), run.model, recording, run.settings);
     if (!failed.empty()) problem = failed;
-    recordings += recordingHtml(run, recording, failed.empty());
+    progress.step();
+  }
+  return problem;
+}
+
+void writeReport(const program::ReportFolder& folder, const Run& run, const std::string& pictureProblem) {
+  std::string recordings;
+  for (const Recording& recording : run.recordings) {
+    program::writeFile(folder.path() / tableOf(recording), bestTable(run, recording));
+    recordings += recordingHtml(run, recording, std::filesystem::exists(folder.path() / pictureOf(recording)));
   }
   std::string body = "<h1>Senone scores</h1>\n<p class=\"dim\">" + escaped(run.modelFolder.string()) + ": " +
                      escaped(modelText(run.model)) + "</p>\n<p>The " + std::to_string(run.densities) +
                      " best densities of each codebook and stream count. Scoring " + escaped(speedText(run)) +
-                     ", on one processor core.</p>\n<p class=\"dim\">" + escaped(leftOut) +
+                     ", on one processor core.</p>\n<p class=\"dim\">" + escaped(leftOut(run.model.parameters)) +
                      " In the pictures: the score of each phone's best senone, below the best of the frame; above them the phones "
                      "that stay the best for a while.</p>\n";
-  if (!problem.empty()) body += "<p>Some or all pictures are missing: " + escaped(problem) + ".</p>\n";
+  if (!pictureProblem.empty()) body += "<p>Some or all pictures are missing: " + escaped(pictureProblem) + ".</p>\n";
   body += recordings + program::skippedHtml(run.skipped);
   program::writeFile(folder.path() / "index.html", program::htmlPage("Senone scores", body));
-  return problem;
 }
 
 }  // namespace senones

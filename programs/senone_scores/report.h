@@ -24,11 +24,13 @@ struct Run {
   double gaussiansASecond() const;
 };
 
-void printModel(const Run& run);
-void printRecording(const AcousticModel& model, const Recording& recording);
-void printSpeed(const Run& run);
+/** Model, recordings and speed, on stdout. */
+void print(const Run& run);
 
-/** Pictures are drawn on the way; the answer is empty, or why some or all are missing. */
-std::string writeReport(const program::ReportFolder& folder, const Run& run);
+/** A picture of each recording. The answer is empty, or why some or all are missing. */
+std::string drawPictures(const program::ReportFolder& folder, const Run& run, bool quiet);
+
+/** Tables, and the page with the pictures that are there. */
+void writeReport(const program::ReportFolder& folder, const Run& run, const std::string& pictureProblem);
 
 }  // namespace senones

@@ -110,16 +110,16 @@ void addOptions(CLI::App& app, Options& options) {
   app.add_option("--classes", options.classes, "Lines CLASS PHONE PHONE ...: what may be asked about")
       ->required()
       ->type_name("FILE");
-  app.add_option("--leaves", options.tree.leaves, "Leaves at most")->check(CLI::Range(1, 100000))->capture_default_str();
+  app.add_option("--leaves", options.tree.leaves, "Leaves at most")->check(program::inRange(1, 100000))->capture_default_str();
   app.add_option("--frames", options.tree.frames, "Frames of a leaf at least")
-      ->check(CLI::Range(1.0F, 1e9F))
+      ->check(program::inRange(1.0F, 1e9F))
       ->capture_default_str();
   app.add_option("--gain", options.tree.gain, "Gain of a question at least, as a share of what one leaf a state would gain")
-      ->check(CLI::Range(0.0, 1.0))
+      ->check(program::inRange(0.0, 1.0))
       ->capture_default_str();
-  app.add_option("--rounds", options.rounds, "Rounds of segmentation")->check(CLI::Range(1, 1000))->capture_default_str();
+  app.add_option("--rounds", options.rounds, "Rounds of segmentation")->check(program::inRange(1, 1000))->capture_default_str();
   app.add_option("--parts", options.parts, "States of a phone, one behind the other")
-      ->check(CLI::Range(1, 9))
+      ->check(program::inRange(1, 9))
       ->capture_default_str();
   app.add_flag("--quiet", options.quiet, "No progress");
 }

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "common/fault.h"
+#include "common/progress.h"
 
 namespace states {
 namespace {
@@ -92,7 +93,10 @@ std::vector<double> segment(std::vector<Utterance>& utterances, int phoneCount, 
     std::vector<Gaussian> gaussians;
     for (const auto& rows : framesOf(utterances, phoneCount)) gaussians.push_back(estimate(rows, utterances[0].features->columns));
     double total = 0;
-    for (Utterance& utterance : utterances) total += align(utterance, gaussians);
+    for (Utterance& utterance : utterances) {
+      program::stopIfInterrupted();
+      total += align(utterance, gaussians);
+    }
     history.push_back(total / frames);
   }
   return history;

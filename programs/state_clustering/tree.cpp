@@ -5,6 +5,7 @@
 #include <set>
 
 #include "common/fault.h"
+#include "common/progress.h"
 #include "common/text.h"
 
 namespace states {
@@ -79,6 +80,7 @@ class Grower {
   Split bestSplit(const Node& node) const {
     Split best;
     for (size_t q = 0; q < questions_.size(); ++q) {
+      program::stopIfInterrupted();
       std::vector<size_t> yes, no;
       for (const size_t i : node.states) (questions_[q].answers[i] ? yes : no).push_back(i);
       if (framesOf(yes) < options_.frames || framesOf(no) < options_.frames) continue;

@@ -158,9 +158,10 @@ void compareCommand(CompareOptions options) {
     leftOut.leaveOut = "each";
     for (const Row& row : comparison.run(leftOut)) rows.push_back(row);
   }
-  print(rows);
   const std::string problem =
       options.common.pictures > 0 ? draw(folder.path() / "accuracy.png", rows, conditions) : "none was asked for";
+  program::stopIfInterrupted();
+  print(rows);
   write(folder, rows, options, problem);
   program::publish(folder, options.common.pictures > 0 ? problem : "");
 }

@@ -23,7 +23,7 @@ void addMatch(CLI::App& app, words::MatchOptions& options) {
           "--vocal-tract", options.tracts,
           "Further copies of each template with its frequencies divided by these factors, such as 0.87,1.14: as if others spoke")
       ->delimiter(',')
-      ->check(CLI::Range(0.5F, 2.0F))
+      ->check(program::inRange(0.5F, 2.0F))
       ->group("Warping");
   match->callback([&options] { words::match(options); });
 }
@@ -39,7 +39,7 @@ void addTrain(CLI::App& app, words::TrainOptions& options) {
       ->add_option("--noise-db", options.training.noises,
                    "Copies of the recordings with white noise so many decibels below teach too")
       ->delimiter(',')
-      ->check(CLI::Range(-100.0, 200.0))
+      ->check(program::inRange(-100.0, 200.0))
       ->group("Models");
   train->callback([&options] { words::trainCommand(options); });
 }
@@ -49,7 +49,7 @@ void addTest(CLI::App& app, words::TestOptions& options) {
   words::addCommonOptions(*test, options.common);
   test->add_option("--model", options.model, "Model file that train wrote")->required()->type_name("FILE");
   test->add_option("--noise-db", options.noise, "White noise so many decibels below each recording is added to it")
-      ->check(CLI::Range(-100.0, 200.0));
+      ->check(program::inRange(-100.0, 200.0));
   words::addSplitOptions(*test, options.split);
   test->callback([&options] { words::testCommand(options); });
 }
@@ -60,7 +60,7 @@ void addCompare(CLI::App& app, words::CompareOptions& options) {
   words::addCommonOptions(*compare, options.common);
   compare->add_option("--noise-db", options.noises, "White noise so many decibels below the tests, one condition each")
       ->delimiter(',')
-      ->check(CLI::Range(-100.0, 200.0))
+      ->check(program::inRange(-100.0, 200.0))
       ->capture_default_str();
   words::addSplitOptions(*compare, options.split);
   words::addFrontEndOptions(*compare, options.frontEnd);

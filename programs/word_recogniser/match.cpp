@@ -27,6 +27,7 @@ class TemplateCopies {
       std::vector<Matrix>& copies = stretched_.emplace_back(wanted.size());
       for (size_t r = 0; r < wanted.size(); ++r) {
         if (!wanted[r]) continue;
+        program::stopIfInterrupted();
         const program::Sound& sound = run.corpus.recordings[r].sound;
         copies[r] = watch.time([&] { return frontEnds.analyse(sound, tract).features; });
         seconds_ += sound.seconds();
@@ -102,6 +103,7 @@ void match(MatchOptions options) {
   const std::vector<Matrix> features = analyseAll(frontEnds, corpus, options.common.quiet, watch);
 
   Run run(corpus);
+  run.byTemplates = true;
   run.method = "template matching";
   run.scoreName = "distance";
   run.splitText = described(options.split);
@@ -119,9 +121,10 @@ void match(MatchOptions options) {
   run.frontEnd = {corpus.seconds() + copies.seconds(), watch.seconds()};
   run.results = recogniseAll(run, features, copies, options, run.matching);
   const Score counts = score(corpus, run.results);
-  printTable(run, counts);
   std::string problem;
   const std::vector<Picture> pictures = drawPictures(folder, run, frontEnds, options, problem);
+  program::stopIfInterrupted();
+  printTable(run, counts);
   writeReport(folder, run, counts, pictures, problem);
   program::publish(folder, problem);
 }

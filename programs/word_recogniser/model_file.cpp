@@ -2,17 +2,16 @@
 // it comes back as it was.
 #include "model_file.h"
 
-#include <unistd.h>
-
+#include <algorithm>
 #include <cmath>
 #include <fstream>
 #include <iomanip>
 #include <limits>
 #include <sstream>
-#include <system_error>
 
 #include "common/fault.h"
 #include "common/files.h"
+#include "common/text.h"
 
 namespace fs = std::filesystem;
 
@@ -22,26 +21,6 @@ namespace {
 constexpr const char* kind = "word_recogniser-models-1";
 constexpr int mostStates = 1000, mostGaussians = 1000, mostWords = 100000;
 constexpr float shareTolerance = 1e-3F;
-
-// Visits every setting of the front-end by name, for writing and reading alike.
-template <class Options, class Visitor>
-void eachSetting(Options& options, Visitor visit) {
-  visit("filters", options.filters);
-  visit("cepstra", options.cepstra);
-  visit("lifter", options.lifter);
-  visit("deltas", options.deltas);
-  visit("frame-ms", options.frameMs);
-  visit("hop-ms", options.hopMs);
-  visit("low-hz", options.lowHz);
-  visit("high-hz", options.highHz);
-  visit("pre-emphasis", options.preEmphasis);
-  visit("floor-db", options.floorDb);
-  visit("trim-db", options.trimDb);
-  visit("normalise", options.normalise);
-  visit("energy-weight", options.energyWeight);
-  visit("delta-weight", options.deltaWeight);
-  visit("acceleration-weight", options.accelerationWeight);
-}
 
 class Writer {
  public:
@@ -87,20 +66,23 @@ class Reader {
     if (value < least || value > most) refuse(std::string("has an impossible number of ") + name);
     return value;
   }
-  void operator()(const char* name, int& value) {
+  template <class T>
+  void operator()(const char* name, T& value, T low, T high, const char*) {
     expect(name);
     read(value);
-  }
-  void operator()(const char* name, float& value) {
-    expect(name);
-    read(value);
+    if (!(value >= low && value <= high)) refuse(std::string("is damaged: ") + name + " is out of its range");
   }
   void operator()(const char* name, Normalise& value) { value = static_cast<Normalise>(whole(name, 0, 2)); }
   std::string word() {
     expect("word");
     std::string name;
     if (!(in_ >> std::quoted(name)) || name.empty()) refuse("is cut short");
+    if (program::hasControls(name)) refuse("is damaged: a word holds a control character");
     return name;
+  }
+  void end() {
+    expect("end");
+    if (std::string more; in_ >> more) refuse("is damaged: something follows its end");
   }
   void row(const char* name, float* values, int count) {
     expect(name);
@@ -160,10 +142,10 @@ Mixture readState(Reader& reader, int width, std::array<float, WordModel::arcs>&
 
 }  // namespace
 
-void writeModels(const fs::path& file, const ModelFile& models) {
+std::string textOf(const ModelFile& models) {
   Writer writer;
   writer(kind, "");
-  eachSetting(models.frontEnd, [&writer](const char* name, const auto& value) { writer(name, value); });
+  eachSetting(models.frontEnd, [&writer](const char* name, const auto& value, auto...) { writer(name, value); });
   writer("width", featureWidth(models.frontEnd));
   writer("words", models.models.models.size());
   for (size_t m = 0; m < models.models.models.size(); ++m) {
@@ -173,31 +155,21 @@ void writeModels(const fs::path& file, const ModelFile& models) {
     for (size_t s = 0; s < model.states.size(); ++s) writeState(writer, model.states[s], model.arcWeights[s]);
   }
   writer("end", "");
-  const fs::path unfinished = file.string() + ".unfinished-" + std::to_string(getpid());
-  std::error_code error;
-  try {
-    program::writeFile(unfinished, writer.text());
-  } catch (const program::Fault&) {
-    fs::remove(unfinished, error);
-    throw program::Fault("model file " + file.string() + " cannot be written");
-  }
-  fs::rename(unfinished, file, error);
-  if (!error) return;
-  const std::string why = error.message();
-  fs::remove(unfinished, error);
-  throw program::Fault("model file " + file.string() + " cannot be written: " + why);
+  return writer.text();
 }
 
 ModelFile readModels(const fs::path& file) {
   Reader reader(file);
   ModelFile result;
   reader.kindOfFile();
-  eachSetting(result.frontEnd, [&reader](const char* name, auto& value) { reader(name, value); });
+  eachSetting(result.frontEnd, [&reader](const char* name, auto& value, auto... range) { reader(name, value, range...); });
   const int width = reader.whole("width", 1, 1 << 20);
   if (width != featureWidth(result.frontEnd)) reader.refuse("is damaged: the width of its vectors is not that of its front-end");
   const int words = reader.whole("words", 1, mostWords);
   for (int w = 0; w < words; ++w) {
     result.words.push_back(reader.word());
+    if (std::count(result.words.begin(), result.words.end(), result.words.back()) > 1)
+      reader.refuse("is damaged: a word stands twice");
     result.models.words.push_back(w);
     WordModel& model = result.models.models.emplace_back();
     const int states = reader.whole("states", 1, mostStates);
@@ -206,7 +178,7 @@ ModelFile readModels(const fs::path& file) {
       model.states.push_back(readState(reader, width, model.arcWeights[static_cast<size_t>(s)]));
     }
   }
-  reader.expect("end");
+  reader.end();
   return result;
 }
 

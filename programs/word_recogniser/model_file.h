@@ -16,10 +16,11 @@ struct ModelFile {
   WordModels models;
 };
 
-/** Writes the file under a temporary name and renames it, so that it is whole or absent. Throws program::Fault. */
-void writeModels(const std::filesystem::path& file, const ModelFile& models);
+/** What stands in the file. */
+std::string textOf(const ModelFile& models);
 
-/** Throws program::Fault for a file that is missing, cut short, of another kind, or whose shapes or values do not fit together. */
+/** Throws program::Fault for a file that is missing, cut short, of another kind, that goes on behind its end, or whose shapes or
+ * values do not fit together. */
 ModelFile readModels(const std::filesystem::path& file);
 
 }  // namespace words

@@ -12,7 +12,7 @@ namespace {
 using program::fixed;
 using program::quoted;
 
-constexpr size_t meansShown = 20, meansAcross = 5;
+constexpr size_t meansAcross = 5;
 constexpr size_t methodsCompared = 3;  // of each split: a colour a method, a dash a split
 constexpr const char* methodColours[methodsCompared] = {"#7b3294", "#1b9e77", "#d95f02"};
 
@@ -78,8 +78,8 @@ std::string drawMeans(const std::filesystem::path& png, const ModelFile& models)
     const std::string name = "means" + std::to_string(w);
     script += program::matrixBlock(name, means.values.data(), static_cast<size_t>(width), static_cast<size_t>(model.size())) +
               "set title " + quoted(models.words[static_cast<size_t>(models.models.words[w])]) +
-              " noenhanced\nset xrange [0.5:" + fixed(model.size() + 0.5, 1) + "]\nset yrange [0.5:" + fixed(width + 0.5, 1) +
-              "]\nplot $" + name + " matrix using ($1+1):($2+1):3 with image notitle\n";
+              "\nset xrange [0.5:" + fixed(model.size() + 0.5, 1) + "]\nset yrange [0.5:" + fixed(width + 0.5, 1) + "]\nplot $" +
+              name + " matrix using ($1+1):($2+1):3 with image notitle\n";
   }
   return program::drawPng(png, static_cast<int>(230 * across), static_cast<int>(230 * down), script + "unset multiplot\n");
 }

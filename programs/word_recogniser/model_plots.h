@@ -1,6 +1,7 @@
 // Pictures of training and of results.
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -15,7 +16,9 @@ namespace words {
 /** How the log likelihood of the training data rose. */
 std::string drawHistory(const std::filesystem::path& png, const std::vector<Iteration>& history);
 
-/** The learned mean cepstra, state by state, of the first words. */
+inline constexpr size_t meansShown = 20;
+
+/** The learned mean cepstra, state by state, of the first so many words. */
 std::string drawMeans(const std::filesystem::path& png, const ModelFile& models);
 
 /** One curve of accuracies, a value a condition. */

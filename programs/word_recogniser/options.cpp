@@ -3,6 +3,7 @@
 #include <map>
 #include <stdexcept>
 
+#include "common/command_line.h"
 #include "common/text.h"
 
 namespace words {
@@ -31,6 +32,23 @@ void addRanges(CLI::App& app, const std::string& name, std::optional<IndexRanges
       ->group("Split");
 }
 
+struct FrontEndAdder {
+  CLI::App& app;
+
+  template <class T>
+  void operator()(const std::string& name, T& value, T low, T high, const char* help) const {
+    CLI::Option* option = app.add_option("--" + name, value, help)->check(program::inRange(low, high))->group("Front-end");
+    if (value >= low) option->capture_default_str();  // below it: what the corpus asks for
+  }
+  void operator()(const std::string& name, Normalise& value) const {
+    app.add_option("--" + name, value, "Columns of a recording: none, mean (to 0), variance (mean to 0, variance to 1)")
+        ->transform(CLI::CheckedTransformer(normaliseNames).description(""))
+        ->type_name("HOW")
+        ->group("Front-end")
+        ->default_str("variance");
+  }
+};
+
 }  // namespace
 
 void addCommonOptions(CLI::App& app, CommonOptions& options) {
@@ -39,7 +57,7 @@ void addCommonOptions(CLI::App& app, CommonOptions& options) {
       ->capture_default_str()
       ->type_name("FOLDER");
   app.add_option("--pictures", options.pictures, "Wrong utterances pictured at most; 0: no pictures")
-      ->check(CLI::Range(0, 1000))
+      ->check(program::inRange(0, 1000))
       ->capture_default_str();
   app.add_flag("--quiet", options.quiet, "No progress");
 }
@@ -49,7 +67,7 @@ void addSplitOptions(CLI::App& app, SplitOptions& options) {
   addRanges(app, "--tests", options.tests, "Indices of the recordings to be recognised, such as 5-19,30");
   app.add_option("--templates-per-word", options.perWord,
                  "Without ranges: so many of each word and speaker teach, the rest are tests")
-      ->check(CLI::Range(1, 1000000))
+      ->check(program::inRange(1, 1000000))
       ->group("Split");
   app.add_option("--leave-out", options.leaveOut,
                  "A speaker whose words are recognised by what the others taught; each: every speaker in turn")
@@ -57,53 +75,27 @@ void addSplitOptions(CLI::App& app, SplitOptions& options) {
       ->group("Split");
 }
 
-void addFrontEndOptions(CLI::App& app, FrontEndOptions& options) {
-  const auto add = [&app](const char* name, auto& value, auto low, auto high, const char* help) {
-    app.add_option(name, value, help)->check(CLI::Range(low, high))->capture_default_str()->group("Front-end");
-  };
-  add("--filters", options.filters, 2, 200, "Filters of the mel bank");
-  add("--cepstra", options.cepstra, 1, 200, "Cepstral coefficients, at most the filters");
-  add("--lifter", options.lifter, 1, 1000, "Length of the lifter");
-  add("--deltas", options.deltas, 0, 2, "Time derivatives: none, first, first and second");
-  add("--frame-ms", options.frameMs, 5.0F, 200.0F, "Length of a frame");
-  add("--hop-ms", options.hopMs, 1.0F, 100.0F, "From one frame to the next");
-  add("--low-hz", options.lowHz, 1.0F, 20000.0F, "Lower end of the mel bank");
-  app.add_option("--high-hz", options.highHz,
-                 "Upper end of the mel bank; by default 0.475 of the lowest rate of the corpus, at most 8000")
-      ->check(CLI::Range(10.0F, 24000.0F))
-      ->group("Front-end");
-  add("--pre-emphasis", options.preEmphasis, 0.0F, 0.999F, "Coefficient at 16 kHz; other rates get the same corner frequency");
-  add("--floor-db", options.floorDb, 10.0F, 200.0F, "Filter outputs so far below the loudest are raised to there");
-  add("--trim-db", options.trimDb, 0.0F, 200.0F, "Frames so far below the loudest are cut at both ends; 0: none");
-  add("--energy-weight", options.energyWeight, 0.0F, 100.0F, "Weight of the coefficient of order 0; 0: it is not a feature");
-  add("--delta-weight", options.deltaWeight, 0.0F, 100.0F, "Weight of the first derivatives");
-  add("--acceleration-weight", options.accelerationWeight, 0.0F, 100.0F, "Weight of the second derivatives");
-  app.add_option("--normalise", options.normalise, "Columns of a recording: none, mean (to 0), variance (mean to 0, variance to 1)")
-      ->transform(CLI::CheckedTransformer(normaliseNames).description(""))
-      ->type_name("HOW")
-      ->group("Front-end")
-      ->default_str("variance");
-}
+void addFrontEndOptions(CLI::App& app, FrontEndOptions& options) { eachSetting(options, FrontEndAdder{app}); }
 
 void addWarpOptions(CLI::App& app, WarpOptions& options) {
   app.add_option("--delta", options.delta, "Widening of the band of the warping path, and freedom of its ends, in frames")
-      ->check(CLI::Range(0, 100000))
+      ->check(program::inRange(0, 100000))
       ->capture_default_str()
       ->group("Warping");
   app.add_option_function<float>(
          "--beam", [&options](float beam) { options.beam = beam; },
          "Prune what is so far above the best of a column; by default nothing")
-      ->check(CLI::Range(0.0F, 1e30F))
+      ->check(program::inRange(0.0F, 1e30F))
       ->group("Warping");
   app.add_option("--nearest", options.nearest, "A word's distance is the mean of so many of its nearest templates")
-      ->check(CLI::Range(1, 1000))
+      ->check(program::inRange(1, 1000))
       ->capture_default_str()
       ->group("Warping");
 }
 
 void addTrainingOptions(CLI::App& app, TrainingOptions& options) {
   const auto add = [&app](const char* name, auto& value, auto low, auto high, const char* help) {
-    app.add_option(name, value, help)->check(CLI::Range(low, high))->capture_default_str()->group("Models");
+    app.add_option(name, value, help)->check(program::inRange(low, high))->capture_default_str()->group("Models");
   };
   add("--states", options.states, 1, 100, "States of a word");
   add("--gaussians", options.mixtures, 1, 100, "Gaussians of a state at most");
@@ -161,6 +153,21 @@ std::string described(const SplitOptions& options) {
     result += options.leaveOut == "each" ? "each speaker left out in turn" : "speaker " + options.leaveOut + " left out";
   }
   return result;
+}
+
+std::string describedTests(const SplitOptions& options) {
+  std::string result;
+  if (options.tests) {
+    result = "tests " + options.tests->text();
+  } else if (options.templates) {
+    result = "tests all but " + options.templates->text();
+  } else if (options.perWord) {
+    result = "tests all but the first " + (*options.perWord == 1 ? "" : std::to_string(*options.perWord) + " ") +
+             "of each word and speaker";
+  } else {
+    result = "all recordings tested";
+  }
+  return result + (options.leaveOut.empty() ? "" : "; speaker " + options.leaveOut + " alone");
 }
 
 }  // namespace words

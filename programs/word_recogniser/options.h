@@ -31,5 +31,7 @@ Settings described(const FrontEndOptions& options);
 Settings described(const WarpOptions& options);
 Settings described(const TrainingOptions& options);
 std::string described(const SplitOptions& options);
+/** The same where models decide, and recordings are only tested. */
+std::string describedTests(const SplitOptions& options);
 
 }  // namespace words

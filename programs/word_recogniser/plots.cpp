@@ -76,7 +76,7 @@ class Column {
     const std::string peak = fixed(1.1 * static_cast<double>(program::peak(pictured_.sound)), 5);
     const int last = analysis.firstFrame + analysis.features.rows;
     std::string script = program::waveformBlock(id_ + "_wave", pictured_.sound, mostPoints) + panel(number_, 0, "amplitude") +
-                         "set title " + quoted(pictured_.title) + " noenhanced font ',12'\nset xrange [0:" + fixed(seconds_, 4) +
+                         "set title " + quoted(pictured_.title) + " font ',12'\nset xrange [0:" + fixed(seconds_, 4) +
                          "]\nset yrange [-" + peak + ":" + peak + "]\nset format x ''\n";
     if (analysis.firstFrame > 0) script += shade(1, 0, analysis.firstFrame * hop_);
     if (last < analysis.logMel.rows) script += shade(2, (last - 1) * hop_ + frame_, pictured_.sound.seconds());

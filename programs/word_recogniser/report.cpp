@@ -47,12 +47,14 @@ void printTallies(const char* title, const std::vector<std::string>& names, cons
 
 std::string resultsTable(const Run& run) {
   std::vector<std::vector<std::string>> rows = {
-      {"recording", "word", "recognised", "right", run.scoreName, "nearest", "second", "second " + run.scoreName}};
+      {"recording", "word", "recognised", "right", run.scoreName, "second", "second " + run.scoreName}};
+  if (run.byTemplates) rows[0].emplace_back("nearest");
   for (const Result& result : run.results) {
     const Decision& d = result.decision;
     rows.push_back({recordingName(run, result), run.corpus.recordings[result.recording].word, heardWord(run.corpus, d.word),
-                    isRight(run.corpus, result) ? "yes" : "no", scoreText(d.word, d.score), nearestName(run, result),
+                    isRight(run.corpus, result) ? "yes" : "no", scoreText(d.word, d.score),
                     d.secondWord < 0 ? "-" : heardWord(run.corpus, d.secondWord), scoreText(d.secondWord, d.secondScore)});
+    if (run.byTemplates) rows.back().push_back(nearestName(run, result));
   }
   return program::tabSeparated(rows);
 }
@@ -107,14 +109,15 @@ std::string talliesHtml(const std::string& heading, const std::vector<std::strin
 
 std::string wrongHtml(const Run& run) {
   const std::string& name = run.scoreName;
-  std::vector<std::vector<std::string>> rows = {
-      {"recording", "recognised", "nearest template", name, "second word", "its " + name}};
+  std::vector<std::vector<std::string>> rows = {{"recording", "recognised", name, "second word", "its " + name}};
+  if (run.byTemplates) rows[0].emplace_back("nearest template");
   size_t wrong = 0;
   for (const Result& result : run.results) {
     if (isRight(run.corpus, result) || ++wrong > tabulatedWrong) continue;
     const Decision& d = result.decision;
-    rows.push_back({recordingName(run, result), heardWord(run.corpus, d.word), nearestName(run, result), scoreText(d.word, d.score),
+    rows.push_back({recordingName(run, result), heardWord(run.corpus, d.word), scoreText(d.word, d.score),
                     d.secondWord < 0 ? "-" : heardWord(run.corpus, d.secondWord), scoreText(d.secondWord, d.secondScore)});
+    if (run.byTemplates) rows.back().push_back(nearestName(run, result));
   }
   if (wrong == 0) return "<p>None.</p>\n";
   const std::string rest =

@@ -21,6 +21,7 @@ struct Run {
   explicit Run(const Corpus& itsCorpus) : corpus(itsCorpus) {}
 
   const Corpus& corpus;
+  bool byTemplates = false;
   std::string method;     ///< "template matching"
   std::string scoreName;  ///< of Decision::score: "distance"
   std::string teachers;   ///< what decides: "150 templates"

@@ -100,12 +100,11 @@ void testCommand(const TestOptions& options) {
   run.scoreName = "log likelihood";
   run.teachers =
       std::to_string(models.words.size()) + " models with " + std::to_string(countGaussians(models.models)) + " Gaussians";
-  run.splitText = options.split.empty() ? "all recordings tested" : described(options.split);
+  run.splitText = describedTests(options.split);
   if (options.noise) run.splitText += ", noise " + program::fixed(*options.noise, 1) + " dB below the words";
   run.pictureText =
       "Left with the states of the recognised word, right with those of the next one (vertical lines): waveform (cut ends shaded), "
-      "mel "
-      "spectrogram, cepstra.";
+      "mel spectrogram, cepstra.";
   run.settings = described(models.frontEnd);
   run.trials = {half(corpus, options.split)};
   run.trials.front().templates.clear();
@@ -115,9 +114,10 @@ void testCommand(const TestOptions& options) {
   run.frontEnd = {corpus.seconds(), watch.seconds()};
   run.results = recogniseAll(run, features, models, options.common.quiet, run.matching);
   const Score counts = score(corpus, run.results);
-  printTable(run, counts);
   std::string problem;
   const std::vector<Picture> pictures = drawPictures(folder, run, frontEnds, models, options, problem);
+  program::stopIfInterrupted();
+  printTable(run, counts);
   writeReport(folder, run, counts, pictures, problem);
   program::publish(folder, problem);
 }

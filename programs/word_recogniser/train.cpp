@@ -31,7 +31,6 @@ const std::vector<std::string> heading = {"iteration",    "stage",       "Gaussi
 void print(const std::vector<std::string>& cells) {
   std::printf("%9s  %-10s %9s  %22s  %12s  %12s\n", cells[0].c_str(), cells[1].c_str(), cells[2].c_str(), cells[3].c_str(),
               cells[4].c_str(), cells[5].c_str());
-  std::fflush(stdout);
 }
 
 std::vector<std::vector<std::string>> table(const std::vector<Iteration>& history) {
@@ -49,8 +48,9 @@ std::string page(const ModelFile& models, const std::vector<Iteration>& history,
         "alt=\"likelihood\"></figure>\n"
         "<figure><figcaption>Learned means of the static cepstra, order 0 on top, state by state, from -2 (blue) over 0 "
         "(white) to 2 (red) (" +
-        std::to_string(models.words.size()) +
-        " words; the first ones are shown)</figcaption><img src=\"means.png\" alt=\"means\"></figure>\n";
+        std::to_string(models.words.size()) + " words" +
+        (models.words.size() > meansShown ? "; the first " + std::to_string(meansShown) + " are shown" : "") +
+        ")</figcaption><img src=\"means.png\" alt=\"means\"></figure>\n";
   } else {
     body += "<p>No pictures: " + program::escaped(problem) + ".</p>\n";
   }
@@ -65,7 +65,10 @@ std::vector<Matrix> noisyCopies(FrontEnds& frontEnds, const Corpus& corpus, cons
                                 const std::vector<double>& noises) {
   std::vector<Matrix> copies;
   for (const double noise : noises) {
-    for (const size_t r : recordings) copies.push_back(frontEnds.analyse(noisySound(corpus.recordings[r], noise)).features);
+    for (const size_t r : recordings) {
+      program::stopIfInterrupted();
+      copies.push_back(frontEnds.analyse(noisySound(corpus.recordings[r], noise)).features);
+    }
   }
   return copies;
 }
@@ -84,6 +87,7 @@ std::vector<Lesson> lessonsOf(const Corpus& corpus, const std::vector<Matrix>& f
 void trainCommand(TrainOptions options) {
   Corpus corpus = openCorpus(options.common.corpus, options.common.quiet);
   settle(options.frontEnd, corpus);
+  program::WholeFile modelFile(options.model, "model file");
   program::ReportFolder folder(options.common.report);
   FrontEnds frontEnds(options.frontEnd);
   program::Stopwatch frontEndWatch, trainingWatch;
@@ -94,17 +98,17 @@ void trainCommand(TrainOptions options) {
   const std::vector<Lesson> lessons = lessonsOf(corpus, features, recordings, copies, false);
 
   std::vector<Iteration> history;
-  print(heading);
   ModelFile models{options.frontEnd, corpus.words, {}};
-  models.models = trainingWatch.time([&] {
-    return train(lessons, options.training, [&history](const Iteration& iteration) {
-      program::stopIfInterrupted();
-      history.push_back(iteration);
-      print(row(history.size(), iteration));
+  {
+    program::Progress progress("training", 0, options.common.quiet);
+    models.models = trainingWatch.time([&] {
+      return train(lessons, options.training, [&](const Iteration& iteration) {
+        history.push_back(iteration);
+        progress.step(iteration.stage + ", " + std::to_string(iteration.gaussians) + " Gaussians, log likelihood a frame " +
+                      fixed(iteration.logLikelihood, 4));
+      });
     });
-  });
-  writeModels(options.model, models);
-
+  }
   const std::string summary =
       std::to_string(models.words.size()) + " models of " + std::to_string(options.training.states) + " states with " +
       std::to_string(countGaussians(models.models)) + " Gaussians, from " + std::to_string(recordings.size()) + " recordings" +
@@ -113,11 +117,16 @@ void trainCommand(TrainOptions options) {
   std::string problem =
       options.common.pictures > 0 ? drawHistory(folder.path() / "likelihood.png", history) : "none were asked for";
   if (problem.empty()) problem = drawMeans(folder.path() / "means.png", models);
+  program::stopIfInterrupted();
+  for (const auto& cells : table(history)) print(cells);
+  std::printf("\n%s\n", summary.c_str());
   Settings settings = described(options.frontEnd);
   for (const auto& setting : described(options.training)) settings.push_back(setting);
   program::writeFile(folder.path() / "iterations.tsv", program::tabSeparated(table(history)));
   program::writeFile(folder.path() / "index.html", page(models, history, summary, settings, problem));
-  std::printf("\n%s\nmodels     %s\n", summary.c_str(), options.model.c_str());
+  modelFile.write(textOf(models));
+  modelFile.publish();
+  std::printf("models     %s\n", program::printable(options.model.string()).c_str());
   program::publish(folder, options.common.pictures > 0 ? problem : "");
 }
 

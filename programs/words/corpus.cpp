@@ -11,6 +11,7 @@
 
 #include "common/fault.h"
 #include "common/progress.h"
+#include "common/text.h"
 
 namespace fs = std::filesystem;
 
@@ -51,6 +52,7 @@ bool parseName(Recording& recording) {
 }
 
 Recording readRecording(const fs::path& file) {
+  if (program::hasControls(file.filename().string())) throw program::BadSound("its name holds control characters");
   if (!fs::is_regular_file(file)) throw program::BadSound("not a file");
   if (!hasWavEnding(file)) throw program::BadSound("not a WAV file (its name does not end in .wav)");
   Recording recording{file, file.stem().string(), {}, {}, 0, {}};
@@ -121,6 +123,12 @@ Trial withoutSpeaker(const Corpus& corpus, const Trial& all, const std::string& 
 }
 
 std::vector<Trial> trialsOf(const Corpus& corpus, const SplitOptions& options) {
+  if (options.templates && options.tests && options.leaveOut.empty()) {
+    if (const std::optional<int> both = options.templates->common(*options.tests)) {
+      throw program::Fault("index " + std::to_string(*both) +
+                           " is to teach and to be recognised; choose ranges that do not overlap");
+    }
+  }
   const Trial all = splitByIndex(corpus, options);
   if (options.leaveOut.empty()) return {all};
   std::vector<Trial> trials;
@@ -207,6 +215,16 @@ IndexRanges IndexRanges::parse(const std::string& text) {
 bool IndexRanges::contains(int index) const {
   return std::any_of(ranges_.begin(), ranges_.end(),
                      [&](const auto& range) { return index >= range.first && index <= range.second; });
+}
+
+std::optional<int> IndexRanges::common(const IndexRanges& other) const {
+  for (const auto& range : ranges_) {
+    for (const auto& its : other.ranges_) {
+      const int first = std::max(range.first, its.first);
+      if (first <= std::min(range.second, its.second)) return first;
+    }
+  }
+  return std::nullopt;
 }
 
 std::vector<Trial> split(const Corpus& corpus, const SplitOptions& options, size_t& untaught) {

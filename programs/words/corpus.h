@@ -43,6 +43,8 @@ class IndexRanges {
   /** Throws std::invalid_argument with a clear sentence. */
   static IndexRanges parse(const std::string& text);
   bool contains(int index) const;
+  /** An index that both hold. */
+  std::optional<int> common(const IndexRanges& other) const;
   /** As it was written. */
   const std::string& text() const { return text_; }
 
@@ -67,7 +69,7 @@ struct Trial {
   std::vector<size_t> templates, tests;
 };
 
-/** The trials that the options ask for: one, or one a speaker. Tests of words without a template are dropped and counted in
+/** The trials that the options ask for: one, or one a speaker. Ranges that overlap are refused, unless the speakers differ. Tests of words without a template are dropped and counted in
  *  untaught. Throws Fault when a trial has no template or nothing remains to be recognised. */
 std::vector<Trial> split(const Corpus& corpus, const SplitOptions& options, size_t& untaught);
 

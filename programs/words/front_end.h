@@ -42,6 +42,27 @@ struct FrontEndOptions {
   float accelerationWeight = 0.3F;  ///< of the second derivatives
 };
 
+/** Visits every setting: visit(name, value, lowest, highest, help), and visit("normalise", value). */
+template <class Options, class Visitor>
+void eachSetting(Options& options, Visitor visit) {
+  visit("filters", options.filters, 2, 200, "Filters of the mel bank");
+  visit("cepstra", options.cepstra, 1, 200, "Cepstral coefficients, at most the filters");
+  visit("lifter", options.lifter, 1, 1000, "Length of the lifter");
+  visit("deltas", options.deltas, 0, 2, "Time derivatives: none, first, first and second");
+  visit("frame-ms", options.frameMs, 5.0F, 200.0F, "Length of a frame");
+  visit("hop-ms", options.hopMs, 1.0F, 100.0F, "From one frame to the next");
+  visit("low-hz", options.lowHz, 1.0F, 20000.0F, "Lower end of the mel bank");
+  visit("high-hz", options.highHz, 10.0F, 24000.0F,
+        "Upper end of the mel bank; by default 0.475 of the lowest rate of the corpus, at most 8000");
+  visit("pre-emphasis", options.preEmphasis, 0.0F, 0.999F, "Coefficient at 16 kHz; other rates get the same corner frequency");
+  visit("floor-db", options.floorDb, 10.0F, 200.0F, "Filter outputs so far below the loudest are raised to there");
+  visit("trim-db", options.trimDb, 0.0F, 200.0F, "Frames so far below the loudest are cut at both ends; 0: none");
+  visit("normalise", options.normalise);
+  visit("energy-weight", options.energyWeight, 0.0F, 100.0F, "Weight of the coefficient of order 0; 0: it is not a feature");
+  visit("delta-weight", options.deltaWeight, 0.0F, 100.0F, "Weight of the first derivatives");
+  visit("acceleration-weight", options.accelerationWeight, 0.0F, 100.0F, "Weight of the second derivatives");
+}
+
 /** What the front-end makes of one recording. */
 struct Analysis {
   Matrix logMel;       ///< logarithms of the mel bank's outputs, every frame

@@ -1,4 +1,4 @@
-// What tests of example programs need: a folder of their own, WAV files made on the spot, and a run of a program with all that it
+// What tests of programs need: a folder of their own, WAV files made on the spot, and a run of a program with all that it
 // says.
 #pragma once
 
@@ -32,7 +32,7 @@ inline void write(const fs::path& file, const std::string& bytes) { std::ofstrea
 class Folder {
  public:
   Folder() {
-    std::string name = (fs::temp_directory_path() / "qorsr-example-XXXXXX").string();
+    std::string name = (fs::temp_directory_path() / "qorsr-program-XXXXXX").string();
     path_ = mkdtemp(name.data());
   }
   ~Folder() {
@@ -71,7 +71,11 @@ inline std::string littleEndian(uint32_t value, int bytes) {
 inline size_t lineCount(const std::string& text) { return static_cast<size_t>(std::count(text.begin(), text.end(), '\n')); }
 
 /** A path as one word of the shell. */
-inline std::string quote(const fs::path& path) { return std::string("'").append(path.string()).append("'"); }
+inline std::string quote(const fs::path& path) {
+  std::string word = "'";
+  for (const char c : path.string()) word += c == '\'' ? std::string("'\\''") : std::string(1, c);
+  return word + "'";
+}
 
 /** A WAV file of 16-bit samples. */
 inline std::string wav(const std::vector<float>& samples, int rate, int channels = 1) {

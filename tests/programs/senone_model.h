@@ -5,6 +5,7 @@
 #include <cmath>
 #include <complex>
 #include <functional>
+#include <iterator>
 #include <numbers>
 #include <vector>
 
@@ -76,9 +77,12 @@ inline std::vector<double> cepstrum(const std::vector<double>& samples, size_t b
 inline Rows features(const std::vector<double>& samples) {
   Rows cepstra;
   for (size_t begin = 0; begin + kFrame <= samples.size(); begin += kHop) cepstra.push_back(cepstrum(samples, begin));
+  Rows heard;  // all but digital silence, or all
+  std::copy_if(cepstra.begin(), cepstra.end(), std::back_inserter(heard), [](const auto& row) { return row[0] >= 0; });
+  if (heard.empty()) heard = cepstra;
   std::vector<double> mean(kWidth);
-  for (const auto& row : cepstra) {
-    for (size_t i = 0; i < kWidth; ++i) mean[i] += row[i] / static_cast<double>(cepstra.size());
+  for (const auto& row : heard) {
+    for (size_t i = 0; i < kWidth; ++i) mean[i] += row[i] / static_cast<double>(heard.size());
   }
   for (auto& row : cepstra) {
     for (size_t i = 0; i < kWidth; ++i) row[i] -= mean[i];

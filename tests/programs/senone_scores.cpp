@@ -111,6 +111,47 @@ TEST(InstalledModel, FeaturesAndScoresAreThoseOfTheDefinitions) {
   expectDefinitions(acoustic::readModel(folder), folder, program::contents(wav));
 }
 
+// Frames of nothing but zeros do not move the mean: those of speech score as they do without them. Where there is nothing else the
+// mean is theirs.
+TEST_F(SenoneScores, DigitalSilenceHasNoPartInTheMean) {
+  std::vector<float> inside;
+  for (int word = 0; word < 8; ++word) {
+    const std::vector<float> one = speech(word);
+    inside.insert(inside.end(), one.begin(), one.end());
+  }
+  std::vector<float> padded(7 * 160), silent(4000);
+  padded.insert(padded.end(), inside.begin(), inside.end());
+  padded.resize(padded.size() + 5000);
+  for (const std::vector<float>& samples : {padded, silent}) {
+    expectDefinitions(model_, modelFolder(), program::wav(samples, kRate));
+  }
+  const auto rowsOf = [&](const std::vector<float>& samples) {
+    program::write(folder_ / "b.wav", program::wav(samples, kRate));
+    EXPECT_EQ(score(modelFolder(), quoted("b.wav") + " --write-scores --report " + quoted("report")).code, 0);
+    return readRows(folder_ / "report" / "b_senones.f32", static_cast<size_t>(model_.senones()));
+  };
+  const Rows alone = rowsOf(inside), among = rowsOf(padded);
+  for (size_t f = 6; f + 8 < alone.size(); ++f) {  // but for frames whose derivatives or window reach into the silence
+    for (size_t n = 0; n < alone[f].size(); ++n) EXPECT_NEAR(among[f + 7][n], alone[f][n], 5) << f;
+  }
+}
+
+TEST_F(SenoneScores, SettingsThatSayWhatIsDoneAnywayChangeNothing) {
+  const auto rows = [&] {
+    EXPECT_EQ(score(modelFolder(), quoted("a.wav") + " --write-scores --report " + quoted("report")).code, 0);
+    return program::contents(folder_ / "report" / "a_senones.f32");
+  };
+  const std::string before = rows(), whole = program::contents(modelFolder() / "feat.params");
+  for (const char* line : {"-remove_noise no", "-dither no", "-round_filters yes", "-remove_dc no", "-unit_area yes"}) {
+    SCOPED_TRACE(line);
+    program::write(modelFolder() / "feat.params", whole + line + "\n");
+    EXPECT_EQ(rows(), before);
+  }
+  program::write(modelFolder() / "feat.params", whole + "-remove_noise no\n-dither no\n");
+  EXPECT_EQ(score(modelFolder(), quoted("a.wav") + " --report " + quoted("report")).out.find("stationary noise"),
+            std::string::npos);
+}
+
 TEST_F(SenoneScores, WritesATableAPictureAndAPage) {
   program::write(folder_ / "other", "");
   fs::create_directory(folder_ / "second");
@@ -201,6 +242,14 @@ void dropChecksum(std::string& bytes) {
   bytes.resize(bytes.size() - 4);
 }
 
+// Words of 32 bits from here on with their bytes in the other order.
+void swapBytes(std::string& bytes, size_t from) {
+  for (size_t at = from; at + 4 <= bytes.size(); at += 4) {
+    std::swap(bytes[at], bytes[at + 3]);
+    std::swap(bytes[at + 1], bytes[at + 2]);
+  }
+}
+
 constexpr size_t kCounts = 44;      // of the Gaussian files: behind the header and the byte-order mark
 constexpr size_t kDefinition = 16;  // of mdef: behind its description
 
@@ -212,6 +261,12 @@ TEST_F(SenoneScores, RefusesADamagedModelWithOneLine) {
       {"means", "no end of the header", [](std::string& s) { s.resize(20); }},
       {"means", "does not begin with \"s3\"", [](std::string& s) { s[0] = 'x'; }},
       {"means", "byte-order mark", [](std::string& s) { std::swap(s[40], s[43]); }},
+      {"means", "byte-swapped", [](std::string& s) { swapBytes(s, kCounts - 4); }},
+      {"variances", "byte-swapped", [](std::string& s) { swapBytes(s, kCounts - 4); }},
+      {"sendump", "byte-swapped", [](std::string& s) { setWord(s, 0, 0x1E000000); }},
+      {"mdef", "byte-swapped", [](std::string& s) { swapBytes(s, 0); }},
+      {"mdef", "byte-swapped", [](std::string& s) { setWord(s, 4, 0x01000000); }},
+      {"mdef", "control characters", [](std::string& s) { replace(s, "SIL", "S\nL"); }},
       {"means", "checksum", [](std::string& s) { s[1000] ^= 4; }},
       {"means", "checksum", [](std::string& s) { s[s.size() - 1] ^= 1; }},
       {"means", "bytes too many", [](std::string& s) { s += "more"; }},
@@ -245,6 +300,10 @@ TEST_F(SenoneScores, RefusesADamagedModelWithOneLine) {
       {"feat.params", "-feat 4s_13d is not offered", [](std::string& s) { replace(s, "1s_c_d_dd", "4s_13d"); }},
       {"feat.params", "-nfilt many is not offered", [](std::string& s) { replace(s, "25", "many"); }},
       {"feat.params", "-unheard of is not offered", [](std::string& s) { s += "-unheard of\n"; }},
+      {"feat.params", "-remove_noise yes is not offered", [](std::string& s) { s += "-remove_noise yes\n"; }},
+      {"feat.params", "-dither yes is not offered", [](std::string& s) { s += "-dither yes\n"; }},
+      {"feat.params", "-round_filters no is not offered", [](std::string& s) { s += "-round_filters no\n"; }},
+      {"feat.params", "-wlen nan is not offered", [](std::string& s) { s += "-wlen nan\n"; }},
       {"feat.params", "-upperf", [](std::string& s) { replace(s, "6800", "9000"); }},
       {"feat.params", "too many for these frequencies", [](std::string& s) { replace(s, "-nfilt 25", "-nfilt 199"); }},
       {"feat.params", "line 13 is not of the form", [](std::string& s) { s += "nonsense\n"; }},

@@ -108,6 +108,75 @@ TEST(WordModels, RefusesBadModelFiles) {
   expectBad(changed("variance ", "variance -"), "a variance is not positive");
   expectBad(changed("mean ", "mean nan "), "damaged");
   expectBad(changed("high-hz 3800", "high-hz 4500"), "above half the lowest rate");
+  expectBad(changed("hop-ms 10", "hop-ms 0"), "hop-ms is out of its range");
+  expectBad(changed("filters 24", "filters 2000000000"), "filters is out of its range");
+  expectBad(changed("\"tre\"", "\"sei\""), "a word stands twice");
+  expectBad(changed("\"tre\"", "\"t\nre\""), "a word holds a control character");
+  for (const char* more : {"x", "end\n", "word_recogniser-models-1"}) expectBad(good + more, "something follows its end");
+  program::write(file, good + " \n\n");
+  EXPECT_EQ(recognise(testOn(corpus, folder)).code, 0);
+}
+
+TEST(WordModels, AreWrittenToARegularFileOnly) {
+  const Folder folder;
+  const std::string start = "train " + quote(makeCorpus(folder, 2)) + " --states 4 --gaussians 1 --pictures 0 --model ";
+  program::write(folder / "mine", "not to be lost");
+  fs::create_symlink(folder / "mine", folder / "link");
+  fs::create_symlink(folder / "nowhere", folder / "loose");
+  fs::create_directory(folder / "folder");
+  ASSERT_EQ(std::system(("mkfifo " + quote(folder / "pipe")).c_str()), 0);
+  for (const auto& [name, why] : {std::pair("link", "it is a link; name the file itself"),
+                                  {"loose", "it is a link; name the file itself"},
+                                  {"folder", "it is a folder"},
+                                  {"pipe", "it is not a regular file"},
+                                  {"mine/words", "Not a directory"},
+                                  {"none/words", "No such file or directory"}}) {
+    SCOPED_TRACE(name);
+    expectRefusal(folder, start + quote(folder / name), std::string(name) + " cannot be written: " + why);
+  }
+  expectRefusal(folder, start + "/dev/null", "/dev/null cannot be written: it is not a regular file");
+  EXPECT_TRUE(fs::is_character_file("/dev/null"));
+  EXPECT_TRUE(fs::is_fifo(folder / "pipe"));
+  EXPECT_TRUE(fs::is_symlink(folder / "link") && fs::is_symlink(folder / "loose"));
+  EXPECT_EQ(contents(folder / "mine"), "not to be lost");
+  EXPECT_EQ(recognise(start + quote(folder / "mine") + " --quiet --report " + quote(folder / "report")).code, 0);
+  EXPECT_NE(contents(folder / "mine").find("word_recogniser-models"), std::string::npos);
+}
+
+TEST(WordModels, TestsSpeakOfModels) {
+  const Folder folder;
+  const fs::path corpus = makeCorpus(folder, 4);
+  ASSERT_EQ(recognise(trainOn(corpus, folder)).code, 0);
+  for (const auto& [split, words] : {std::pair("", "all recordings tested"),
+                                     {"--tests 2-3", "; tests 2-3\n"},
+                                     {"--train 0-1", "; tests all but 0-1\n"},
+                                     {"--templates-per-word 1", "; tests all but the first of each word and speaker\n"},
+                                     {"--templates-per-word 2", "; tests all but the first 2 of each word and speaker\n"},
+                                     {"--leave-out anna", "; all recordings tested; speaker anna alone\n"}}) {
+    const Outcome outcome = recognise(testOn(corpus, folder, split));
+    EXPECT_NE(outcome.out.find(words), std::string::npos) << outcome.out;
+    EXPECT_EQ(outcome.out.find("template"), std::string::npos) << outcome.out;
+    EXPECT_EQ(contents(folder / "report" / "index.html").find("template"), std::string::npos);
+    EXPECT_EQ(contents(folder / "report" / "results.tsv").find("nearest"), std::string::npos);
+  }
+}
+
+TEST(WordModels, SaysHowManyAreShownOnlyWhereNotAllAre) {
+  if (std::system("gnuplot --version >/dev/null 2>&1") != 0) GTEST_SKIP() << "gnuplot is not installed";
+  const Folder folder;
+  const fs::path corpus = makeCorpus(folder, 2);
+  const std::string command = "train " + quote(corpus) + " --states 2 --gaussians 1 --iterations 1 --quiet --model " +
+                              quote(folder / "words.model") + " --report " + quote(folder / "report");
+  const auto page = [&] {
+    EXPECT_EQ(recognise(command).code, 0);
+    return contents(folder / "report" / "index.html");
+  };
+  EXPECT_NE(page().find("(4 words)"), std::string::npos);
+  for (const auto& entry : std::vector<fs::directory_entry>{fs::directory_iterator(corpus), {}}) {
+    const std::string name = entry.path().filename().string();
+    for (int copy = 0; copy < 5; ++copy) fs::copy(entry.path(), corpus / (std::to_string(copy) + name));
+  }
+  EXPECT_NE(page().find("(24 words; the first 20 are shown)"), std::string::npos);
 }
 
 TEST(WordModels, RefusesWhatCannotBeTrained) {

@@ -131,6 +131,9 @@ TEST(WordRecogniser, RefusesWhatItCannotWorkOn) {
   const std::string corpus = quote(makeCorpus(folder, 2));
   expectRefusal(folder, "match " + corpus + " --leave-out carla", "there is no speaker 'carla'");
   expectRefusal(folder, "match " + corpus + " --templates 7-9", "no recording is a template");
+  expectRefusal(folder, "match " + corpus + " --templates 0-1 --tests 1-2", "index 1 is to teach and to be recognised");
+  expectRefusal(folder, "match " + corpus + " --templates 5,0 --tests 0", "index 0 is to teach and to be recognised");
+  expectRefusal(folder, "compare " + corpus + " --train 0-1 --tests 0-1", "index 0 is to teach and to be recognised");
   expectRefusal(folder, "match " + corpus + " --templates-per-word 2", "no recording is left to be recognised");
   expectRefusal(folder, "match " + corpus + " --templates 0 --high-hz 4100", "above half the lowest rate");
   expectRefusal(folder, "match " + corpus + " --templates 0 --low-hz 3900", "not below its upper end");
