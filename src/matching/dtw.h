@@ -237,9 +237,7 @@ class WideDistances {
     for (; c <= width_ - 8; c += 8) {
       for (int k = 0; k < 4; ++k) lanes[k] = eight(k, c, lanes[k]);
     }
-    Lanes<double, 2> halves[4];
-    for (int k = 0; k < 4; ++k) halves[k] = lowerHalf(lanes[k]) + upperHalf(lanes[k]);
-    Lanes<double, 4> sums = joinHalvesOfSets<4>(halves);
+    Lanes<double, 4> sums = joinHalves(lanes[0], lanes[1], lanes[2], lanes[3]);
     const auto turned = [&](int32_t at) {
       return transposed(Four::load(rows[0] + at), Four::load(rows[1] + at), Four::load(rows[2] + at), Four::load(rows[3] + at));
     };

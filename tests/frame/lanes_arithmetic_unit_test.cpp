@@ -186,9 +186,6 @@ void expectJoins() {
         ASSERT_BITS(valuesOf(lowerHalf(x)), std::vector<T>(a.begin(), a.begin() + N / 2)) << N;
         ASSERT_BITS(valuesOf(upperHalf(x)), std::vector<T>(a.begin() + N / 2, a.end())) << N;
       }
-      if constexpr (N == 4) {
-        ASSERT_BITS(joinNeighbours(x), (a[0] + a[1]) + (a[2] + a[3]));
-      }
       if constexpr (N == 8) {
         ASSERT_BITS(joinHalves(x), ((a[0] + a[4]) + (a[2] + a[6])) + ((a[1] + a[5]) + (a[3] + a[7])));
       }
@@ -201,22 +198,22 @@ TEST(LanesArithmetic, JoinsAddInTheirOrder) {
   expectJoins<double>();
 }
 
-template <int N>
+template <class T, int N>
 void expectJoinsOfFour() {
   kit::Random random(N);
   for (int round = 0; round < kRounds; ++round) {
-    std::vector<float> set[4];
-    Lanes<float, N> x[4];
+    std::vector<T> set[4], joins, fours;
+    Lanes<T, N> x[4];
     for (int i = 0; i < 4; ++i) {
-      set[i] = random.vector<float>(N, kit::kKinds[round % 3]);
-      x[i] = lanesOf<float, N>(set[i]);
+      set[i] = random.vector<T>(N, std::is_integral_v<T> ? kit::Random::kSmall : kit::kKinds[round % 3]);
+      x[i] = lanesOf<T, N>(set[i]);
+      joins.push_back(joinHalves(x[i]));
+      const auto four = valuesOf(joinedTo<4>(x[i]));
+      fours.insert(fours.end(), four.begin(), four.end());
     }
-    const auto joined = joinHalves(x[0], x[1], x[2], x[3]);
-    ASSERT_BITS(valuesOf(joined), (std::vector<float>{joinHalves(x[0]), joinHalves(x[1]), joinHalves(x[2]), joinHalves(x[3])}))
-        << N;
-    if constexpr (N == 4) {
-      ASSERT_BITS(valuesOf(joinNeighbours4(x[0], x[1], x[2], x[3])),
-                  (std::vector<float>{joinNeighbours(x[0]), joinNeighbours(x[1]), joinNeighbours(x[2]), joinNeighbours(x[3])}));
+    ASSERT_BITS(valuesOf(joinHalves(x[0], x[1], x[2], x[3])), joins) << N;
+    ASSERT_BITS(valuesOf(foldToFours(x[0], x[1], x[2], x[3])), fours) << N;
+    if constexpr (N == 4 && std::is_same_v<T, float>) {
       const Transposed turned = transposed(x[0], x[1], x[2], x[3]);
       for (std::size_t j = 0; j < 4; ++j) {
         ASSERT_BITS(valuesOf(turned.lane[j]), (std::vector<float>{set[0][j], set[1][j], set[2][j], set[3][j]})) << j;
@@ -226,10 +223,14 @@ void expectJoinsOfFour() {
 }
 
 TEST(LanesArithmetic, JoinsOfFourSetsEqualJoinsOfEach) {
-  expectJoinsOfFour<4>();
-  expectJoinsOfFour<8>();
-  expectJoinsOfFour<16>();
-  expectJoinsOfFour<32>();
+  expectJoinsOfFour<float, 4>();
+  expectJoinsOfFour<float, 8>();
+  expectJoinsOfFour<float, 16>();
+  expectJoinsOfFour<float, 32>();
+  expectJoinsOfFour<double, 4>();
+  expectJoinsOfFour<double, 8>();
+  expectJoinsOfFour<double, 16>();
+  expectJoinsOfFour<int32_t, 8>();
 }
 
 template <class To, class From>

@@ -99,17 +99,6 @@ TEST(LanesOrder, PermutedInterleavedAndHalved) {
   expectOrders<int16_t, 32>();
 }
 
-TEST(LanesOrder, FourSetsTransposed) {
-  kit::Random random(4);
-  std::vector<std::vector<float>> rows;
-  for (int r = 0; r < 4; ++r) rows.push_back(random.vector<float>(4));
-  const auto t =
-      transposed(lanesOf<float, 4>(rows[0]), lanesOf<float, 4>(rows[1]), lanesOf<float, 4>(rows[2]), lanesOf<float, 4>(rows[3]));
-  for (std::size_t j = 0; j < 4; ++j) {
-    EXPECT_BITS(valuesOf(t.lane[j]), (std::vector<float>{rows[0][j], rows[1][j], rows[2][j], rows[3][j]})) << j;
-  }
-}
-
 template <int N>
 void expectShorts() {
   kit::Random random(N);

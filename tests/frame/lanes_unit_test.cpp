@@ -181,24 +181,4 @@ TEST(Lanes, ShiftsSaturationsAndTheLeastLane) {
   expectWholeNumbers<64>();
 }
 
-template <class T, int N, int K>
-void expectJoinedSets() {
-  kit::Random random(N);
-  Lanes<T, N> sets[K];
-  std::vector<T> expected;
-  for (auto& set : sets) {
-    set = Lanes<T, N>::load(random.vector<T>(N, kit::Random::kSmall).data());
-    expected.push_back(joinHalves(set));
-  }
-  EXPECT_BITS(valuesOf(joinHalvesOfSets<K>(sets)), expected);
-}
-
-TEST(Lanes, JoinsOfSeveralSets) {
-  expectJoinedSets<float, 4, 4>();
-  expectJoinedSets<float, 4, 8>();
-  expectJoinedSets<int32_t, 4, 2>();
-  expectJoinedSets<int32_t, qorsr::kNativeLanes<int32_t>, 8>();
-  expectJoinedSets<double, qorsr::kNativeLanes<double>, 4>();
-}
-
 }  // namespace

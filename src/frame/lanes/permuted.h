@@ -102,6 +102,11 @@ template <int G, int From>
 constexpr int inTurn(int i, int n) {
   return (From + i) / G % 2 * n + (From + i) / (2 * G) * G + i % G;
 }
+// The same within every U lanes of both, from their lane From on.
+template <int U, int G, int From>
+constexpr int inTurnOfEach(int i, int n) {
+  return i / U * U + inTurn<G, 0>(i % U, n) + From;
+}
 template <int First>
 constexpr int everySecond(int i, int) {
   return 2 * i + First;

@@ -51,33 +51,7 @@ inline V dropFirst(V a) {
   return v;
 }
 
-// W / 2 numbers from p on, twice.
-template <int W>
-inline Vector<int16_t, W> loadTwice(const int16_t* p) {
-#if defined(__AVX512BW__)
-  if constexpr (W == 32) return Vector<int16_t, W>(_mm512_broadcast_i64x4(load<__m256i>(p)));
-#endif
-#if defined(__AVX2__)
-  if constexpr (W == 16) return Vector<int16_t, W>(_mm256_broadcastsi128_si256(load<__m128i>(p)));
-#endif
-#if defined(__SSE3__)
-  if constexpr (W == 8) return Vector<int16_t, W>(__m128i(_mm_set1_pd(load<double>(p))));
-#endif
-  Vector<int16_t, W> v{};
-  for (int i = 0; i < W; ++i) v[i] = p[i % (W / 2)];
-  return v;
-}
-
 }  // namespace native
-
-// N / 2 numbers from p on in both halves of one register.
-template <int N>
-inline Lanes<int16_t, N> loadTwice(const int16_t* p) {
-  static_assert(Lanes<int16_t, N>::kParts == 1);
-  Lanes<int16_t, N> v;
-  v.part[0] = native::loadTwice<N>(p);
-  return v;
-}
 
 // The square of a 16-bit number in two halves: its upper 16 bits, and its lower 16 bits shifted right by one.
 template <int N>
@@ -106,7 +80,7 @@ inline Lanes<int16_t, 8 * Count> chainGroups(const Lanes<int16_t, 8> (&groups)[C
     static_assert(Count == 4);
     Lanes<int32_t, 4> fours[4];
     for (int i = 0; i < 4; ++i) fours[i] = std::bit_cast<Lanes<int32_t, 4>>(groups[i]);
-    return std::bit_cast<Lanes<int16_t, 32>>(chainFours(fours[0], fours[1], fours[2], fours[3]));
+    return std::bit_cast<Lanes<int16_t, 32>>(concatenated(concatenated(fours[0], fours[1]), concatenated(fours[2], fours[3])));
   }
 }
 

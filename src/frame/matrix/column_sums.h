@@ -23,6 +23,18 @@ namespace qorsr {
 
 // ---- Kernels ----
 
+// Sum of four lanes, neighbours first.
+template <class T>
+inline T joinNeighbours(const Lanes<T, 4>& a) {
+  const Lanes<T, 2> sums = permuted<order::everySecond<0>, 2>(a) + permuted<order::everySecond<1>, 2>(a);
+  return joinHalves(sums);
+}
+// Of four sets at once: lane i of the result is that of set i.
+inline Lanes<float, 4> joinNeighbours(const Lanes<float, 4> (&sets)[4]) {
+  const Transposed t = transposed(sets[0], sets[1], sets[2], sets[3]);
+  return (t.lane[0] + t.lane[1]) + (t.lane[2] + t.lane[3]);
+}
+
 // The sum of rows 0 to end - 1 of one block of columns; with first > 0, going on from `running`, the sum of those above.
 template <class Acc, int N, class Rows>
 inline Lanes<Acc, N> columnSum(const Rows& rows, int32_t first, int32_t end, int32_t column, const Acc* running) {
@@ -81,7 +93,7 @@ inline void rowSums(const Rows& rows, int32_t first, int32_t width, Acc* result)
     for (int i = 0; i < R; ++i) lanes[i] += restOfRow<Acc, kRest>(rows[first + i] + width, width);
   }
   if constexpr (R == 4 && std::is_same_v<Acc, float>) {
-    joinNeighbours4(lanes[0], lanes[1], lanes[2], lanes[3]).store(result + first);
+    joinNeighbours(lanes).store(result + first);
   } else {
     for (int i = 0; i < R; ++i) result[first + i] = joinNeighbours(lanes[i]);
   }

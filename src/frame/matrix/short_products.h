@@ -12,14 +12,35 @@
 
 #include "frame/lanes.h"
 #include "frame/lanes/rounding.h"
-#include "frame/lanes/shorts.h"
-#include "frame/lanes/sums.h"
 #include "frame/matrix/product_results.h"
 #include "frame/tuning.h"
 
 namespace qorsr {
 
 // ---- Rows times a vector ----
+
+// N / 2 numbers from p on in both halves of one register.
+template <int N>
+inline Lanes<int16_t, N> loadTwice(const int16_t* p) {
+  const auto half = Lanes<int16_t, N / 2>::load(p);
+  return concatenated(half, half);
+}
+
+// Sets of 2 G lanes, R of them: sums of their lower halves, and of their upper ones.
+template <int R>
+struct SumsOfHalves {
+  Lanes<uint32_t, R> lower, upper;
+};
+template <int N>
+inline SumsOfHalves<4> sumsOfHalves(const Lanes<uint32_t, N> (&sets)[4]) {
+  const auto all = foldedSets<N / 2, 1>(concatenated(concatenated(sets[0], sets[1]), concatenated(sets[2], sets[3])));
+  return {permuted<order::everySecond<0>, 4>(all), permuted<order::everySecond<1>, 4>(all)};
+}
+template <int N>
+inline SumsOfHalves<8> sumsOfHalves(const Lanes<uint32_t, N> (&sets)[8]) {
+  const auto a = sumsOfHalves({sets[0], sets[1], sets[2], sets[3]}), b = sumsOfHalves({sets[4], sets[5], sets[6], sets[7]});
+  return {concatenated(a.lower, b.lower), concatenated(a.upper, b.upper)};
+}
 
 // N zeros, then N ones.
 template <int N>
@@ -158,6 +179,21 @@ template <int N, class Take>
   }
 }
 
+// The same lanes; numbers that are used twice are loaded once.
+template <int N>
+[[gnu::always_inline]] inline Lanes<int16_t, N> inRegister(Lanes<int16_t, N> a) {
+#if defined(__SSE3__)
+  for (auto& part : a.part) asm("" : "+v"(part));
+#endif
+  return a;
+}
+
+// Four lanes of each in turn.
+template <int N>
+inline Lanes<int32_t, 2 * N> inTurnByFours(const Lanes<int32_t, N>& a, const Lanes<int32_t, N>& b) {
+  return permuted<order::inTurn<4, 0>, 2 * N>(a, b);
+}
+
 // What rows first to first + count - 1 give in B blocks of N columns: take(index, sums), index from 0 to B N. Two rows at a time, so
 // that a pair of products is one step.
 template <int N, int B, class Rows, class Take>
@@ -173,7 +209,7 @@ inline void columnDots(const SplitPairs& v, const Rows& rows, int32_t first, int
     const Elements low = SplitPairs::pair<N>(v.low + r), high = SplitPairs::pair<N>(v.high + r);
     for (int b = 0; b < B; ++b) {
       const Elements x = inRegister(Elements::load(one + columns[b])), y = inRegister(Elements::load(two + columns[b]));
-      const Elements lower = interleaveLowerOfEights(x, y), upper = interleaveUpperOfEights(x, y);
+      const Elements lower = permuted<order::inTurnOfEach<8, 1, 0>>(x, y), upper = permuted<order::inTurnOfEach<8, 1, 4>>(x, y);
       sums[b][0] += pairDots(lower, low);
       sums[b][1] += pairDots(upper, low);
       sums[b][2] += pairDots(lower, high);
@@ -184,7 +220,7 @@ inline void columnDots(const SplitPairs& v, const Rows& rows, int32_t first, int
   for (; r < count - 1; r += 2) addPair(r, rows[first + r], rows[first + r + 1]);
   if (r < count) addPair(r, rows[first + r], rows[first + r]);
   for (int b = 0; b < B; ++b) {
-    const auto low = as<double>(joinedEights(sums[b][0], sums[b][1])), high = as<double>(joinedEights(sums[b][2], sums[b][3]));
+    const auto low = as<double>(inTurnByFours(sums[b][0], sums[b][1])), high = as<double>(inTurnByFours(sums[b][2], sums[b][3]));
     forSums(low + high * Lanes<double, N>(256.0), b * N, take);
   }
 }
