@@ -109,7 +109,7 @@ void addPeers(Task& t) {
   bench::add({task, "fftw, all orders", "", kFrames, "frames"}, eachFrame([&t, plan](int32_t i) {
                fftwf_execute_r2r(plan, t.source.data() + i * t.n, transformed.data());
                for (int32_t k = 0; k < t.results(); ++k) {
-                 t.result[static_cast<std::size_t>(i * t.results() + k)] =
+                 t.result[static_cast<std::size_t>(i) * static_cast<std::size_t>(t.results()) + static_cast<std::size_t>(k)] =
                      t.lifter[static_cast<std::size_t>(k)] * transformed[static_cast<std::size_t>(k) + 1];
                }
              }));

@@ -35,7 +35,7 @@ std::vector<float> noise(std::size_t count) {
 #if QORSR_HAVE_FFTW3F
 std::function<void()> fftwOf(int32_t length, int32_t times) {
   float* in = fftwf_alloc_real(static_cast<std::size_t>(length));
-  fftwf_complex* out = fftwf_alloc_complex(static_cast<std::size_t>(length / 2 + 1));
+  fftwf_complex* out = fftwf_alloc_complex(static_cast<std::size_t>(length) / 2 + 1);
   const fftwf_plan plan = fftwf_plan_dft_r2c_1d(length, in, out, FFTW_MEASURE);
   for (int32_t i = 0; i < length; ++i) in[i] = static_cast<float>(i % 17);
   return [=] {

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
+#include <unistd.h>  // environ
 
 #include <cctype>
 #include <cerrno>
@@ -14,8 +15,6 @@
 #include "common/files.h"
 #include "common/progress.h"
 #include "common/text.h"
-
-extern char** environ;
 
 namespace fs = std::filesystem;
 
