@@ -1716,6 +1716,28 @@ QORSR_API QorStatus qorsMahDistMultiMix_64f_D2L(const double* const* meanRows, c
  *  an evaluation writes work memory inside the bank, so the bank serves one thread at a time; all other evaluations and `Get`
  *  functions only read it.
  *
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `state` of `EmptyFBankInitAlloc_*` | makes | |  |
+ *  | `state` of `FBankFree_*` | frees | |  |
+ *  | `state` of `FBankGet*` | in | |  |
+ *  | `state` of `FBankSet*` | in, out | |  |
+ *  | `state` of `EvalFBank_*` | in, out | | changed by a transform front alone, which works in it |
+ *  | `state` of `EvalFBank_32s_*` | in | |  |
+ *  | `order` | out | 1 | of the transform: log2 L |
+ *  | `length`, `filterCount` | value | at least 1 | |
+ *  | `flags`, `scaleFactor` | value | any | |
+ *  | `scaleFactor` of `EvalFBank_32s_*` | value | -31 to 31 | |
+ *  | `centers` of `FBankGetCenters_*` | out | state.filterCount + 2 | bins |
+ *  | `centers` of `FBankSetCenters_*` | in | state.filterCount + 2; each 0 to state.bins - 1 | bins, in rising order |
+ *  | `weights` of `FBankGetCoeffs_*` | in, out | state.bins | as many as lie within the filter's edges |
+ *  | `weights` of `FBankSetCoeffs_*` | in | state.bins | |
+ *  | `filter` of `FBankGetCoeffs_*` | value | 1 to state.filterCount + 1 | |
+ *  | `filter` of `FBankSetCoeffs_*` | value | 1 to state.filterCount | |
+ *  | `source` | in | state.inputs | L / 2 + 1 bins, or L samples |
+ *  | `result` | out | state.filterCount | |
+ *  | `bins`, `inputs` of `EmptyFBankInitAlloc_*` | is | max(pow2(length), 2) / 2 + 1 | L / 2 + 1 |
+ *
  *  Source of the method: Davis and Mermelstein, "Comparison of parametric representations for monosyllabic word recognition in
  *  continuously spoken sentences", IEEE Transactions on Acoustics, Speech, and Signal Processing 28 (1980). @{ */
 
@@ -1821,6 +1843,36 @@ QORSR_API QorStatus qorsEvalFBank_32s_Sfs(const int32_t* source, int32_t* result
  *
  *  Weights are not normalised by area. All is computed in double, with the C library's log and exp; Q14 weights are truncated.
  *
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `state` of `*InitAlloc_*` | makes | |  |
+ *  | `state` of `MelFBankInit_*` | block | bytes of `MelFBankGetSize_*` | |
+ *  | `size` | out | 1 | bytes |
+ *  | `order` | out | 1 | of the transform: log2 L |
+ *  | `length` | value | at least 1 | samples |
+ *  | `length` of `*_32s` | value | 32 to 8192 | |
+ *  | `filterCount` | value | at least 1 | |
+ *  | `filterCount` of `MelFBankGetSize_32s` | value | 1 to pow2(length) / 2 | |
+ *  | `filterCount` of `MelFBankInit_32s` | value | 1 to pow2(length) / 2 + 1 | |
+ *  | `flags` | value | 1, 2, 5 or 6 | |
+ *  | `flags` of `*_32s` | value | 2 | |
+ *  | `sampleFrequency` | value | above 0 | hertz |
+ *  | `lowFrequency` | value | above 0, at most sampleFrequency / 2 | hertz |
+ *  | `highFrequency` | value | lowFrequency to sampleFrequency / 2 | hertz |
+ *  | `joinFrequency` | value | lowFrequency to highFrequency | hertz |
+ *  | `linearFilterCount` | value | 1 to filterCount | |
+ *  | `melMul`, `melDiv` | value | any | |
+ *  | `sampleFrequency` of `*_32s` | value | 1 to 48000 | hertz |
+ *  | `lowFrequency` of `*_32s` | value | 0 to 23999 | hertz |
+ *  | `highFrequency` of `*_32s` | value | above lowFrequency, at most 24000 | hertz |
+ *  | `melMul` of `*_32s` | value | 524289 to 1073741823 | 15 fraction bits |
+ *  | `melDiv` of `*_32s` | value | 524289 to 268435455 | 15 fraction bits |
+ *  | `melMul`, `melDiv` of `LinearToMel_*`, `MelToLinear_*` | value | above 0 | |
+ *  | `source` | in | length | |
+ *  | `result` | out | length | |
+ *  | `bins` of `Mel*FBankInit*` | is | max(pow2(length), 2) / 2 + 1 | L / 2 + 1 |
+ *  | `inputs` of `Mel*FBankInit*` | is | if(flags & 4, max(pow2(length), 2), max(pow2(length), 2) / 2 + 1) | |
+ *
  *  Statuses of `qorsMelFBankInit` and `qorsMelFBankInitAlloc`, in order: null state or order; length or filterCount below 1, sample
  *  or low frequency not above 0 (#qorStatusBadSize); high below low, half the sample frequency below high
  *  (#qorStatusBadFBankFrequency); flags (#qorStatusBadFBankFlag); #qorStatusNoMemory, with the order written (`Init`:
@@ -1919,6 +1971,25 @@ QORSR_API QorStatus qorsMelToLinear_32f(const float* source, float* result, int3
  *
  *  Size in bytes, with N8 = N rounded up to a multiple of 8: `32f` 4 (M N8 + N8 + 2M) + 124; `16s` 4 (N8 (M + 1) + M) + 8M + 164;
  *  qorsDCTLifterGetSize_MulC0_16s() (4N + 36)(M + 1) + 8M + 132.
+ *
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `state` of `DCTLifterInitAlloc_*` | makes | |  |
+ *  | `state` of `DCTLifterInit_*` | block | bytes of `DCTLifterGetSize_*` | |
+ *  | `state` of `DCTLifterFree_*` | frees | |  |
+ *  | `state` of `DCTLifter_32f` | in | |  |
+ *  | `state` of `DCTLifter_*_Sfs` | in, out | |  |
+ *  | `size` | out | 1 | bytes |
+ *  | `cepstrumLength`, `lifterLength` | value | at least 1 | M, L |
+ *  | `dctLength` | value | at least cepstrumLength | N |
+ *  | `cepstrumLength` of `DCTLifterGetSize_MulC0_16s` | value | 1 to 8192 | |
+ *  | `dctLength` of `DCTLifterGetSize_MulC0_16s` | value | cepstrumLength to 8192 | |
+ *  | `weights` | in | cepstrumLength | |
+ *  | `scale`, `weight0`, `scaleFactor` | value | any | |
+ *  | `source` | in | state.dctLength | |
+ *  | `destination` | out | state.outputs | M, or M + 1 |
+ *  | `outputs` of `DCTLifterInit_*`, `DCTLifterInitAlloc_*` | is | cepstrumLength | M |
+ *  | `outputs` of `DCTLifterInit_*C0_*`, `DCTLifterInitAlloc_*C0_*` | is | cepstrumLength + 1 | M + 1 |
  *
  *  Statuses, in order:
  *  - `GetSize`: null; N or M below 1, N below M, (`MulC0_16s` only) N above 8192, or a size above 2147483647 (#qorStatusBadSize).
@@ -2053,6 +2124,34 @@ QORSR_API QorStatus qorsDCTLifter_32s16s_Sfs(const int32_t* source, int16_t* des
  *    bits; their exact product with the table's entry is shifted and limited.
  *  - `EvalDelta`: differences wrap to 16 bits; the sum of their products with k, and its product with the multiplier, wrap to 32
  *    bits; the latter is shifted and limited.
+ *
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `source` | in | height x width | frames, one a row |
+ *  | `source` of `*_Aurora_*` | in | height x 14 | |
+ *  | `multipliers` | in | 2 * width | |
+ *  | `multipliers` of `DeltaDeltaMul_*` | in | 3 * width | |
+ *  | `multipliers` of `DeltaDeltaMul_Aurora_*` | in | 39 | |
+ *  | `destination` | in, out | rows x parts * width, step apart | |
+ *  | `destination` of `*_Aurora_*` | in, out | rows x 39, step apart | |
+ *  | `buffer` | in, out | height x offset + 2 * width, step apart | |
+ *  | `width`, `windowSize` | value | at least 1 | |
+ *  | `offset` | value | at least 0 | |
+ *  | `height` | value | at least if(flags & 1, lookBack, if(flags & 2, 0, 1)) | |
+ *  | `height` of `EvalDelta*` | value | at least 2 * windowSize | |
+ *  | `step` | value | at least parts * width | |
+ *  | `step` of `*_Aurora_*` | value | at least 39 | |
+ *  | `step` of `EvalDelta*` | value | at least offset + 2 * width | |
+ *  | `multiplier`, `deltaMultiplier`, `accelerationMultiplier` | value | any | |
+ *  | `flags`, `scaleFactor` | value | any | |
+ *  | `rows` of `Delta*` | is | height + if(flags & 1, 0, lookBack) | |
+ *  | `parts` of `Delta_*`, `DeltaMul_*` | is | 2 | |
+ *  | `parts` of `DeltaDelta_*`, `DeltaDeltaMul_*` | is | 3 | |
+ *  | `lookBack` of `Delta_Win1_*`, `DeltaMul_Win1_*` | is | 2 | B |
+ *  | `lookBack` of `Delta_Win2_*`, `DeltaMul_Win2_*` | is | 4 | |
+ *  | `lookBack` of `DeltaDelta*_Win1_*` | is | 3 | |
+ *  | `lookBack` of `DeltaDelta*_Win2_*` | is | 6 | |
+ *  | `lookBack` of `DeltaDelta*_Aurora_*` | is | 8 | |
  *
  *  Statuses of the streaming members, in order: null (source, destination, table); width below 1 or height below 0; height 0
  *  without end (#qorStatusBadSize); step below 2 width (`Delta`), 3 width (`DeltaDelta`) or 39 (`Aurora`) (#qorStatusBadStride);
