@@ -105,7 +105,7 @@ void Instance::drawValue(const Parameter& parameter, const Draw& draw, kit::Rand
                                             : drawWithin<T>(domain, numbers_, span, random);
     number.real = static_cast<double>(value);
     if constexpr (std::is_floating_point_v<T>) {
-      arguments_[index].real = double{value};
+      arguments_[index].real = static_cast<double>(value);
     } else {
       number.whole = arguments_[index].whole = value;
     }
@@ -198,7 +198,7 @@ std::vector<Argument> valuesOutside(const Parameter& parameter, const Numbers& n
     using Limits = std::numeric_limits<T>;
     const auto add = [&](T value) {
       if constexpr (std::is_floating_point_v<T>) {
-        outside.push_back({.real = double{value}});
+        outside.push_back({.real = static_cast<double>(value)});
       } else {
         outside.push_back({.whole = value});
       }

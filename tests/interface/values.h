@@ -62,8 +62,8 @@ T drawWithin(const Domain& domain, const Numbers& numbers, int64_t span, kit::Ra
       case 1:
         return domain.high.real != nullptr ? high : low;
       default: {
-        const double from = domain.low.real != nullptr ? double{low} : std::min(double{high} - 100, 0.0);
-        const double to = domain.high.real != nullptr ? double{high} : std::max(from + 100, 0.0);
+        const double from = domain.low.real != nullptr ? static_cast<double>(low) : std::min(static_cast<double>(high) - 100, 0.0);
+        const double to = domain.high.real != nullptr ? static_cast<double>(high) : std::max(from + 100, 0.0);
         return std::clamp(static_cast<T>(random.real(from, to)), low, high);
       }
     }
