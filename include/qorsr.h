@@ -1692,29 +1692,24 @@ QORSR_API QorStatus qorsMahDistMultiMix_64f_D2L(const double* const* meanRows, c
 /* ================================ Feature extraction ================================ */
 
 /** @defgroup filter_bank Filter banks
- *  Overlapping triangular filters over the bins of a spectrum: one output a filter.
+ *  Overlapping triangular filters over the bins of a spectrum: one output a filter. A bank has n = filterCount filters and n + 2
+ *  centres c[0] to c[n+1], bin numbers. Filter k, from 1 to n, rises from c[k-1] to c[k] and falls to c[k+1]:
  *
- *  A bank has n = filterCount filters and n + 2 centres c[0] to c[n+1], bin numbers. Filter k, from 1 to n, rises from c[k-1] to
- *  c[k] and falls to c[k+1]:
+ *      y[k-1] = sum for j = c[k-1] .. c[k] of rising_k[j - c[k-1]] x[j]
+ *             + sum for j = c[k]+1 .. c[k+1] of falling_k[j - c[k] - 1] x[j]
  *
- *      y[k-1] = sum for j = c[k-1] .. c[k] of rising_k[j - c[k-1]] x[j]  +  sum for j = c[k]+1 .. c[k+1] of falling_k[j - c[k] - 1]
- *          x[j]
- *
- *  `length`, the transform's length as requested, is taken up to a power of two L, at least 2 (500 gives 512); its base-2 logarithm
- *  is written to `order`. Bins run from 0 to L/2. Other bins do not exist: sections are cut there, and an empty section adds
- *  nothing.
+ *  `length`, the transform's length as requested, is taken up to a power of two L, at least 2 (500 gives 512); its base-2
+ *  logarithm is written to `order`. Bins run from 0 to L/2.
  *
  *  **Banks.** qorsEmptyFBankInitAlloc_32f() makes a bank without centres, with zero weights; qorsMelFBankInitAlloc_32f() and its
- *  relatives (@ref mel_bank) make complete ones. A bank from `InitAlloc` ends with qorsFBankFree_32f(); a bank that was built in
- *  the caller's block by `Init` ends with that block, must not be moved or copied, and is never passed to `Free`.
+ *  relatives (@ref mel_bank) make complete ones. A bank from `InitAlloc` ends with qorsFBankFree_32f(). A bank that `Init` built
+ *  in the caller's block ends with that block.
  *
- *  **Weights.** Floats in `FBankState_32f`; 32-bit integers with 14 fraction bits (1.0 is 16384) in `FBankState_16s`; with 30
- *  fraction bits in `FBankState_32s`.
+ *  **Transform front.** A bank made with #qorFBankTransform takes a frame of L samples in place of a spectrum, and its filters run
+ *  over the magnitudes sqrt(re^2 + im^2) of bins 0 to L/2 of the frame's unnormalised discrete Fourier transform.
  *
- *  **Transform front.** A bank made with bit value 4 in its flags takes a frame of L samples in place of a spectrum, and its
- *  filters run over the magnitudes sqrt(re^2 + im^2) of bins 0 to L/2 of the frame's unnormalised discrete Fourier transform. Such
- *  an evaluation writes work memory inside the bank, so the bank serves one thread at a time; all other evaluations and `Get`
- *  functions only read it.
+ *  **Weights** are floats in `FBankState_32f`; 32-bit integers with 14 fraction bits (1.0 is 16384) in `FBankState_16s`; with 30
+ *  fraction bits in `FBankState_32s`. Outputs have the scale of the spectrum, times 2^-scaleFactor.
  *
  *  | Parameter | Use | Elements, or values | |
  *  |---|---|---|---|
@@ -1738,6 +1733,30 @@ QORSR_API QorStatus qorsMahDistMultiMix_64f_D2L(const double* const* meanRows, c
  *  | `result` | out | state.filterCount | |
  *  | `bins`, `inputs` of `EmptyFBankInitAlloc_*` | is | max(pow2(length), 2) / 2 + 1 | L / 2 + 1 |
  *
+ *  **Error** of the transform front in float: no magnitude is off by more than 2.7e-7 of the frame's largest one (L up to 16384;
+ *  noise, tones and an impulse). To these come the roundings of the filters' products and sums.
+ *
+ *  @warning An evaluation with a transform front writes work memory inside the bank, so such a bank serves one thread at a time;
+ *  all other evaluations and `Get` functions only read it.
+ *
+ *  @warning A bank in the caller's block must not be moved or copied, and is never passed to `Free`.
+ *
+ *  @warning An empty bank always evaluates spectra, whatever its flags.
+ *
+ *  **Exact arithmetic**
+ *  - Bins outside 0 to L/2 do not exist: sections are cut there, and an empty section adds nothing.
+ *  - Float evaluation, with eight lanes a filter: a section's bins go to lanes 0 to 7 in blocks of eight, and the bins that remain
+ *    to lane 0; the first bin of a rising section (filter 1 apart) goes to lane 0 ahead of the blocks. The sum is ((l0 + l4) + (l2
+ *    + l6)) + ((l1 + l5) + (l3 + l7)).
+ *  - 16-bit evaluation is exact: the sum of the products in 64 bits is shifted right (arithmetically, without rounding) by
+ *    scaleFactor + 14, or left when that is negative, and saturated. With a transform front, the transform runs in float; its
+ *    values are rounded to integers with three fraction bits, the magnitudes of those again to integers with three more (to
+ *    nearest, at most 2^31 - 1), the shift grows by these 6, and required: of each product of magnitude and weight the low 32 bits
+ *    are added, as a signed number.
+ *  - 32-bit evaluation: each product loses its 8 low bits (arithmetic shift), the 64-bit sum v becomes v * 2^-scaleFactor (right:
+ *    arithmetic shift; left: limited above to 2^63 - 1), and then (v >> 22) plus bit 21 of v. The result is limited to 2^31 - 1;
+ *    required: below, its low 32 bits are stored as they are.
+ *
  *  Source of the method: Davis and Mermelstein, "Comparison of parametric representations for monosyllabic word recognition in
  *  continuously spoken sentences", IEEE Transactions on Acoustics, Speech, and Signal Processing 28 (1980). @{ */
 
@@ -1757,62 +1776,61 @@ enum {
 
 /** An empty bank, to be given centres and then weights. It always evaluates spectra: bit value 4 of `flags` only makes the memory
  *  of a transform, and other bits are ignored. Statuses: length or filterCount below 1 (#qorStatusBadSize); null;
- *  #qorStatusNoMemory (the order is written). */
+ *  #qorStatusNoMemory (the order is written). @see @ref filter_bank */
 QORSR_API QorStatus qorsEmptyFBankInitAlloc_32f(FBankState_32f** state, int32_t* order, int32_t length, int32_t filterCount,
                                                 int32_t flags);
+/** As qorsEmptyFBankInitAlloc_32f(), for 16-bit data. @see @ref filter_bank */
 QORSR_API QorStatus qorsEmptyFBankInitAlloc_16s(FBankState_16s** state, int32_t* order, int32_t length, int32_t filterCount,
                                                 int32_t flags);
 
-/** Releases a bank from `InitAlloc`. Status: null. */
+/** Releases a bank from `InitAlloc`. Status: null. @see @ref filter_bank */
 QORSR_API QorStatus qorsFBankFree_32f(FBankState_32f* state);
+/** As qorsFBankFree_32f(), for 16-bit data. @see @ref filter_bank */
 QORSR_API QorStatus qorsFBankFree_16s(FBankState_16s* state);
 
 /** centers = the filterCount + 2 centres. The two names are one function.
  *  Statuses: null; #qorStatusFBankNotReady without centres, or where a constructor made centres that qorsFBankSetCenters_32f()
- *  would refuse. */
+ *  would refuse. @see @ref filter_bank */
 QORSR_API QorStatus qorsFBankGetCenters_32f(const FBankState_32f* state, int32_t* centers);
+/** As qorsFBankGetCenters_32f(), for 16-bit data. @see @ref filter_bank */
 QORSR_API QorStatus qorsFBankGetCenters_16s(const FBankState_16s* state, int32_t* centers);
 
 /** Sets the filterCount + 2 centres and makes the bank ready. Weights stay as they are, by their place in the section. The two
  *  names are one function. Statuses: null; #qorStatusFBankNotReady, with the bank unchanged, when centers[0] is negative, when for
  *  some i from 1 to filterCount - 1 centers[i] is below centers[i-1] or above centers[i+1], or when the last one exceeds L/2. Equal
- *  neighbours are accepted; required: the last two entries are not compared with each other. */
+ *  neighbours are accepted; required: the last two entries are not compared with each other. @see @ref filter_bank */
 QORSR_API QorStatus qorsFBankSetCenters_32f(FBankState_32f* state, const int32_t* centers);
+/** As qorsFBankSetCenters_32f(), for 16-bit data. @see @ref filter_bank */
 QORSR_API QorStatus qorsFBankSetCenters_16s(FBankState_16s* state, const int32_t* centers);
 
 /** weights = those of filter number `filter` (from 1), bin by bin from c[filter-1] to c[filter+1]: the rising section, then the
  *  falling one. Integer weights are multiplied by 2^-14. required: filterCount + 1 is accepted too; that row has no falling
- *  section. Statuses: null; #qorStatusFBankNotReady; filter outside 1 to filterCount + 1 (#qorStatusBadSize). */
+ *  section. Statuses: null; #qorStatusFBankNotReady; filter outside 1 to filterCount + 1 (#qorStatusBadSize).
+ *  @see @ref filter_bank */
 QORSR_API QorStatus qorsFBankGetCoeffs_32f(const FBankState_32f* state, int32_t filter, float* weights);
+/** As qorsFBankGetCoeffs_32f(), for 16-bit data. @see @ref filter_bank */
 QORSR_API QorStatus qorsFBankGetCoeffs_16s(const FBankState_16s* state, int32_t filter, float* weights);
 
 /** Sets the weights of a filter, in the order of qorsFBankGetCoeffs_32f(). Integer weights: value * 16384 in float, truncated;
  *  below -2^31 limited to it; required: what reaches 2^31 (or is NaN) is stored as -2^31. Statuses: null; #qorStatusFBankNotReady;
- *  filter outside 1 to filterCount (#qorStatusBadSize). */
+ *  filter outside 1 to filterCount (#qorStatusBadSize). @see @ref filter_bank */
 QORSR_API QorStatus qorsFBankSetCoeffs_32f(FBankState_32f* state, int32_t filter, const float* weights);
+/** As qorsFBankSetCoeffs_32f(), for 16-bit data. @see @ref filter_bank */
 QORSR_API QorStatus qorsFBankSetCoeffs_16s(FBankState_16s* state, int32_t filter, const float* weights);
 
-/** result[k-1] = y[k-1] as above, k = 1 to filterCount; source: L/2 + 1 bins, or a frame of L samples with a transform front.
- *
- *  In float, with eight lanes a filter: a section's bins go to lanes 0 to 7 in blocks of eight, and the bins that remain to lane 0;
- *  the first bin of a rising section (filter 1 apart) goes to lane 0 ahead of the blocks. The sum is ((l0 + l4) + (l2 + l6)) +
- *  ((l1 + l5) + (l3 + l7)). Statuses: null; #qorStatusFBankNotReady. */
+/** result[k-1] = y[k-1], k = 1 to filterCount; a transform front writes the bank. Statuses: null; #qorStatusFBankNotReady.
+ *  @see @ref filter_bank */
 QORSR_API QorStatus qorsEvalFBank_32f(const float* source, float* result, const FBankState_32f* state);
 
-/** As qorsEvalFBank_32f(), exactly: the sum of the products in 64 bits is shifted right (arithmetically, without rounding) by
- *  scaleFactor + 14, or left when that is negative, and saturated. Any scale factor is accepted.
- *
- *  With a transform front, the transform runs in float; its values are rounded to integers with three fraction bits, the magnitudes
- *  of those again to integers with three more (to nearest, at most 2^31 - 1), the shift grows by these 6, and required: of each
- *  product of magnitude and weight the low 32 bits are added, as a signed number. Statuses: null; #qorStatusFBankNotReady. */
+/** As qorsEvalFBank_32f(), in exact integers, times 2^-scaleFactor. A transform front writes the bank.
+ *  Statuses: null; #qorStatusFBankNotReady. @see @ref filter_bank */
 QORSR_API QorStatus qorsEvalFBank_16s_Sfs(const int16_t* source, int16_t* result, const FBankState_16s* state, int32_t scaleFactor);
+/** As qorsEvalFBank_16s_Sfs(), with 32-bit results. A transform front writes the bank. @see @ref filter_bank */
 QORSR_API QorStatus qorsEvalFBank_16s32s_Sfs(const int16_t* source, int32_t* result, const FBankState_16s* state,
                                              int32_t scaleFactor);
 
-/** As qorsEvalFBank_32f(), in integers: each product loses its 8 low bits (arithmetic shift), the 64-bit sum v becomes v *
- *  2^-scaleFactor (right: arithmetic shift; left: limited above to 2^63 - 1), and then (v >> 22) plus bit 21 of v. The result is
- *  limited to 2^31 - 1; required: below, its low 32 bits are stored as they are. Statuses: null; scaleFactor outside -31 to 31
- *  (#qorStatusBadArgument). */
+/** As qorsEvalFBank_32f(), in integers, times 2^-scaleFactor.
+ *  Statuses: null; scaleFactor outside -31 to 31 (#qorStatusBadArgument). @see @ref filter_bank */
 QORSR_API QorStatus qorsEvalFBank_32s_Sfs(const int32_t* source, int32_t* result, const FBankState_32s* state, int32_t scaleFactor);
 /** @} */
 
@@ -1824,24 +1842,20 @@ QORSR_API QorStatus qorsEvalFBank_32s_Sfs(const int32_t* source, int32_t* result
  *  The caller chooses the constants; 1127.01048 and 700 are usual. n is filterCount, L the power of two that holds `length`,
  *  frequencies are in hertz.
  *
- *  **Mel banks.** m[i] = mel(low) + i (mel(high) - mel(low)) / (n + 1), i = 0 to n + 1; the centre is bin (L / sampleFrequency)
- *  melDiv (exp(m[i] / melMul) - 1). m[i] and the position are rounded to float.
+ *  **Mel banks.** n + 2 centres equally far apart in mel: m[i] = mel(low) + i (mel(high) - mel(low)) / (n + 1), i = 0 to n + 1;
+ *  the centre is bin (L / sampleFrequency) melDiv (exp(m[i] / melMul) - 1).
  *
- *  **Mixed banks.** The first T = linearFilterCount filters are spaced linearly, f[i] = low + i (join - low) / T for i = 0 to T;
- *  from the join on, centres i = T to n + 1 are equally far apart in mel up to the high frequency. With T = n all is linear, f[i] =
- *  low + i (join - low) / (n + 1), and the high frequency is tested but not used.
+ *  **Mixed banks** (`MelLin`). The first T = linearFilterCount filters are spaced linearly, f[i] = low + i (join - low) / T for i
+ *  = 0 to T; from the join on, centres i = T to n + 1 are equally far apart in mel up to the high frequency. With T = n all is
+ *  linear, f[i] = low + i (join - low) / (n + 1), and the high frequency is tested but not used.
  *
- *  **Flags.** 1 or 2, and 4 in addition (banks of floats or 16 bits):
- *  - 1, mel-shaped: centres are truncated to bins; a weight is the distance in mel of the bin's frequency from the filter's edge,
- *    over the width of the section in mel. The first weight of a mel bank's rising section is 0.
- *  - 2, index-shaped: centres are rounded to nearest, ties to even; rising weights are (j - c[k-1] + 1) / (c[k] - c[k-1] + 1),
- *    falling ones (c[k+1] + 1 - j) / (c[k+1] - c[k] + 1): 1 at the centre, one step above zero at the ends.
- *  - 4: transform front.
+ *  **Flags.** One of the first two, and #qorFBankTransform in addition (banks of floats or 16 bits):
+ *  - #qorFBankMelShaped: centres are truncated to bins; a weight is the distance in mel of the bin's frequency from the filter's
+ *    edge, over the width of the section in mel. The first weight of a mel bank's rising section is 0.
+ *  - #qorFBankIndexShaped: centres are rounded to nearest, ties to even; rising weights are (j - c[k-1] + 1) / (c[k] - c[k-1] +
+ *    1), falling ones (c[k+1] + 1 - j) / (c[k+1] - c[k] + 1): 1 at the centre, one step above zero at the ends.
  *
- *  With flag 1, mixed banks have mel-shaped filters up to T and index-shaped ones beyond. required: the falling side of filter T
- *  compares mel values with bin numbers, (c[T+1] - mel(j)) / (c[T+1] - c[T]). Negative weights become 0.
- *
- *  Weights are not normalised by area. All is computed in double, with the C library's log and exp; Q14 weights are truncated.
+ *  Mel-shaped mixed banks have mel-shaped filters up to T and index-shaped ones beyond. Weights are not normalised by area.
  *
  *  | Parameter | Use | Elements, or values | |
  *  |---|---|---|---|
@@ -1873,10 +1887,27 @@ QORSR_API QorStatus qorsEvalFBank_32s_Sfs(const int32_t* source, int32_t* result
  *  | `bins` of `Mel*FBankInit*` | is | max(pow2(length), 2) / 2 + 1 | L / 2 + 1 |
  *  | `inputs` of `Mel*FBankInit*` | is | if(flags & 4, max(pow2(length), 2), max(pow2(length), 2) / 2 + 1) | |
  *
- *  Statuses of `qorsMelFBankInit` and `qorsMelFBankInitAlloc`, in order: null state or order; length or filterCount below 1, sample
- *  or low frequency not above 0 (#qorStatusBadSize); high below low, half the sample frequency below high
- *  (#qorStatusBadFBankFrequency); flags (#qorStatusBadFBankFlag); #qorStatusNoMemory, with the order written (`Init`:
- *  #qorStatusBadSize for a block beyond 2^31 - 1 bytes). A NaN passes every test.
+ *  | Status of `qorsMelFBankInit` and `qorsMelFBankInitAlloc`, in order | When |
+ *  |---|---|
+ *  | #qorStatusNullPointer | state or order is null |
+ *  | #qorStatusBadSize | length or filterCount below 1, sample or low frequency not above 0 |
+ *  | #qorStatusBadFBankFrequency | high below low, half the sample frequency below high |
+ *  | #qorStatusBadFBankFlag | flags |
+ *  | #qorStatusNoMemory | `InitAlloc`, with the order written |
+ *  | #qorStatusBadSize | `Init`: a block beyond 2^31 - 1 bytes |
+ *
+ *  The others stand with their functions. A NaN passes every test.
+ *
+ *  @warning With many filters at low frequencies, neighbouring centres fall on one bin, and such filters are empty or hold a
+ *  single bin: look at qorsFBankGetCenters_32f(), and take a longer transform.
+ *
+ *  **Exact arithmetic**
+ *  - All is computed in double, with the C library's log and exp; m[i] and the position are rounded to float; Q14 weights are
+ *    truncated. Negative weights become 0.
+ *  - required: with #qorFBankMelShaped, the falling side of filter T of a mixed bank compares mel values with bin numbers, (c[T+1]
+ *    - mel(j)) / (c[T+1] - c[T]).
+ *  - qorsMelFBankInit_32s(): no floating-point arithmetic takes place. Mel values have 22 fraction bits; logarithms and
+ *    exponentials are taken by shifts and multiplications (Muller, "Elementary Functions"), and centres are rounded half up.
  *
  *  Source of the method: Stevens, Volkmann and Newman, "A scale for the measurement of the psychological magnitude pitch", Journal
  *  of the Acoustical Society of America 8 (1937); Davis and Mermelstein (1980) for the bank. @{ */
@@ -1884,22 +1915,25 @@ QORSR_API QorStatus qorsEvalFBank_32s_Sfs(const int32_t* source, int32_t* result
 /** size = bytes of the caller's block for `Init` with the same length, filterCount and flags. The block may begin at any address
  *  that the element type allows. Statuses: null; length or filterCount below 1 (#qorStatusBadSize); flags (#qorStatusBadFBankFlag);
  *  a block beyond 2^31 - 1 bytes
- *  (#qorStatusBadSize). */
+ *  (#qorStatusBadSize). @see @ref mel_bank */
 QORSR_API QorStatus qorsMelFBankGetSize_32f(int32_t length, int32_t filterCount, int32_t flags, int32_t* size);
+/** As qorsMelFBankGetSize_32f(), for 16-bit data. @see @ref mel_bank */
 QORSR_API QorStatus qorsMelFBankGetSize_16s(int32_t length, int32_t filterCount, int32_t flags, int32_t* size);
 
-/** A mel bank in the caller's block. */
+/** A mel bank in the caller's block. @see @ref mel_bank */
 QORSR_API QorStatus qorsMelFBankInit_32f(FBankState_32f* state, int32_t* order, int32_t length, float sampleFrequency,
                                          float lowFrequency, float highFrequency, int32_t filterCount, float melMul, float melDiv,
                                          int32_t flags);
+/** As qorsMelFBankInit_32f(), for 16-bit data. @see @ref mel_bank */
 QORSR_API QorStatus qorsMelFBankInit_16s(FBankState_16s* state, int32_t* order, int32_t length, float sampleFrequency,
                                          float lowFrequency, float highFrequency, int32_t filterCount, float melMul, float melDiv,
                                          int32_t flags);
 
-/** A mel bank in memory of its own. */
+/** A mel bank in memory of its own. @see @ref mel_bank */
 QORSR_API QorStatus qorsMelFBankInitAlloc_32f(FBankState_32f** state, int32_t* order, int32_t length, float sampleFrequency,
                                               float lowFrequency, float highFrequency, int32_t filterCount, float melMul,
                                               float melDiv, int32_t flags);
+/** As qorsMelFBankInitAlloc_32f(), for 16-bit data. @see @ref mel_bank */
 QORSR_API QorStatus qorsMelFBankInitAlloc_16s(FBankState_16s** state, int32_t* order, int32_t length, float sampleFrequency,
                                               float lowFrequency, float highFrequency, int32_t filterCount, float melMul,
                                               float melDiv, int32_t flags);
@@ -1907,17 +1941,18 @@ QORSR_API QorStatus qorsMelFBankInitAlloc_16s(FBankState_16s** state, int32_t* o
 /** A mixed bank in memory of its own.
  *  Statuses: length or filterCount below 1, sample or low frequency not above 0, linearFilterCount outside 1 to filterCount
  *  (#qorStatusBadSize); join below low, high below join, half the sample frequency below high (#qorStatusBadFBankFrequency); flags
- *  (#qorStatusBadFBankFlag); null; #qorStatusNoMemory, with the order written. A NaN passes every test. */
+ *  (#qorStatusBadFBankFlag); null; #qorStatusNoMemory, with the order written. A NaN passes every test. @see @ref mel_bank */
 QORSR_API QorStatus qorsMelLinFBankInitAlloc_32f(FBankState_32f** state, int32_t* order, int32_t length, float sampleFrequency,
                                                  float lowFrequency, float highFrequency, int32_t filterCount, float joinFrequency,
                                                  int32_t linearFilterCount, float melMul, float melDiv, int32_t flags);
+/** As qorsMelLinFBankInitAlloc_32f(), for 16-bit data. @see @ref mel_bank */
 QORSR_API QorStatus qorsMelLinFBankInitAlloc_16s(FBankState_16s** state, int32_t* order, int32_t length, float sampleFrequency,
                                                  float lowFrequency, float highFrequency, int32_t filterCount, float joinFrequency,
                                                  int32_t linearFilterCount, float melMul, float melDiv, int32_t flags);
 
 /** size = bytes of the caller's block for qorsMelFBankInit_32s().
  *  Statuses: null; filterCount below 1, length outside 32 to 8192 (#qorStatusBadSize); flags not 2 (#qorStatusBadFBankFlag);
- *  filterCount above L/2 (#qorStatusBadSize). */
+ *  filterCount above L/2 (#qorStatusBadSize). @see @ref mel_bank */
 QORSR_API QorStatus qorsMelFBankGetSize_32s(int32_t length, int32_t filterCount, int32_t flags, int32_t* size);
 
 /** An index-shaped mel bank in the caller's block, in fixed point: no floating-point arithmetic takes place. Frequencies are whole
@@ -1928,16 +1963,17 @@ QORSR_API QorStatus qorsMelFBankGetSize_32s(int32_t length, int32_t filterCount,
  *  (#qorStatusBadFBankFlag); sampleFrequency outside 1 to 48000, lowFrequency below 0 (#qorStatusBadSize); highFrequency not above
  *  lowFrequency or above 24000 (#qorStatusBadFBankFrequency); melDiv outside 0x80001 to 0xFFFFFFF, melMul outside 0x80001 to
  *  0x3FFFFFFF
- *  (#qorStatusBadArgument); filterCount above L/2 + 1 (#qorStatusBadSize; one more than the size function accepts). */
+ *  (#qorStatusBadArgument); filterCount above L/2 + 1 (#qorStatusBadSize; one more than the size function accepts).
+ *  @see @ref mel_bank */
 QORSR_API QorStatus qorsMelFBankInit_32s(FBankState_32s* state, int32_t* order, int32_t length, int32_t sampleFrequency,
                                          int32_t lowFrequency, int32_t highFrequency, int32_t filterCount, int32_t melMul,
                                          int32_t melDiv, int32_t flags);
 
 /** result[i] = melMul ln(1 + source[i] (1 / melDiv)): hertz to mel, in double, rounded to float.
- *  Statuses: null; length below 1, melMul or melDiv not above 0 (#qorStatusBadSize; a NaN passes). */
+ *  Statuses: null; length below 1, melMul or melDiv not above 0 (#qorStatusBadSize; a NaN passes). @see @ref mel_bank */
 QORSR_API QorStatus qorsLinearToMel_32f(const float* source, float* result, int32_t length, float melMul, float melDiv);
 
-/** result[i] = melDiv (exp(source[i] (1 / melMul)) - 1): mel to hertz. Statuses: as qorsLinearToMel_32f(). */
+/** result[i] = melDiv (exp(source[i] (1 / melMul)) - 1): mel to hertz. Statuses: as qorsLinearToMel_32f(). @see @ref mel_bank */
 QORSR_API QorStatus qorsMelToLinear_32f(const float* source, float* result, int32_t length, float melMul, float melDiv);
 /** @} */
 
@@ -1947,30 +1983,17 @@ QORSR_API QorStatus qorsMelToLinear_32f(const float* source, float* result, int3
  *      dst[i - 1] = lifter[i] * sum over j = 0 .. N-1 of x[j] cos(pi i (j + 1/2) / N)      i = 1 .. M
  *      dst[M]     = lifter[0] * sum over j of x[j]                                         states of the C0 and MulC0 forms
  *
- *  This is the type-II cosine transform without a normalising factor: scale by sqrt(2/N) for the usual orthonormal one. The
- *  coefficient of order 0, where there is one, comes last. Matrix and weights are computed when the state is made; a transform
- *  costs M + 1 products of length N.
+ *  This is the type-II cosine transform without a normalising factor: scale by sqrt(2/N) for the usual orthonormal one. Matrix and
+ *  weights are computed when the state is made; a transform costs M + 1 products of length N. There are no flags.
  *
  *  **Weights.**
  *  - plain and `C0`: lifter[i] = (1 + L/2 sin(pi i / L)) * scale, the raised-sine lifter of length L (22 is usual). Orders above L
- *    follow the same sine. The sum is formed in double, rounded to float, then multiplied by scale in float. `C0`: order 0 has
- *    the weight `weight0` as it stands, not scaled.
- *  - `Mul`: lifter[i] = weights[i - 1]. `MulC0`: the same, and order 0 takes weights[M - 1]. required: that weight serves
- *    order M and order 0.
- *  - required: qorsDCTLifterInit_MulC0_16s() takes integer weights, qorsDCTLifterInitAlloc_MulC0_16s() float ones.
- *
- *  **Arithmetic.** Float throughout. The sum of an order from 1 to M runs in eight lanes: x[j] joins lane j mod 8, the last N mod 8
- *  inputs join lane 0 one by one, and the lanes are joined as ((l0 + l4) + (l2 + l6)) + ((l1 + l5) + (l3 + l7)). The sum of order 0
- *  runs serially. The weight is applied to the finished sum. The cosines are computed in double by the C library and stored as
- *  float. `16s` and `32s16s`: inputs are converted to float; results are multiplied by 2^-scaleFactor, rounded to nearest, ties to
- *  even, and saturated; a NaN gives 0.
+ *    follow the same sine. `C0`: order 0 has the weight `weight0` as it stands, not scaled.
+ *  - `Mul`: lifter[i] = weights[i - 1]. `MulC0`: the same, and order 0 takes weights[M - 1], see the warning.
  *
  *  **States.** In a block of the caller, of the size that `GetSize` tells, at any address (`Init`; never given to `Free`), or
  *  allocated (`InitAlloc`; released by `Free`). A `32f` state is not changed by a transform and may serve several threads; a `16s`
- *  state holds scratch and serves one call at a time. A block must not be moved: its areas are aligned to its address.
- *
- *  Size in bytes, with N8 = N rounded up to a multiple of 8: `32f` 4 (M N8 + N8 + 2M) + 124; `16s` 4 (N8 (M + 1) + M) + 8M + 164;
- *  qorsDCTLifterGetSize_MulC0_16s() (4N + 36)(M + 1) + 8M + 132.
+ *  state holds scratch and serves one call at a time.
  *
  *  | Parameter | Use | Elements, or values | |
  *  |---|---|---|---|
@@ -1991,11 +2014,33 @@ QORSR_API QorStatus qorsMelToLinear_32f(const float* source, float* result, int3
  *  | `outputs` of `DCTLifterInit_*`, `DCTLifterInitAlloc_*` | is | cepstrumLength | M |
  *  | `outputs` of `DCTLifterInit_*C0_*`, `DCTLifterInitAlloc_*C0_*` | is | cepstrumLength + 1 | M + 1 |
  *
- *  Statuses, in order:
- *  - `GetSize`: null; N or M below 1, N below M, (`MulC0_16s` only) N above 8192, or a size above 2147483647 (#qorStatusBadSize).
- *  - `Init`: null (block, weights); N, M or L below 1, N below M, or a size above 2147483647 (#qorStatusBadSize).
- *  - `InitAlloc`: the same, but #qorStatusNoMemory for the size and for a failed allocation; `*state` is then as it was.
- *  - Transforms, `Free`: null.
+ *  **Error** of a coefficient, relative to |lifter[i]| times the sum of |x[j]|, the largest for N up to 64: 8e-8 for orders 1 to
+ *  M, 3.3e-7 for order 0, which is summed serially. A weight of the sine is within 9e-8 of (1 + L/2) * scale.
+ *
+ *  | Members | Statuses, in order |
+ *  |---|---|
+ *  | `GetSize` | null; N or M below 1, N below M, (`MulC0_16s` only) N above 8192, or a size above 2147483647 (#qorStatusBadSize) |
+ *  | `Init` | null (block, weights); N, M or L below 1, N below M, or a size above 2147483647 (#qorStatusBadSize) |
+ *  | `InitAlloc` | the same, but #qorStatusNoMemory for the size and a failed allocation; `*state` is then as it was |
+ *  | transforms, `Free` | null |
+ *
+ *  @warning The coefficient of order 0, where there is one, comes last.
+ *
+ *  @warning `MulC0`, required: one weight, weights[M - 1], serves order M and order 0. qorsDCTLifterInit_MulC0_16s() takes integer
+ *  weights, qorsDCTLifterInitAlloc_MulC0_16s() float ones.
+ *
+ *  @warning A block must not be moved: its areas are aligned to its address.
+ *
+ *  **Exact arithmetic**
+ *  - Float throughout. The sum of an order from 1 to M runs in eight lanes: x[j] joins lane j mod 8, the last N mod 8 inputs join
+ *    lane 0 one by one, and the lanes are joined as ((l0 + l4) + (l2 + l6)) + ((l1 + l5) + (l3 + l7)). The sum of order 0 runs
+ *    serially. The weight is applied to the finished sum.
+ *  - The cosines are computed in double by the C library and stored as float. The sine lifter: 1 + L/2 sin(pi i / L) is formed in
+ *    double, rounded to float, then multiplied by scale in float.
+ *  - `16s` and `32s16s`: inputs are converted to float; results are multiplied by 2^-scaleFactor, rounded to nearest, ties to
+ *    even, and saturated; a NaN gives 0.
+ *  - Size in bytes, with N8 = N rounded up to a multiple of 8: `32f` 4 (M N8 + N8 + 2M) + 124; `16s` 4 (N8 (M + 1) + M) + 8M +
+ *    164; qorsDCTLifterGetSize_MulC0_16s() (4N + 36)(M + 1) + 8M + 132.
  *
  *  Source of the method: Davis and Mermelstein, "Comparison of Parametric Representations for Monosyllabic Word Recognition in
  *  Continuously Spoken Sentences", IEEE Transactions on Acoustics, Speech, and Signal Processing 28 (1980); the lifter: Juang,
@@ -2006,60 +2051,84 @@ typedef struct DCTLifterState_32f DCTLifterState_32f;
 /** A prepared transform on integer data, with scratch. */
 typedef struct DCTLifterState_16s DCTLifterState_16s;
 
-/** Bytes of a caller's block for N = dctLength inputs and M = cepstrumLength coefficients. */
+/** Bytes of a caller's block: float data, sine lifter. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterGetSize_32f(int32_t dctLength, int32_t cepstrumLength, int32_t* size);
+/** Bytes of a caller's block: float data, sine lifter, with order 0. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterGetSize_C0_32f(int32_t dctLength, int32_t cepstrumLength, int32_t* size);
+/** Bytes of a caller's block: float data, given weights. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterGetSize_Mul_32f(int32_t dctLength, int32_t cepstrumLength, int32_t* size);
+/** Bytes of a caller's block: float data, given weights, with order 0. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterGetSize_MulC0_32f(int32_t dctLength, int32_t cepstrumLength, int32_t* size);
+/** Bytes of a caller's block: integer data, sine lifter. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterGetSize_16s(int32_t dctLength, int32_t cepstrumLength, int32_t* size);
+/** Bytes of a caller's block: integer data, sine lifter, with order 0. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterGetSize_C0_16s(int32_t dctLength, int32_t cepstrumLength, int32_t* size);
+/** Bytes of a caller's block: integer data, given weights. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterGetSize_Mul_16s(int32_t dctLength, int32_t cepstrumLength, int32_t* size);
+/** Bytes of a caller's block: integer data, given weights, with order 0. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterGetSize_MulC0_16s(int32_t dctLength, int32_t cepstrumLength, int32_t* size);
 
-/** Makes a state in the caller's block. */
+/** Makes a state in the caller's block: float data, sine lifter. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterInit_32f(DCTLifterState_32f* state, int32_t dctLength, int32_t cepstrumLength,
                                           int32_t lifterLength, float scale);
+/** Makes a state in the caller's block: integer data, sine lifter. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterInit_16s(DCTLifterState_16s* state, int32_t dctLength, int32_t cepstrumLength,
                                           int32_t lifterLength, float scale);
+/** Makes a state in the caller's block: float data, sine lifter, with order 0. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterInit_C0_32f(DCTLifterState_32f* state, int32_t dctLength, int32_t cepstrumLength,
                                              int32_t lifterLength, float scale, float weight0);
+/** Makes a state in the caller's block: integer data, sine lifter, with order 0. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterInit_C0_16s(DCTLifterState_16s* state, int32_t dctLength, int32_t cepstrumLength,
                                              int32_t lifterLength, float scale, float weight0);
+/** Makes a state in the caller's block: float data, given weights. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterInit_Mul_32f(DCTLifterState_32f* state, int32_t dctLength, const float* weights,
                                               int32_t cepstrumLength);
+/** Makes a state in the caller's block: integer data, given weights. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterInit_Mul_16s(DCTLifterState_16s* state, int32_t dctLength, const float* weights,
                                               int32_t cepstrumLength);
+/** Makes a state in the caller's block: float data, given weights, with order 0. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterInit_MulC0_32f(DCTLifterState_32f* state, int32_t dctLength, const float* weights,
                                                 int32_t cepstrumLength);
+/** Makes a state in the caller's block: integer data, given weights, with order 0. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterInit_MulC0_16s(DCTLifterState_16s* state, int32_t dctLength, const int32_t* weights,
                                                 int32_t cepstrumLength);
 
-/** Makes a state in allocated memory and stores its address in *state. */
+/** Makes a state in allocated memory: float data, sine lifter. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterInitAlloc_32f(DCTLifterState_32f** state, int32_t dctLength, int32_t cepstrumLength,
                                                int32_t lifterLength, float scale);
+/** Makes a state in allocated memory: integer data, sine lifter. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterInitAlloc_16s(DCTLifterState_16s** state, int32_t dctLength, int32_t cepstrumLength,
                                                int32_t lifterLength, float scale);
+/** Makes a state in allocated memory: float data, sine lifter, with order 0. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterInitAlloc_C0_32f(DCTLifterState_32f** state, int32_t dctLength, int32_t cepstrumLength,
                                                   int32_t lifterLength, float scale, float weight0);
+/** Makes a state in allocated memory: integer data, sine lifter, with order 0. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterInitAlloc_C0_16s(DCTLifterState_16s** state, int32_t dctLength, int32_t cepstrumLength,
                                                   int32_t lifterLength, float scale, float weight0);
+/** Makes a state in allocated memory: float data, given weights. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterInitAlloc_Mul_32f(DCTLifterState_32f** state, int32_t dctLength, const float* weights,
                                                    int32_t cepstrumLength);
+/** Makes a state in allocated memory: integer data, given weights. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterInitAlloc_Mul_16s(DCTLifterState_16s** state, int32_t dctLength, const float* weights,
                                                    int32_t cepstrumLength);
+/** Makes a state in allocated memory: float data, given weights, with order 0. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterInitAlloc_MulC0_32f(DCTLifterState_32f** state, int32_t dctLength, const float* weights,
                                                      int32_t cepstrumLength);
+/** Makes a state in allocated memory: integer data, given weights, with order 0. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterInitAlloc_MulC0_16s(DCTLifterState_16s** state, int32_t dctLength, const float* weights,
                                                      int32_t cepstrumLength);
 
-/** Releases an allocated state. */
+/** Releases a state from InitAlloc: float data. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterFree_32f(DCTLifterState_32f* state);
+/** Releases a state from InitAlloc: integer data. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterFree_16s(DCTLifterState_16s* state);
 
-/** source: N values; destination: M coefficients, or M + 1. */
+/** Liftered cepstral coefficients of one frame: float. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifter_32f(const float* source, float* destination, const DCTLifterState_32f* state);
+/** Liftered cepstral coefficients of one frame: 16-bit, scaled. The state is written. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifter_16s_Sfs(const int16_t* source, int16_t* destination, DCTLifterState_16s* state,
                                           int32_t scaleFactor);
+/** Liftered cepstral coefficients of one frame: 32 to 16 bits, scaled. The state is written. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifter_32s16s_Sfs(const int32_t* source, int16_t* destination, DCTLifterState_16s* state,
                                              int32_t scaleFactor);
 /** @} */
@@ -2069,33 +2138,15 @@ QORSR_API QorStatus qorsDCTLifter_32s16s_Sfs(const int32_t* source, int16_t* des
  *  side, the features x(t), width elements, then d(t), and in the `DeltaDelta` members a(t). Row t is time t; `step` elements lie
  *  between destination rows.
  *
- *  **Streaming members** (`Delta`, `DeltaMul`, `DeltaDelta`, `DeltaDeltaMul`): an utterance arrives in blocks of `height` source
- *  rows, dense, width elements each. A block's rows are appended to the destination, and the derivatives that have all frames of
- *  their window are computed. `flags`: 1 (begin) marks the first block of an utterance, 2 (end) the last; other bits have no
- *  effect.
- *  - With begin, the first source row becomes destination row 0. The block has at least B rows.
- *  - Without it, the caller points the destination so that rows 0 to B - 1 are the last B rows of the block before, as that call
- *    left them; the first source row becomes row B. B is the look-back:
- *
- *    | member | `Win1` | `Win2` | `Aurora` |
- *    |---|---|---|---|
- *    | `Delta`, `DeltaMul` | 2 | 4 | |
- *    | `DeltaDelta`, `DeltaDeltaMul` | 3 | 6 | 8 |
- *  - With end, the derivatives that waited for future frames are finished. An end without rows (height 0) is allowed.
- *
- *  Frames before the first and behind the last take the value of the first and the last frame; accelerations extend d in the same
- *  way. Blocks of any sizes give the same bits as one. Columns of rows that still wait, and gaps, are not touched.
- *
- *  Windows, with q the multiplier (`Delta`, `DeltaDelta`: one for d, one for a):
+ *  **Windows**, with q the multiplier (`Delta`, `DeltaDelta`: one for d, one for a):
  *  - `Win1`: d(t) = (x(t+1) - x(t-1)) q.
- *  - `Win2`: d(t) = (x(t+1) - x(t-1) + p + p) q with p = x(t+2) - x(t-2), in this order: ten times the slope of a regression over
- *    five frames.
+ *  - `Win2`: d(t) = (x(t+1) - x(t-1) + p + p) q with p = x(t+2) - x(t-2): ten times the slope of a regression over five frames.
  *  - a(t) is the same window over d.
- *  - `Mul`: a table in place of multipliers, one entry for each element of a destination row: features are stored as
- *    x(t)[i] * table[i], the window over the stored features is multiplied by table[width + i], that over the stored deltas by
- *    table[2 width + i].
- *  - `Aurora`: width 13. A source row has 14 elements: 12 coefficients, then c0 and the log energy, which become feature 12:
- *    (c0 * 0.6) / 23 + logE * 0.4. Both windows span nine frames of features, added from the left:
+ *  - `Mul`: a table in place of multipliers, one entry for each element of a destination row: features are stored as x(t)[i] *
+ *    table[i], the window over the stored features is multiplied by table[width + i], that over the stored deltas by table[2 width
+ *    + i].
+ *  - `Aurora`: width 13. A source row has 14 elements: 12 coefficients, then c0 and the log energy, which become feature 12: (c0 *
+ *    0.6) / 23 + logE * 0.4. Both windows span nine frames of features:
  *
  *        d(t) = -x(t-4) - 0.75 x(t-3) - 0.5 x(t-2) - 0.25 x(t-1) + 0.25 x(t+1) + 0.5 x(t+2) + 0.75 x(t+3) + x(t+4)
  *        a(t) = x(t-4) + 0.25 x(t-3) - 0.285714 x(t-2) - 0.607143 x(t-1) - 0.714286 x(t)
@@ -2103,27 +2154,37 @@ QORSR_API QorStatus qorsDCTLifter_32s16s_Sfs(const int32_t* source, int16_t* des
  *
  *    On a constant signal these are 0 up to rounding (the coefficients of a have six digits).
  *
- *  **Whole utterances** (`EvalDelta`): the buffer holds `height` rows; in each, `width` features begin at element `offset`, and the
- *  deltas are written behind them. With W the window size and k from 1 to W:
+ *  Frames before the first and behind the last take the value of the first and the last frame; accelerations extend d in the same
+ *  way.
+ *
+ *  **Streaming members** (`Delta`, `DeltaMul`, `DeltaDelta`, `DeltaDeltaMul`): an utterance arrives in blocks of `height` source
+ *  rows, dense, width elements each. A block's rows are appended to the destination, and the derivatives that have all frames of
+ *  their window are computed. Blocks of any sizes give the same bits as one. `flags`: #qorDeltaBegin marks the first block of an
+ *  utterance, #qorDeltaEnd the last; other bits have no effect.
+ *  - With begin, the first source row becomes destination row 0. The block has at least B rows.
+ *  - Without it, the caller points the destination so that rows 0 to B - 1 are the last B rows of the block before, as that call
+ *    left them; the first source row becomes row B. B is the look-back:
+ *
+ *     | member | `Win1` | `Win2` | `Aurora` |
+ *     |---|---|---|---|
+ *     | `Delta`, `DeltaMul` | 2 | 4 | |
+ *     | `DeltaDelta`, `DeltaDeltaMul` | 3 | 6 | 8 |
+ *
+ *  - With end, the derivatives that waited for future frames are finished. An end without rows (height 0) is allowed.
+ *
+ *  **Whole utterances** (`EvalDelta`): the buffer holds `height` rows; in each, `width` features begin at element `offset`, and
+ *  the deltas are written behind them. With W the window size and k from 1 to W:
  *
  *      rows 0 to W - 1                  d(r) = q * sum of k (x(r+k) - x(0))
  *      rows W to height - W - 1         d(r) = q * sum of k (x(r+k) - x(r-k))
  *      rows height - W to height - 1    d(r) = q * sum of k (x(height-1) - x(r-k))
  *
- *  required: the edge rows subtract, or take, the edge row in every term. 1 / (2 sum of k^2) for q gives the slope per frame.
- *  `EvalDeltaMul` takes table[width + i] for q; features stay as they are, and the first width entries are not read. Float sums
- *  take k in ascending order.
+ *  1 / (2 sum of k^2) for q gives the slope per frame. `EvalDeltaMul` takes table[width + i] for q; features stay as they are, and
+ *  the first width entries are not read.
  *
  *  **16 bits.** A positive scale factor is an arithmetic right shift of a 32-bit value, without rounding; a negative one is a left
- *  shift, which loses high bits; what results is limited to -32768 .. 32767.
- *  - `Win1`, `Win2`: differences and window sums wrap to 16 bits; their exact product with the multiplier is shifted and limited.
- *    Features are copied, or in `Mul` members multiplied, shifted and limited in the same way.
- *  - `DeltaDelta_Aurora`: features are shifted and limited (feature 12: truncated first); four times the delta, an exact integer,
- *    is shifted by scaleFactor + 2 and limited; the acceleration's float sum is truncated, shifted and limited.
- *  - `DeltaDeltaMul_Aurora`: features, deltas (the exact sum shifted right by 2) and accelerations (truncated) are limited to 16
- *    bits; their exact product with the table's entry is shifted and limited.
- *  - `EvalDelta`: differences wrap to 16 bits; the sum of their products with k, and its product with the multiplier, wrap to 32
- *    bits; the latter is shifted and limited.
+ *  shift, which loses high bits; what results is limited to -32768 .. 32767. With a multiplier that has g fraction bits,
+ *  scaleFactor g leaves deltas in the units of the features.
  *
  *  | Parameter | Use | Elements, or values | |
  *  |---|---|---|---|
@@ -2153,12 +2214,38 @@ QORSR_API QorStatus qorsDCTLifter_32s16s_Sfs(const int32_t* source, int16_t* des
  *  | `lookBack` of `DeltaDelta*_Win2_*` | is | 6 | |
  *  | `lookBack` of `DeltaDelta*_Aurora_*` | is | 8 | |
  *
- *  Statuses of the streaming members, in order: null (source, destination, table); width below 1 or height below 0; height 0
- *  without end (#qorStatusBadSize); step below 2 width (`Delta`), 3 width (`DeltaDelta`) or 39 (`Aurora`) (#qorStatusBadStride);
- *  begin with a height below B (#qorStatusBadSize).
+ *  | Status of the streaming members, in order | When |
+ *  |---|---|
+ *  | #qorStatusNullPointer | source, destination or table is null |
+ *  | #qorStatusBadSize | width below 1 or height below 0; height 0 without end |
+ *  | #qorStatusBadStride | step below 2 width (`Delta`), 3 width (`DeltaDelta`) or 39 (`Aurora`) |
+ *  | #qorStatusBadSize | begin with a height below B |
  *
- *  Statuses of `EvalDelta`, in order: null (buffer, table); height, width or windowSize below 1, offset below 0, or height below
- *  2 windowSize (#qorStatusBadSize); step below offset + 2 width (#qorStatusBadStride).
+ *  | Status of `EvalDelta`, in order | When |
+ *  |---|---|
+ *  | #qorStatusNullPointer | buffer or table is null |
+ *  | #qorStatusBadSize | height, width or windowSize below 1, offset below 0, or height below 2 windowSize |
+ *  | #qorStatusBadStride | step below offset + 2 width |
+ *
+ *  @warning A stream ends with #qorDeltaEnd; a call with height 0 does it, but `source` must not be null then either.
+ *
+ *  @warning Without #qorDeltaBegin the destination begins B rows before the first new one. These rows must be as the call before
+ *  left them.
+ *
+ *  @warning The edge rows of `EvalDelta`, required: they subtract, or take, the edge row in every term, so they are no regression
+ *  and differ from those of the streaming members.
+ *
+ *  **Exact arithmetic**
+ *  - Columns of rows that still wait, and gaps, are not touched.
+ *  - Float sums are taken in the order written; those of `Aurora` from the left, of `EvalDelta` with k in ascending order.
+ *  - 16-bit `Win1`, `Win2`: differences and window sums wrap to 16 bits; their exact product with the multiplier is shifted and
+ *    limited. Features are copied, or in `Mul` members multiplied, shifted and limited in the same way.
+ *  - `DeltaDelta_Aurora_16s`: features are shifted and limited (feature 12: truncated first); four times the delta, an exact
+ *    integer, is shifted by scaleFactor + 2 and limited; the acceleration's float sum is truncated, shifted and limited.
+ *  - `DeltaDeltaMul_Aurora_16s`: features, deltas (the exact sum shifted right by 2) and accelerations (truncated) are limited to
+ *    16 bits; their exact product with the table's entry is shifted and limited.
+ *  - `EvalDelta_16s`: differences wrap to 16 bits; the sum of their products with k, and its product with the multiplier, wrap to
+ *    32 bits; the latter is shifted and limited.
  *
  *  Source of the method: Furui, "Speaker-Independent Isolated Word Recognition Using Dynamic Features of Speech Spectrum", IEEE
  *  Transactions on Acoustics, Speech, and Signal Processing 34 (1986); the Aurora windows: ETSI ES 202 050. @{ */
@@ -2169,61 +2256,85 @@ enum {
   qorDeltaEnd = 2    /**< The block is the last of its utterance. */
 };
 
+/** Features and deltas of a block: float, Win1; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDelta_Win1_32f_D2(const float* source, int32_t width, float* destination, int32_t step, int32_t height,
                                           float multiplier, int32_t flags);
+/** Features and deltas of a block: float, Win2; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDelta_Win2_32f_D2(const float* source, int32_t width, float* destination, int32_t step, int32_t height,
                                           float multiplier, int32_t flags);
+/** Features and deltas of a block: float, Win1, table; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDeltaMul_Win1_32f_D2(const float* source, const float* multipliers, int32_t width, float* destination,
                                              int32_t step, int32_t height, int32_t flags);
+/** Features and deltas of a block: float, Win2, table; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDeltaMul_Win2_32f_D2(const float* source, const float* multipliers, int32_t width, float* destination,
                                              int32_t step, int32_t height, int32_t flags);
+/** Features, deltas, accelerations of a block: float, Win1; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDeltaDelta_Win1_32f_D2(const float* source, int32_t width, float* destination, int32_t step, int32_t height,
                                                float deltaMultiplier, float accelerationMultiplier, int32_t flags);
+/** Features, deltas, accelerations of a block: float, Win2; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDeltaDelta_Win2_32f_D2(const float* source, int32_t width, float* destination, int32_t step, int32_t height,
                                                float deltaMultiplier, float accelerationMultiplier, int32_t flags);
+/** Features, deltas, accelerations of a block: float, Win1, table; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDeltaDeltaMul_Win1_32f_D2(const float* source, const float* multipliers, int32_t width, float* destination,
                                                   int32_t step, int32_t height, int32_t flags);
+/** Features, deltas, accelerations of a block: float, Win2, table; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDeltaDeltaMul_Win2_32f_D2(const float* source, const float* multipliers, int32_t width, float* destination,
                                                   int32_t step, int32_t height, int32_t flags);
 
+/** Features and deltas of a block: 16-bit, Win1; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDelta_Win1_16s_D2Sfs(const int16_t* source, int32_t width, int16_t* destination, int32_t step,
                                              int32_t height, int16_t multiplier, int32_t flags, int32_t scaleFactor);
+/** Features and deltas of a block: 16-bit, Win2; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDelta_Win2_16s_D2Sfs(const int16_t* source, int32_t width, int16_t* destination, int32_t step,
                                              int32_t height, int16_t multiplier, int32_t flags, int32_t scaleFactor);
+/** Features and deltas of a block: 16-bit, Win1, table; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDeltaMul_Win1_16s_D2Sfs(const int16_t* source, const int16_t* multipliers, int32_t width,
                                                 int16_t* destination, int32_t step, int32_t height, int32_t flags,
                                                 int32_t scaleFactor);
+/** Features and deltas of a block: 16-bit, Win2, table; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDeltaMul_Win2_16s_D2Sfs(const int16_t* source, const int16_t* multipliers, int32_t width,
                                                 int16_t* destination, int32_t step, int32_t height, int32_t flags,
                                                 int32_t scaleFactor);
+/** Features, deltas, accelerations of a block: 16-bit, Win1; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDeltaDelta_Win1_16s_D2Sfs(const int16_t* source, int32_t width, int16_t* destination, int32_t step,
                                                   int32_t height, int16_t deltaMultiplier, int16_t accelerationMultiplier,
                                                   int32_t flags, int32_t scaleFactor);
+/** Features, deltas, accelerations of a block: 16-bit, Win2; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDeltaDelta_Win2_16s_D2Sfs(const int16_t* source, int32_t width, int16_t* destination, int32_t step,
                                                   int32_t height, int16_t deltaMultiplier, int16_t accelerationMultiplier,
                                                   int32_t flags, int32_t scaleFactor);
+/** Features, deltas, accelerations of a block: 16-bit, Win1, table; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDeltaDeltaMul_Win1_16s_D2Sfs(const int16_t* source, const int16_t* multipliers, int32_t width,
                                                      int16_t* destination, int32_t step, int32_t height, int32_t flags,
                                                      int32_t scaleFactor);
+/** Features, deltas, accelerations of a block: 16-bit, Win2, table; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDeltaDeltaMul_Win2_16s_D2Sfs(const int16_t* source, const int16_t* multipliers, int32_t width,
                                                      int16_t* destination, int32_t step, int32_t height, int32_t flags,
                                                      int32_t scaleFactor);
 
+/** Features, deltas, accelerations of a block: float, Aurora; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDeltaDelta_Aurora_32f_D2(const float* source, float* destination, int32_t step, int32_t height,
                                                  int32_t flags);
+/** Features, deltas, accelerations of a block: float, Aurora, table; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDeltaDeltaMul_Aurora_32f_D2(const float* source, const float* multipliers, float* destination, int32_t step,
                                                     int32_t height, int32_t flags);
+/** Features, deltas, accelerations of a block: 16-bit, Aurora; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDeltaDelta_Aurora_16s_D2Sfs(const int16_t* source, int16_t* destination, int32_t step, int32_t height,
                                                     int32_t flags, int32_t scaleFactor);
+/** Features, deltas, accelerations of a block: 16-bit, Aurora, table; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDeltaDeltaMul_Aurora_16s_D2Sfs(const int16_t* source, const int16_t* multipliers, int16_t* destination,
                                                        int32_t step, int32_t height, int32_t flags, int32_t scaleFactor);
 
+/** Deltas of an utterance, written behind its features in buffer: float, one multiplier. @see @ref delta */
 QORSR_API QorStatus qorsEvalDelta_32f_D2(float* buffer, int32_t height, int32_t step, int32_t width, int32_t offset,
                                          int32_t windowSize, float multiplier);
+/** Deltas of an utterance, written behind its features in buffer: float, table of multipliers. @see @ref delta */
 QORSR_API QorStatus qorsEvalDeltaMul_32f_D2(float* buffer, int32_t height, int32_t step, const float* multipliers, int32_t width,
                                             int32_t offset, int32_t windowSize);
+/** Deltas of an utterance, written behind its features in buffer: 16-bit, one multiplier. @see @ref delta */
 QORSR_API QorStatus qorsEvalDelta_16s_D2Sfs(int16_t* buffer, int32_t height, int32_t step, int32_t width, int32_t offset,
                                             int32_t windowSize, int16_t multiplier, int32_t scaleFactor);
+/** Deltas of an utterance, written behind its features in buffer: 16-bit, table of multipliers. @see @ref delta */
 QORSR_API QorStatus qorsEvalDeltaMul_16s_D2Sfs(int16_t* buffer, int32_t height, int32_t step, const int16_t* multipliers,
                                                int32_t width, int32_t offset, int32_t windowSize, int32_t scaleFactor);
 /** @} */
