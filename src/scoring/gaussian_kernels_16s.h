@@ -19,65 +19,28 @@
 
 #include "frame/bits.h"
 #include "frame/lanes.h"
-#include "frame/lanes/shorts.h"
-#include "scoring/gaussian_rows.h"
+#include "scoring/row_end.h"
+#include "scoring/sums_of_rows.h"
 
 namespace qorsr {
 
 namespace shorts {
 
-// Of a row that holds no variances nothing is loaded.
-template <int N>
-inline Lanes<int16_t, N> load(const int16_t* p) {
-  return Lanes<int16_t, N>::load(p);
+// Groups of rows k and k + 2 in one register, or of the only row.
+template <int R, class Load>
+[[gnu::always_inline]] inline auto loadPair(const RowPointers<const int16_t*, R>& rows, int k, const Load& load) {
+  if constexpr (R == 1) {
+    return load(rows[k]);
+  } else {
+    return concatenated(load(rows[k]), load(rows[k + 2]));
+  }
 }
-template <int N>
-inline UnitRow load(UnitRow) {
+template <int R, class Load>
+inline UnitRow loadPair(const RowPointers<UnitRow, R>&, int, const Load&) {
   return {};
 }
-template <int N>
-inline Lanes<int16_t, N> loadFirst(const int16_t* p, const Tail<int16_t, N>& tail) {
-  return tail.load(p);
-}
-template <int N>
-inline UnitRow loadFirst(UnitRow, const Tail<int16_t, N>&) {
-  return {};
-}
-// The weights of a row's end, zeros where it does not reach; without variances ones.
-template <bool Overlaps>
-inline Lanes<float, 8> endWeights(const int16_t* row, const RowEnd& end) {
-  return as<float>(end.keep<1>(end.load<Overlaps>(row)));
-}
-template <bool Overlaps>
-inline Lanes<float, 8> endWeights(UnitRow, const RowEnd& end) {
-  return as<float>(end.keep<1>(Lanes<int16_t, 8>(1)));
-}
-// A group of each of R rows, one behind the other.
-template <int R>
-inline Lanes<int16_t, 8 * R> loadGroups(const RowPointers<const int16_t*, R>& rows, int32_t column) {
-  Lanes<int16_t, 8> groups[R];
-  for (int i = 0; i < R; ++i) groups[i] = Lanes<int16_t, 8>::load(rows[i] + column);
-  return chainGroups(groups);
-}
-template <int R>
-inline UnitRow loadGroups(const RowPointers<UnitRow, R>&, int32_t) {
-  return {};
-}
-// The ends of R rows, one behind the other.
-template <bool Overlaps, int R>
-inline Lanes<int16_t, 8 * R> loadEnds(const RowPointers<const int16_t*, R>& rows, const RowEnd& end) {
-  Lanes<int16_t, 8> groups[R];
-  for (int i = 0; i < R; ++i) groups[i] = end.load<Overlaps>(rows[i]);
-  return chainGroups(groups);
-}
-template <bool Overlaps, int R>
-inline UnitRow loadEnds(const RowPointers<UnitRow, R>&, const RowEnd&) {
-  return {};
-}
-inline UnitRow dropFirst(UnitRow row) { return row; }
-using qorsr::dropFirst;
 
-// d^2 * v of float lanes.
+// d^2 * v.
 template <int N>
 inline Lanes<float, N> weighted(const Lanes<float, N>& d, const Lanes<int16_t, N>& v) {
   return d * d * as<float>(v);
@@ -86,6 +49,20 @@ template <int N>
 inline Lanes<float, N> weighted(const Lanes<float, N>& d, UnitRow) {
   return d * d;
 }
+
+// The square of a 16-bit number in two halves: its upper 16 bits, and its lower 16 bits shifted right by one.
+template <int N>
+struct SplitSquare {
+  Lanes<int16_t, N> upper, halvedLower;
+};
+template <int N>
+[[gnu::always_inline]] inline SplitSquare<N> splitSquare(const Lanes<int16_t, N>& a) {
+  const auto u = as<uint16_t>(a);
+  return {upperProducts(a, a), as<int16_t>((u * u) >> 1)};
+}
+
+inline UnitRow dropFirst(UnitRow row) { return row; }
+using qorsr::dropFirst;
 
 // Sums of neighbouring products a * v.
 template <int N>
@@ -99,24 +76,18 @@ inline Lanes<uint32_t, N / 2> pairs(const Lanes<int16_t, N>& a, UnitRow) {
 
 inline int32_t difference(const int16_t* x, const int16_t* m) { return static_cast<int32_t>(*x) - *m; }
 
-// total + p[0] + p[1] + ... + p[7], one after the other.
-inline float addInOrder(float total, const Lanes<float, 8>& p) {
+// total + p[0] + p[1] + ... + p[7], one after the other: of one row, and of four.
+inline Lanes<float, 1> addInOrder(Lanes<float, 1> total, const Lanes<float, 8> (&rows)[1]) {
   float all[8];
-  p.store(all);
-  for (const float term : all) total += term;
+  rows[0].store(all);
+  for (const float term : all) total += Lanes<float, 1>(term);
   return total;
 }
-
-// The total of one row.
-class GroupTotal {
- public:
-  static constexpr int kProducts = 8;
-  void add(const Lanes<float, 8> (&p)[1]) { sum_ += joinHalves(p[0]); }
-  float totals() const { return sum_; }
-
- private:
-  float sum_ = 0.0F;
-};
+inline Lanes<float, 4> addInOrder(Lanes<float, 4> total, const Lanes<float, 8> (&p)[4]) {
+  for (const auto& term : transposed(lowerHalf(p[0]), lowerHalf(p[1]), lowerHalf(p[2]), lowerHalf(p[3])).lane) total += term;
+  for (const auto& term : transposed(upperHalf(p[0]), upperHalf(p[1]), upperHalf(p[2]), upperHalf(p[3])).lane) total += term;
+  return total;
+}
 
 }  // namespace shorts
 
@@ -125,56 +96,36 @@ struct ShortSums {
 
   // R is 4 or 1.
   template <int R, class X, class M, class V>
-  [[gnu::always_inline]] void tile(const X& xs, const M& ms, const V& vs, int32_t r, int32_t width, float* sums) const {
+  [[gnu::always_inline]] static void tile(const X& xs, const M& ms, const V& vs, int32_t r, int32_t width, float* sums) {
     const auto x = takeRows<R>(xs, r), m = takeRows<R>(ms, r);
     const auto v = takeRows<R>(vs, r);
-    using Totals = std::conditional_t<R == 1, shorts::GroupTotal, GroupTotals>;
-    constexpr int K = Totals::kProducts;
-    Totals groups;
-    Lanes<float, K> p[R];
-    int32_t c = 0;
-    for (; c <= width - K; c += K) {
+    Lanes<float, R> total(0.0F);
+    for (int32_t c = 0; c <= width - 8; c += 8) {
+      Lanes<float, 8> p[R];
       for (int i = 0; i < R; ++i) {
-        const auto d = subtractSaturated(shorts::load<K>(x[i] + c), shorts::load<K>(m[i] + c));
-        p[i] = shorts::weighted(as<float>(d), shorts::load<K>(v[i] + c));
+        const auto d = subtractSaturated(loadLanes<8>(x[i] + c), loadLanes<8>(m[i] + c));
+        p[i] = shorts::weighted(as<float>(d), loadLanes<8>(v[i] + c));
       }
-      groups.add(p);
+      total += sumsOfRows(p);
     }
-    if (K > 8 && c <= width - 8) {  // one group more, beside one of zeros
-      const Tail<int16_t, K> group(8);
-      for (int i = 0; i < R; ++i) {
-        const auto d = subtractSaturated(group.load(x[i] + c), group.load(m[i] + c));
-        p[i] = shorts::weighted(as<float>(d), shorts::loadFirst(v[i] + c, group));
-      }
-      groups.add(p);
+    if (const RowEnd<8> end(width); end.count() > 0) {
+      total = end.overlaps() ? addEnds<true>(total, x, m, v, end) : addEnds<false>(total, x, m, v, end);
     }
-    auto total = groups.totals();
-    if (width % 8 != 0) {
-      const RowEnd end(width);
-      if (end.overlaps()) total = addEnds<true>(total, x, m, v, end);
-      if (!end.overlaps()) total = addEnds<false>(total, x, m, v, end);
-    }
-    if constexpr (R == 1) *sums = total;
-    if constexpr (R == 4) total.store(sums);
+    total.store(sums);
   }
 
  private:
   // The remainders, without saturation, element by element.
-  template <bool Overlaps, class Totals, int R, class V>
-  [[gnu::always_inline]] static Totals addEnds(Totals total, const RowPointers<const int16_t*, R>& x,
-                                               const RowPointers<const int16_t*, R>& m, const RowPointers<V, R>& v,
-                                               const RowEnd& end) {
+  template <bool Overlaps, int R, class V>
+  [[gnu::always_inline]] static Lanes<float, R> addEnds(const Lanes<float, R>& total, const RowPointers<const int16_t*, R>& x,
+                                                        const RowPointers<const int16_t*, R>& m, const RowPointers<V, R>& v,
+                                                        const RowEnd<8>& end) {
     Lanes<float, 8> p[R];
     for (int i = 0; i < R; ++i) {
       const auto d = as<float>(end.load<Overlaps>(x[i])) - as<float>(end.load<Overlaps>(m[i]));
-      p[i] = d * d * shorts::endWeights<Overlaps>(v[i], end);
+      p[i] = end.kept(shorts::weighted(d, end.load<Overlaps>(v[i])));
     }
-    if constexpr (R == 1) {
-      return shorts::addInOrder(total, p[0]);
-    } else {
-      if (Overlaps && end.count() <= 4) return addInOrder<true>(total, p);
-      return addInOrder<false>(total, p);
-    }
+    return shorts::addInOrder(total, p);
   }
 };
 
@@ -192,38 +143,35 @@ struct ShortIntegerSums {
     const auto v = takeRows<R>(vs, r);
     constexpr bool kUnit = std::is_same_v<decltype(v[0]), UnitRow>;
     Halves<kWide / 2> rows[R];
-    const int32_t whole = width / 8 * 8;
     int32_t c = 0;
-    for (; c <= whole - kWide; c += kWide) {
+    for (; c <= width - kWide; c += kWide) {
       for (int i = 0; i < R; ++i) {
-        rows[i].add(subtractSaturated(shorts::load<kWide>(x[i] + c), shorts::load<kWide>(m[i] + c)), shorts::load<kWide>(v[i] + c));
+        rows[i].add(subtractSaturated(loadLanes<kWide>(x[i] + c), loadLanes<kWide>(m[i] + c)), loadLanes<kWide>(v[i] + c));
       }
     }
-    Halves<4 * R> groups = folded(rows);
-    for (; c < whole; c += 8) {  // single groups, those of all rows together
-      groups.add(subtractSaturated(shorts::loadGroups(x, c), shorts::loadGroups(m, c)), shorts::loadGroups(v, c));
-    }
-    // With identity variance a last odd element comes by itself.
-    const int32_t even = kUnit ? width / 2 * 2 : width;
-    Lanes<uint32_t, 4 * R> total;
-    if (even == whole) {
-      total = shifted(groups);
-    } else {
-      Halves<4 * R> ends;
-      const RowEnd end(even);
-      if (end.overlaps()) ends.template addEnds<true>(x, m, v, end);
-      if (!end.overlaps()) ends.template addEnds<false>(x, m, v, end);
-      total = shifted(groups, ends);
-    }
-    if constexpr (R == 4) as<int32_t>(joinFours(total)).store(sums);
-    if constexpr (R == 1) *sums = static_cast<int32_t>(joinHalves(total));
+    // What is left of rows k and k + 2: a group, which joins the others before the shift, and the rest. With identity variance a
+    // last odd element comes by itself.
+    const bool group = kWide > 8 && width - c >= 8;
+    const RowEnd<8> end(kUnit ? width / 2 * 2 : width);
+    const auto total = [&](int k) __attribute__((always_inline)) {
+      auto sum = folded(rows, k);
+      if (group) {
+        const auto load = [c](const int16_t* row) { return Lanes<int16_t, 8>::load(row + c); };
+        sum.add(subtractSaturated(shorts::loadPair(x, k, load), shorts::loadPair(m, k, load)), shorts::loadPair(v, k, load));
+      }
+      if (end.count() == 0) return shifted(sum);
+      return shifted(sum, end.overlaps() ? endOf<true>(x, m, v, k, end) : endOf<false>(x, m, v, k, end));
+    };
+    if constexpr (R == 4) as<int32_t>(sumsOfFour(total(0), total(1))).store(sums);
+    if constexpr (R == 1) *sums = static_cast<int32_t>(joinHalves(total(0)));
     if (kUnit && width % 2 != 0) {
       for (int i = 0; i < R; ++i) sums[i] = wrapAdd(sums[i], lastOfUnit(x[i] + width - 1, m[i] + width - 1));
     }
   }
 
  private:
-  static constexpr int kWide = kNativeLanes<int16_t>;
+  // Where a register holds one group, 16 numbers would take two, and the sums of four rows all there are.
+  static constexpr int kWide = kNativeLanes<int16_t> < 16 ? 8 : 16;
 
   // The two sums, without their sign.
   template <int N>
@@ -232,46 +180,51 @@ struct ShortIntegerSums {
 
     template <class V>
     [[gnu::always_inline]] void add(const Lanes<int16_t, 2 * N>& d, const V& v) {
-      const SplitSquare<2 * N> square = splitSquare(d);
+      const auto square = shorts::splitSquare(d);
       upper += shorts::pairs(square.upper, v);
       lower += shorts::pairs(square.halvedLower, v);
     }
-    // Pairs must stay pairs: an odd number of elements that end the lanes is moved down by one.
-    template <bool Overlaps, int R, class V>
-    [[gnu::always_inline]] void addEnds(const RowPointers<const int16_t*, R>& x, const RowPointers<const int16_t*, R>& m,
-                                        const RowPointers<V, R>& v, const RowEnd& end) {
-      const auto d = end.keep<R>(subtractSaturated(shorts::loadEnds<Overlaps>(x, end), shorts::loadEnds<Overlaps>(m, end)));
-      const auto weights = shorts::loadEnds<Overlaps>(v, end);
-      if (Overlaps && end.count() % 2 != 0) {
-        add(shorts::dropFirst(d), shorts::dropFirst(weights));
-      } else {
-        add(d, weights);
-      }
-    }
   };
 
-  static Halves<4> folded(const Halves<kWide / 2> (&rows)[1]) {
-    Halves<4> h;
-    h.upper = joinedTo<4>(rows[0].upper);
-    h.lower = joinedTo<4>(rows[0].lower);
-    return h;
+  // Four lanes of the only row, or those of rows k and k + 2.
+  using Wide = Halves<kWide / 2>;
+  static Halves<4> folded(const Wide (&rows)[1], int) { return {joinedTo<4>(rows[0].upper), joinedTo<4>(rows[0].lower)}; }
+  static Halves<8> folded(const Wide (&rows)[4], int k) {
+    const auto pair = [](const auto& a, const auto& c) {
+      if constexpr (kWide == 8) {
+        return concatenated(a, c);
+      } else {
+        return foldedPair(a, c);
+      }
+    };
+    return {pair(rows[k].upper, rows[k + 2].upper), pair(rows[k].lower, rows[k + 2].lower)};
   }
-  static Halves<16> folded(const Halves<kWide / 2> (&rows)[4]) {
-    Halves<16> h;
-    h.upper = foldToFours(rows[0].upper, rows[1].upper, rows[2].upper, rows[3].upper);
-    h.lower = foldToFours(rows[0].lower, rows[1].lower, rows[2].lower, rows[3].lower);
-    return h;
+
+  // Pairs must stay pairs: an odd number of elements that end the lanes is moved down by one.
+  template <bool Overlaps, int R, class V>
+  [[gnu::always_inline]] static auto endOf(const RowPointers<const int16_t*, R>& x, const RowPointers<const int16_t*, R>& m,
+                                           const RowPointers<V, R>& v, int k, const RowEnd<8>& end) {
+    const auto load = [&](const int16_t* row) { return end.load<Overlaps>(row); };
+    const auto d = end.kept(subtractSaturated(shorts::loadPair(x, k, load), shorts::loadPair(m, k, load)));
+    const auto weights = shorts::loadPair(v, k, load);
+    Halves<R == 1 ? 4 : 8> sum;
+    if (Overlaps && end.count() % 2 != 0) {
+      sum.add(shorts::dropFirst(d), shorts::dropFirst(weights));
+    } else {
+      sum.add(d, weights);
+    }
+    return sum;
   }
 
   // The shifted lanes with the negative sign, of one set of sums or of two that are shifted each by itself. In the usual range of
   // scale factors the upper halves move left, which loses nothing by coming last.
   template <int N>
-  Lanes<uint32_t, N> shifted(const Halves<N>& a) const {
+  [[gnu::always_inline]] Lanes<uint32_t, N> shifted(const Halves<N>& a) const {
     const Lanes<uint32_t, N> zero(0);
     return as<uint32_t>(upper_(as<int32_t>(zero - a.upper))) + as<uint32_t>(lower_(as<int32_t>(zero - a.lower)));
   }
   template <int N>
-  Lanes<uint32_t, N> shifted(const Halves<N>& a, const Halves<N>& b) const {
+  [[gnu::always_inline]] Lanes<uint32_t, N> shifted(const Halves<N>& a, const Halves<N>& b) const {
     if (scaleFactor_ < 0 || scaleFactor_ > 15) return shifted(a) + shifted(b);
     const Lanes<uint32_t, N> zero(0);
     const auto right = [&](const Lanes<uint32_t, N>& l) { return as<uint32_t>(shiftRight(as<int32_t>(l), scaleFactor_)); };
@@ -319,7 +272,7 @@ struct ShortPairSums {
       const Lanes<int16_t, 8> d = subtractSaturated(a, b);
       total += as<float>(pairDots(d, d));
     };
-    for (; c <= width - 8; c += 8) add(shorts::load<8>(x + c), shorts::load<8>(m + c));
+    for (; c <= width - 8; c += 8) add(loadLanes<8>(x + c), loadLanes<8>(m + c));
     if (const int32_t rest = (width - c) / 2 * 2; rest > 0) {
       const Tail<int16_t, 8> tail(rest);
       add(tail.load(x + c), tail.load(m + c));

@@ -1,4 +1,4 @@
-// Lanes in another order, 16-bit lanes as floats and squares, and the registers of a tail. Compiled once at every instruction level.
+// Lanes in another order, 16-bit lanes as products and floats, and the registers of a tail. Compiled once at every instruction level.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -7,7 +7,6 @@
 
 #include "frame/lanes.h"
 #include "frame/lanes/order.h"
-#include "frame/lanes/shorts.h"
 #include "kit/compare.h"
 #include "kit/memory.h"
 #include "kit/random.h"
@@ -105,17 +104,16 @@ void expectShorts() {
   for (int round = 0; round < 60; ++round) {
     const auto a = random.vector<int16_t>(N, kit::kKinds[round % 3]);
     const auto x = lanesOf<int16_t, N>(a);
-    std::vector<int16_t> upper, halvedLower;
+    const auto b = random.vector<int16_t>(N, kit::kKinds[round % 3]);
+    std::vector<int16_t> upper, dropped;
     std::vector<float> floats;
-    for (const int16_t v : a) {
-      const int32_t square = int32_t{v} * v;
-      upper.push_back(static_cast<int16_t>(square >> 16));
-      halvedLower.push_back(static_cast<int16_t>((square & 0xFFFF) >> 1));
-      floats.push_back(v);
+    for (std::size_t i = 0; i < N; ++i) {
+      upper.push_back(static_cast<int16_t>(int32_t{a[i]} * b[i] >> 16));
+      dropped.push_back(i % 8 < 7 ? a[i + 1] : int16_t{0});
+      floats.push_back(a[i]);
     }
-    const SplitSquare<N> split = splitSquare(x);
-    ASSERT_BITS(valuesOf(split.upper), upper) << N;
-    ASSERT_BITS(valuesOf(split.halvedLower), halvedLower) << N;
+    ASSERT_BITS(valuesOf(upperProducts(x, lanesOf<int16_t, N>(b))), upper) << N;
+    ASSERT_BITS(valuesOf(dropFirst(x)), dropped) << N;
     ASSERT_BITS(valuesOf(as<float>(x)), floats) << N;
 
     const auto wide = random.vector<int32_t>(N, kit::kKinds[round % 3]);
@@ -131,7 +129,7 @@ void expectShorts() {
   }
 }
 
-TEST(LanesOrder, ShortsAsSquaresAndFloats) {
+TEST(LanesOrder, ShortsAsProductsAndFloats) {
   expectShorts<8>();
   expectShorts<16>();
   expectShorts<32>();
