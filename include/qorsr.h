@@ -22,8 +22,7 @@
  *  - Data are not searched for NaN or infinity; these pass through float arithmetic by the rules of IEEE 754.
  *  - Sources and destinations do not overlap, unless a function is defined to work in place.
  *  - The caller's rounding mode, exception masks and raised exception flags are as before when a call returns.
- *  - The same call gives the same bits at every instruction level and for every alignment, but for the payload and sign of a NaN
- *    and for functions that call the C library's exp, log, sin, cos or pow.
+ *  - The same call gives the same bits at every instruction level and for every alignment, but for the payload and sign of a NaN.
  *  - Functions are re-entrant. A state record that a function changes serves one call at a time.
  */
 #ifndef QORSR_H
@@ -1237,7 +1236,7 @@ QORSR_API QorStatus qorsEvalFBank_32s_Sfs(const int32_t* source, int32_t* result
  *  With flag 1, mixed banks have mel-shaped filters up to T and index-shaped ones beyond. required: the falling side of filter T
  *  compares mel values with bin numbers, (c[T+1] - mel(j)) / (c[T+1] - c[T]). Negative weights become 0.
  *
- *  Weights are not normalised by area. All is computed in double, with the C library's log and exp; Q14 weights are truncated.
+ *  Weights are not normalised by area. All is computed in double; Q14 weights are truncated.
  *
  *  Statuses of `qorsMelFBankInit` and `qorsMelFBankInitAlloc`, in order: null state or order; length or filterCount below 1, sample
  *  or low frequency not above 0 (#qorStatusBadSize); high below low, half the sample frequency below high
@@ -1327,7 +1326,7 @@ QORSR_API QorStatus qorsMelToLinear_32f(const float* source, float* result, int3
  *
  *  **Arithmetic.** Float throughout. The sum of an order from 1 to M runs in eight lanes: x[j] joins lane j mod 8, the last N mod 8
  *  inputs join lane 0 one by one, and the lanes are joined as ((l0 + l4) + (l2 + l6)) + ((l1 + l5) + (l3 + l7)). The sum of order 0
- *  runs serially. The weight is applied to the finished sum. The cosines are computed in double by the C library and stored as
+ *  runs serially. The weight is applied to the finished sum. The cosines are computed in double and stored as
  *  float. `16s` and `32s16s`: inputs are converted to float; results are multiplied by 2^-scaleFactor, rounded to nearest, ties to
  *  even, and saturated; a NaN gives 0.
  *

@@ -10,12 +10,12 @@
 #pragma once
 
 #include <bit>
-#include <cmath>
 #include <cstdint>
 #include <limits>
 
 #include "frame/checks.h"
 #include "frame/column_blocks.h"
+#include "frame/elementary.h"
 #include "frame/lanes.h"
 #include "frame/rows.h"
 #include "frame/sum_of_logs.h"
@@ -94,7 +94,7 @@ class Pooling {
 inline QorStatus subtractLog(double variance, double& sum) {
   if (variance == 0.0) return qorStatusLogZero;
   if (variance < 0.0) return qorStatusLogNegative;
-  sum -= std::log(variance);
+  sum -= log(variance);
   return qorStatusOk;
 }
 

@@ -14,12 +14,12 @@
 
 #include <algorithm>
 #include <bit>
-#include <cmath>
 #include <cstdint>
 #include <limits>
 
 #include "frame/checks.h"
 #include "frame/column_blocks.h"
+#include "frame/elementary.h"
 #include "frame/lanes.h"
 #include "frame/lanes/units.h"
 #include "frame/rows.h"
@@ -183,7 +183,7 @@ QorStatus clusterLikelihood(const T* sum, const T* squares, int32_t length, doub
     return bad;
   *result = kNoLikelihood;
   if (occupancy == 0.0) return qorStatusZeroOccupancy;
-  const double log = std::log(occupancy), constant = length * ((log - 1.0 - kClusterLog2Pi) + log);
+  const double logOccupancy = log(occupancy), constant = length * ((logOccupancy - 1.0 - kClusterLog2Pi) + logOccupancy);
   double logs;
   if (QorStatus warning = sumOfSpreads(sum, squares, length, occupancy, logs)) {
     *result = warning == qorStatusLogZero ? -std::numeric_limits<double>::infinity() : kNoLogarithm;

@@ -14,7 +14,6 @@
 #pragma once
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <numbers>
@@ -22,6 +21,7 @@
 #include "frame/checks.h"
 #include "frame/column_blocks.h"
 #include "frame/convert.h"
+#include "frame/elementary.h"
 #include "frame/lanes.h"
 #include "frame/memory.h"
 
@@ -60,7 +60,7 @@ struct SineLifter {
   void fill(float* lifter, int32_t order) const {
     const float half = static_cast<float>(length) * 0.5F;
     for (int32_t i = 0; i <= order; ++i) {
-      const double sine = std::sin(std::numbers::pi * i / length);
+      const double sine = sin(std::numbers::pi * i / length);
       lifter[i] = static_cast<float>(1.0 + static_cast<double>(half) * sine) * scale;
     }
   }
@@ -167,7 +167,7 @@ inline void eachGroup(int32_t order, const Body& body) {
 // cos(pi i (j + 1/2) / N), j + 1/2 formed in float.
 inline float cosine(int32_t i, int32_t j, int32_t length) {
   const float middle = static_cast<float>(int64_t{j} + 1) - 0.5F;
-  return static_cast<float>(std::cos(std::numbers::pi * i * static_cast<double>(middle) / length));
+  return static_cast<float>(cos(std::numbers::pi * i * static_cast<double>(middle) / length));
 }
 
 template <class State, class Weights>

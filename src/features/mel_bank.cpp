@@ -180,7 +180,7 @@ QorStatus qorsLinearToMel_32f(const float* source, float* result, int32_t length
   if (QorStatus bad = checkConversion(source, result, length, melMul, melDiv)) return bad;
   const double mul = static_cast<double>(melMul), perHertz = 1.0 / static_cast<double>(melDiv);
   for (int32_t i = 0; i < length; ++i) {
-    result[i] = static_cast<float>(mul * std::log(1.0 + static_cast<double>(source[i]) * perHertz));
+    result[i] = static_cast<float>(mul * qorsr::log(1.0 + static_cast<double>(source[i]) * perHertz));
   }
   return qorStatusOk;
 }
@@ -188,7 +188,7 @@ QorStatus qorsMelToLinear_32f(const float* source, float* result, int32_t length
   if (QorStatus bad = checkConversion(source, result, length, melMul, melDiv)) return bad;
   const double div = static_cast<double>(melDiv), perMel = 1.0 / static_cast<double>(melMul);
   for (int32_t i = 0; i < length; ++i) {
-    result[i] = static_cast<float>(div * (std::exp(static_cast<double>(source[i]) * perMel) - 1.0));
+    result[i] = static_cast<float>(div * (qorsr::exp(static_cast<double>(source[i]) * perMel) - 1.0));
   }
   return qorStatusOk;
 }

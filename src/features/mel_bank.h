@@ -10,19 +10,19 @@
 // All in double; what is stored is rounded to float, or truncated to Q14.
 #pragma once
 
-#include <cmath>
 #include <cstdint>
 
 #include "features/filter_bank.h"
 #include "frame/bits.h"
 #include "frame/convert.h"
+#include "frame/elementary.h"
 
 namespace qorsr {
 
 struct MelLaw {
   double mul, div;
 
-  double mel(double hertz) const { return mul * std::log(1.0 + hertz / div); }
+  double mel(double hertz) const { return mul * log(1.0 + hertz / div); }
 };
 
 // The frequencies and shape of a bank, as its constructor takes them.
@@ -123,7 +123,7 @@ struct BinMels {
   MelLaw law;
   double binWidth;  // hertz
 
-  double operator()(int32_t j) const { return law.mul * std::log(1.0 + j * binWidth / law.div); }
+  double operator()(int32_t j) const { return law.mul * log(1.0 + j * binWidth / law.div); }
 };
 
 template <class Bank>
@@ -137,7 +137,7 @@ void fillMelBank(Bank* bank, const MelSpec& spec, TransformSize size) {
   auto* const centers = areaAt<int32_t>(bank, bank->centers);
   const double binsOfDiv = length / sampleFrequency * law.div;
   for (int32_t i = 0; i <= n + 1; ++i) {
-    const double position = binsOfDiv * (std::exp(melAt(i) / law.mul) - 1.0);
+    const double position = binsOfDiv * (exp(melAt(i) / law.mul) - 1.0);
     centers[i] = toBin(static_cast<double>(static_cast<float>(position)), spec.indexShaped());
   }
   const auto view = viewOf(bank);
@@ -171,7 +171,7 @@ void fillMixedBank(Bank* bank, const MelSpec& spec, LinearPart linear, Transform
     const double from = law.mel(join), range = law.mel(static_cast<double>(spec.high)) - from;
     for (int32_t i = t; i <= n + 1; ++i) {  // centre t for the second time: this one stands
       const double mel = (i - t) * range / (n - t + 1) + from;
-      centers[i] = toBin(binsPerHertz * law.div * (std::exp(mel / law.mul) - 1.0), spec.indexShaped());
+      centers[i] = toBin(binsPerHertz * law.div * (exp(mel / law.mul) - 1.0), spec.indexShaped());
     }
   }
   const auto view = viewOf(bank);

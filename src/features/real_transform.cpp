@@ -1,9 +1,9 @@
 #include "features/real_transform.h"
 
-#include <cmath>
 #include <type_traits>
 #include <utility>
 
+#include "frame/elementary.h"
 #include "frame/lanes.h"
 #include "frame/lanes/order.h"
 #include "frame/memory.h"
@@ -54,10 +54,10 @@ Root root(int64_t k, int64_t n) {
   }
   if (eighths > n) {  // 1/4 - k'/n, and so the parts change places
     const double angle = 6.283185307179586477 * (static_cast<double>(n - 4 * k) / static_cast<double>(4 * n));
-    return {std::sin(angle), -std::cos(angle)};
+    return {sin(angle), -cos(angle)};
   }
   const double angle = 6.283185307179586477 * (static_cast<double>(k) / static_cast<double>(n));
-  return {std::cos(angle), -std::sin(angle)};
+  return {cos(angle), -sin(angle)};
 }
 
 void fillPass(float* table, int64_t points, int64_t s) {

@@ -5,8 +5,8 @@
 
 #if defined(__SSE__)
 #include <immintrin.h>
-#else
-#include <cfenv>
+#elif !defined(__aarch64__)
+#error "The floating-point control register of this processor is not known: add its two accesses here."
 #endif
 
 namespace qorsr {
@@ -28,24 +28,28 @@ class EnvironmentGuard {
     changed_ = (saved_ & ~kFlags) != wanted;
     if (changed_) _mm_setcsr(wanted | (saved_ & kFlags));
 #else
-    std::feholdexcept(&saved_);
-    std::fesetround(rounding == Rounding::kTowardZero ? FE_TOWARDZERO : FE_TONEAREST);
+    asm volatile("mrs %0, fpcr" : "=r"(control_));
+    asm volatile("mrs %0, fpsr" : "=r"(status_));
+    setControl((control_ & ~(kRounding | kTraps)) | (rounding == Rounding::kTowardZero ? kRounding : 0));
 #endif
   }
   ~EnvironmentGuard() {
 #if defined(__SSE__)
     if (changed_ || _mm_getcsr() != saved_) _mm_setcsr(saved_);
 #else
-    std::fesetenv(&saved_);
+    setControl(control_);
+    asm volatile("msr fpsr, %0" : : "r"(status_));
 #endif
   }
 
-  // Whether the caller's environment is what a guard that rounds to nearest would set up. Where that is not known, false.
+  // Whether the caller's environment is what a guard that rounds to nearest would set up.
   static bool isCallersNearest() {
 #if defined(__SSE__)
     return (_mm_getcsr() & ~(kFlags | kFlushToZero)) == kAllMasked;
 #else
-    return false;
+    uint64_t control;
+    asm volatile("mrs %0, fpcr" : "=r"(control));
+    return (control & (kRounding | kTraps)) == 0;
 #endif
   }
 
@@ -57,8 +61,10 @@ class EnvironmentGuard {
   static constexpr uint32_t kFlags = 0x003F, kAllMasked = 0x1F80, kTowardZeroBits = 0x6000, kFlushToZero = 0x8000;
   uint32_t saved_;
   bool changed_;
-#else
-  std::fenv_t saved_;
+#else  // both bits of the rounding mode are set toward zero; a trap that the processor lacks reads as 0
+  static constexpr uint64_t kRounding = uint64_t{3} << 22, kTraps = 0x9F00;
+  static void setControl(uint64_t control) { asm volatile("msr fpcr, %0" : : "r"(control)); }
+  uint64_t control_, status_;
 #endif
 };
 

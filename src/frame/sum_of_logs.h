@@ -10,10 +10,10 @@
 #pragma once
 
 #include <bit>
-#include <cmath>
 #include <cstdint>
 #include <limits>
 
+#include "frame/elementary.h"
 #include "frame/lanes.h"
 #include "qorsr.h"
 
@@ -106,7 +106,7 @@ class SumOfLogs {
     addRun(product, exponent);
   }
 
-  void addRun(double product, int64_t exponent) { total_ += std::log(product) + static_cast<double>(exponent) * kLog2; }
+  void addRun(double product, int64_t exponent) { total_ += log(product) + static_cast<double>(exponent) * kLog2; }
 
   void end(double culprit) {
     ended_ = true;

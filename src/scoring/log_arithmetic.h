@@ -1,7 +1,7 @@
 // Sums and differences of probabilities that are held as logarithms.
 //
 //   LogAdd: result = log(exp(a) + exp(b)), element by element, by the kernels of scoring/log_add.h
-//   LogSub: result = log(exp(a) - exp(b)) = a + log(1 - exp(d)), d = b - a < 0, with the C library's exp and log in double
+//   LogSub: result = log(exp(a) - exp(b)) = a + log(1 - exp(d)), d = b - a < 0, with exp and log in double
 //   LogSum: result = log(sum of exp(x[i])), by the reductions of scoring/log_add.h
 //
 // Fixed point (`Sfs`): the real value is integer * 2^-sf. Adding and summing go through float in chunks of 128; a sum of at most
@@ -9,13 +9,13 @@
 #pragma once
 
 #include <algorithm>
-#include <cmath>
 #include <cstdint>
 #include <limits>
 
 #include "frame/bits.h"
 #include "frame/checks.h"
 #include "frame/convert.h"
+#include "frame/elementary.h"
 #include "frame/memory.h"
 #include "scoring/log_add.h"
 
@@ -96,8 +96,8 @@ inline constexpr LogSubLimits kLogSubDouble = {-23.0258509299405, 2.45e-308, -90
 
 inline double logSubOne(double a, double d, const LogSubLimits& limits) {
   if (d < limits.drop) return a < limits.floor ? limits.fill : a;
-  const double t = 1.0 - std::exp(d);
-  return t <= limits.tiny ? limits.fill : a + std::log(t);
+  const double t = 1.0 - exp(d);
+  return t <= limits.tiny ? limits.fill : a + log(t);
 }
 
 // The elements of a member: b - a as it is tested, d as it is computed with, and how a result is stored.

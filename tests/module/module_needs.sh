@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# module_needs.sh READELF MODULE RUNPATH: the module needs libc, libm and the core module, nothing else, and looks for the latter where
+# module_needs.sh READELF MODULE RUNPATH: the module needs libc and the core module, nothing else, and looks for the latter where
 # it lies itself.
 set -euo pipefail
 dynamic=$("$1" -dW "$2")
 needed=$(echo "$dynamic" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p')
-others=$(echo "$needed" | grep -vE '^(libc|libm|libqorcore|ld-linux[a-z0-9-]*)\.so\.[0-9]+$' || true)
+others=$(echo "$needed" | grep -vE '^(libc|libqorcore|ld-linux[a-z0-9-]*)\.so\.[0-9]+$' || true)
 [ -z "$others" ] || { echo "$2 needs $others"; exit 1; }
 echo "$needed" | grep -qx 'libqorcore.so.6' || { echo "$2 does not import the core module"; exit 1; }
 soname=$(echo "$dynamic" | sed -n 's/.*(SONAME).*\[\(.*\)\]/\1/p')

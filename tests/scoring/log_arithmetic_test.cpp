@@ -161,6 +161,14 @@ void smallerTerms(kit::Random& random, std::vector<T>& a, std::vector<T>& b, int
   }
 }
 
+// The model takes the system's exp and log. Two exponentials may differ by two last places of 1, so t by three, and its logarithm by as
+// much over t; to that come two last places of the logarithm and those of the sum. Rounded to float, nothing of it is left.
+testing::AssertionResult sameDifference(float actual, float expected, float, float) { return kit::sameBits(actual, expected); }
+testing::AssertionResult sameDifference(double actual, double expected, double a, double b) {
+  const double t = -std::expm1(b - a);
+  return kit::within(&actual, &expected, 1, 0x1p-52 * (2 / t + std::fabs(std::log(t)) + std::fabs(a)));
+}
+
 template <class T>
 void expectSubtractions(QorStatus (*call)(const T*, T*, int32_t)) {
   kit::Random random;
@@ -171,7 +179,9 @@ void expectSubtractions(QorStatus (*call)(const T*, T*, int32_t)) {
       for (std::size_t i = 0; i < a.size(); ++i) expected.push_back(model::logSub(a[i], b[i]));
       const kit::Area<T> source(a, kit::kPlaces[(round + length) % 3]), result(b, kit::kPlaces[round % 3]);
       ASSERT_EQ(call(source.data(), result.data(), length), qorStatusOk);
-      ASSERT_BITS(result.values(), expected) << "length " << length << " round " << round;
+      for (std::size_t i = 0; i < a.size(); ++i) {
+        ASSERT_TRUE(sameDifference(result.values()[i], expected[i], a[i], b[i])) << "length " << length << " round " << round;
+      }
       ASSERT_TRUE(result.edgesKept());
     }
   }
