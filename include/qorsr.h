@@ -110,32 +110,17 @@ QORSR_API const QorLibraryVersion* qorsrGetLibVersion(void);
 
 /** @defgroup column_statistics Column and row statistics
  *  Sums, means and variances of a matrix of feature vectors, one frame a row: height n rows (time), width columns (features).
- *
- *  **Column sums** (`SumColumn`). result[c] = sum over r of x[r][c], in float (`16s`, `32f`) or double (`64f`). Rows are added in
- *  pairs, from the top down: ((r0 + r1) + (r2 + r3)) + (r4 + r5), an odd last row last. Height 1 copies the row.
- *
- *  **Row sums** (`SumRow`). result[r] = sum over c of x[r][c], in four lanes: x[8k + j] + x[8k + 4 + j] joins lane j, a last group
- *  of four joins the lanes, and up to three remaining elements join lanes 0 to 2 (in the last row of an odd height: lane 0, one by
- *  one); then (l0 + l1) + (l2 + l3).
- *
- *  **Means** (`MeanColumn`). mean[c] = column sum * (1/n), the sum as above. 1/n is formed in double and rounded to float in
- *  qorsMeanColumn_32f_D2 and qorsMeanVarColumn_32f_D2, in float elsewhere; where sums are double it is a double.
- *
- *  **Variances** (`VarColumn`, with the means given; `MeanVarColumn`, which forms them). The one-pass form with divisor n - 1:
- *  var[c] = (sum over r of x[r][c]^2 - n mean^2) / (n - 1), in float as (((mean * mean) * -n) + x0^2 + x1^2 + ...) * q, with q =
- *  1/(n - 1). There is no floor: rounding may leave a constant column with a variance slightly below zero. q is formed in float in
- *  qorsVarColumn_32f_D2L and qorsMeanVarColumn_16s32s_D2LSfs, in double (and rounded to float for float sums) elsewhere.
- *
- *  **16-bit data.** Elements are converted to float exactly and summed in float, so a 32-bit sum carries the 24 bits of a float.
- *  Results are rounded to nearest, ties to even, and saturated; a NaN gives 0. A scale factor applies to sums and to variances,
- *  never to means. The variance uses the mean before its rounding. Two exceptions:
- *  - `MeanVarColumn_16s32s` and `MeanVarColumn_16s16s32s` sum in double. The mean is limited to the 32-bit range and that limited
- *    mean is the one in the variance; the 16-bit mean is the low half of the 32-bit one.
- *  - required: the 16-bit members with `_D2L` and 16-bit variances or means alone, when any row pointer is not 16-byte aligned, sum
- *    exactly in 64-bit integers and truncate instead of rounding; variances are truncated before they are shifted by the scale
- *    factor.
- *
  *  Units are the caller's.
+ *
+ *  - `SumColumn`: result[c] = sum over r of x[r][c]. `SumRow`: result[r] = sum over c of x[r][c].
+ *  - `MeanColumn`: mean[c] = column sum / n.
+ *  - `VarColumn` with the means given, `MeanVarColumn` with means that it forms: var[c] = (sum over r of x[r][c]^2 - n mean[c]^2)
+ *    / (n - 1), in one pass over the data.
+ *  - `SumRowAbs`, `SumRowSqr`, `SumColumnAbs`, `SumColumnSqr`: sums of magnitudes or squares of one vector or column.
+ *
+ *  Sums of 16-bit data run in float, so a 32-bit sum carries the 24 bits of a float; those of doubles, and both moments of
+ *  `MeanVarColumn_16s32s` and `MeanVarColumn_16s16s32s`, run in double. Integer results are rounded to nearest, ties to even, and
+ *  saturated; a NaN gives 0. A scale factor applies to sums and to variances, never to means.
  *
  *  | Parameter | Use | Elements, or values | |
  *  |---|---|---|---|
@@ -157,225 +142,414 @@ QORSR_API const QorLibraryVersion* qorsrGetLibVersion(void);
  *  | `firstRow` | value | 0 to height - 1 | |
  *  | `scaleFactor`, `scale` | value | any | |
  *
- *  Statuses, in order:
- *  - `SumColumn`, `SumRow`: null; height or width below 1; stride below width (`_D2`).
- *  - `MeanColumn_D2`, `VarColumn_D2`: stride first; null; width below 1, height below 1 (mean) or 2 (variance).
- *  - `MeanVarColumn`: null; width below 1 or height below 2; stride.
- *  - `_D2L`: null; sizes as above.
- *  - #qorStatusNoMemory where 16-bit results need scratch (not on the path of unaligned row pointers).
+ *  | Members | Statuses: first test | second | third |
+ *  |---|---|---|---|
+ *  | `SumColumn`, `SumRow` | null | height or width below 1 | stride below width (`_D2`) |
+ *  | `MeanColumn_D2`, `VarColumn_D2` | stride below width | null | width below 1; height below 1 (mean) or 2 (variance) |
+ *  | `MeanVarColumn` | null | width below 1 or height below 2 | stride below width (`_D2`) |
+ *  | `MeanColumn_D2L`, `VarColumn_D2L` | null | width below 1; height below 1 (mean) or 2 (variance) | |
+ *  | of a single vector or column | null | length, width or height below 1, column or firstRow out of range | |
+ *
+ *  Last: #qorStatusNoMemory, where 16-bit results need scratch (not with unaligned row pointers).
+ *
+ *  @warning The one-pass variance cancels: a column of large mean and small spread loses digits, and rounding may leave a constant
+ *  column with a variance slightly below zero. There is no floor.
+ *
+ *  @warning The 16-bit `MeanColumn_D2L`, `VarColumn_D2L` and `MeanVarColumn_16s_D2LSfs` round when all row pointers are 16-byte
+ *  aligned and truncate when one is not.
+ *
+ *  **Exact arithmetic**
+ *  - **Column sums.** Rows are added in pairs, from the top down: ((r0 + r1) + (r2 + r3)) + (r4 + r5), an odd last row last.
+ *    Height 1 copies the row.
+ *  - **Row sums.** Four lanes: x[8k + j] + x[8k + 4 + j] joins lane j, a last group of four joins the lanes, and up to three
+ *    remaining elements join lanes 0 to 2 (in the last row of an odd height: lane 0, one by one); then (l0 + l1) + (l2 + l3).
+ *  - **Means.** Column sum * (1/n). 1/n is formed in double and rounded to float in qorsMeanColumn_32f_D2() and
+ *    qorsMeanVarColumn_32f_D2(), in float elsewhere; where sums are double it is a double.
+ *  - **Variances.** In float (((mean * mean) * -n) + x0^2 + x1^2 + ...) * q, with q = 1/(n - 1). q is formed in float in
+ *    qorsVarColumn_32f_D2L() and qorsMeanVarColumn_16s32s_D2LSfs(), in double (and rounded to float for float sums) elsewhere. The
+ *    variance uses the mean before its rounding.
+ *  - **16-bit data.** Elements are converted to float exactly. `MeanVarColumn_16s32s` and `MeanVarColumn_16s16s32s`: the mean is
+ *    limited to the 32-bit range and that limited mean is the one in the variance; the 16-bit mean is the low half of the 32-bit
+ *    one. required: the 16-bit `_D2L` members of the second warning, when any row pointer is not 16-byte aligned, sum exactly in
+ *    64-bit integers and truncate instead of rounding; variances are truncated before they are shifted by the scale factor.
  *
  *  Source of the method: textbook sample statistics; for the one-pass variance and its cancellation see Chan, Golub and LeVeque,
  *  "Algorithms for Computing the Sample Variance", The American Statistician 37 (1983). @{ */
 
+/** Sums of columns: 16-bit to float. @see @ref column_statistics */
 QORSR_API QorStatus qorsSumColumn_16s32f_D2(const int16_t* source, int32_t stride, int32_t height, float* result, int32_t width);
+/** Sums of columns: 16-bit to float, row pointers. @see @ref column_statistics */
 QORSR_API QorStatus qorsSumColumn_16s32f_D2L(const int16_t* const* rows, int32_t height, float* result, int32_t width);
+/** Sums of columns: 16 to 32 bits, scaled. @see @ref column_statistics */
 QORSR_API QorStatus qorsSumColumn_16s32s_D2Sfs(const int16_t* source, int32_t stride, int32_t height, int32_t* result,
                                                int32_t width, int32_t scaleFactor);
+/** Sums of columns: 16 to 32 bits, row pointers, scaled. @see @ref column_statistics */
 QORSR_API QorStatus qorsSumColumn_16s32s_D2LSfs(const int16_t* const* rows, int32_t height, int32_t* result, int32_t width,
                                                 int32_t scaleFactor);
+/** Sums of columns: float. @see @ref column_statistics */
 QORSR_API QorStatus qorsSumColumn_32f_D2(const float* source, int32_t stride, int32_t height, float* result, int32_t width);
+/** Sums of columns: float, row pointers. @see @ref column_statistics */
 QORSR_API QorStatus qorsSumColumn_32f_D2L(const float* const* rows, int32_t height, float* result, int32_t width);
+/** Sums of columns: double. @see @ref column_statistics */
 QORSR_API QorStatus qorsSumColumn_64f_D2(const double* source, int32_t stride, int32_t height, double* result, int32_t width);
+/** Sums of columns: double, row pointers. @see @ref column_statistics */
 QORSR_API QorStatus qorsSumColumn_64f_D2L(const double* const* rows, int32_t height, double* result, int32_t width);
 
+/** Sums of rows: 16-bit to float. @see @ref column_statistics */
 QORSR_API QorStatus qorsSumRow_16s32f_D2(const int16_t* source, int32_t width, int32_t stride, float* result, int32_t height);
+/** Sums of rows: 16-bit to float, row pointers. @see @ref column_statistics */
 QORSR_API QorStatus qorsSumRow_16s32f_D2L(const int16_t* const* rows, int32_t width, float* result, int32_t height);
+/** Sums of rows: 16 to 32 bits, scaled. @see @ref column_statistics */
 QORSR_API QorStatus qorsSumRow_16s32s_D2Sfs(const int16_t* source, int32_t width, int32_t stride, int32_t* result, int32_t height,
                                             int32_t scaleFactor);
+/** Sums of rows: 16 to 32 bits, row pointers, scaled. @see @ref column_statistics */
 QORSR_API QorStatus qorsSumRow_16s32s_D2LSfs(const int16_t* const* rows, int32_t width, int32_t* result, int32_t height,
                                              int32_t scaleFactor);
+/** Sums of rows: float. @see @ref column_statistics */
 QORSR_API QorStatus qorsSumRow_32f_D2(const float* source, int32_t width, int32_t stride, float* result, int32_t height);
+/** Sums of rows: float, row pointers. @see @ref column_statistics */
 QORSR_API QorStatus qorsSumRow_32f_D2L(const float* const* rows, int32_t width, float* result, int32_t height);
+/** Sums of rows: double. @see @ref column_statistics */
 QORSR_API QorStatus qorsSumRow_64f_D2(const double* source, int32_t width, int32_t stride, double* result, int32_t height);
+/** Sums of rows: double, row pointers. @see @ref column_statistics */
 QORSR_API QorStatus qorsSumRow_64f_D2L(const double* const* rows, int32_t width, double* result, int32_t height);
 
+/** Means of columns: 16-bit. @see @ref column_statistics */
 QORSR_API QorStatus qorsMeanColumn_16s_D2(const int16_t* source, int32_t height, int32_t stride, int16_t* result, int32_t width);
+/** Means of columns: 16-bit, row pointers. @see @ref column_statistics */
 QORSR_API QorStatus qorsMeanColumn_16s_D2L(const int16_t* const* rows, int32_t height, int16_t* result, int32_t width);
+/** Means of columns: float. @see @ref column_statistics */
 QORSR_API QorStatus qorsMeanColumn_32f_D2(const float* source, int32_t height, int32_t stride, float* result, int32_t width);
+/** Means of columns: float, row pointers. @see @ref column_statistics */
 QORSR_API QorStatus qorsMeanColumn_32f_D2L(const float* const* rows, int32_t height, float* result, int32_t width);
 
+/** Variances of columns, from given means: 16-bit, scaled. @see @ref column_statistics */
 QORSR_API QorStatus qorsVarColumn_16s_D2Sfs(const int16_t* source, int32_t height, int32_t stride, const int16_t* means,
                                             int16_t* result, int32_t width, int32_t scaleFactor);
+/** Variances of columns, from given means: 16-bit, row pointers, scaled. @see @ref column_statistics */
 QORSR_API QorStatus qorsVarColumn_16s_D2LSfs(const int16_t* const* rows, int32_t height, const int16_t* means, int16_t* result,
                                              int32_t width, int32_t scaleFactor);
+/** Variances of columns, from given means: float. @see @ref column_statistics */
 QORSR_API QorStatus qorsVarColumn_32f_D2(const float* source, int32_t height, int32_t stride, const float* means, float* result,
                                          int32_t width);
+/** Variances of columns, from given means: float, row pointers. @see @ref column_statistics */
 QORSR_API QorStatus qorsVarColumn_32f_D2L(const float* const* rows, int32_t height, const float* means, float* result,
                                           int32_t width);
 
+/** Means and variances of columns: 16-bit, scaled. @see @ref column_statistics */
 QORSR_API QorStatus qorsMeanVarColumn_16s_D2Sfs(const int16_t* source, int32_t height, int32_t stride, int16_t* means,
                                                 int16_t* variances, int32_t width, int32_t scaleFactor);
+/** Means and variances of columns: 16-bit, row pointers, scaled. @see @ref column_statistics */
 QORSR_API QorStatus qorsMeanVarColumn_16s_D2LSfs(const int16_t* const* rows, int32_t height, int16_t* means, int16_t* variances,
                                                  int32_t width, int32_t scaleFactor);
+/** Means and variances of columns: 16 to 32 bits, scaled. @see @ref column_statistics */
 QORSR_API QorStatus qorsMeanVarColumn_16s32s_D2Sfs(const int16_t* source, int32_t height, int32_t stride, int32_t* means,
                                                    int32_t* variances, int32_t width, int32_t scaleFactor);
+/** Means and variances of columns: 16 to 32 bits, row pointers, scaled. @see @ref column_statistics */
 QORSR_API QorStatus qorsMeanVarColumn_16s32s_D2LSfs(const int16_t* const* rows, int32_t height, int32_t* means, int32_t* variances,
                                                     int32_t width, int32_t scaleFactor);
+/** Means and variances of columns: 16-bit to 16-bit means and 32-bit variances. @see @ref column_statistics */
 QORSR_API QorStatus qorsMeanVarColumn_16s16s32s_D2(const int16_t* source, int32_t height, int32_t stride, int16_t* means,
                                                    int32_t* variances, int32_t width);
+/** Means and variances of columns: 16-bit to 16-bit means and 32-bit variances, row pointers. @see @ref column_statistics */
 QORSR_API QorStatus qorsMeanVarColumn_16s16s32s_D2L(const int16_t* const* rows, int32_t height, int16_t* means, int32_t* variances,
                                                     int32_t width);
+/** Means and variances of columns: float. @see @ref column_statistics */
 QORSR_API QorStatus qorsMeanVarColumn_32f_D2(const float* source, int32_t height, int32_t stride, float* means, float* variances,
                                              int32_t width);
+/** Means and variances of columns: float, row pointers. @see @ref column_statistics */
 QORSR_API QorStatus qorsMeanVarColumn_32f_D2L(const float* const* rows, int32_t height, float* means, float* variances,
                                               int32_t width);
 
 /** result = sum of |source[i]|. Two partial sums or more: the last bits are free, but the same at every level.
- *  Statuses: null; length below 1. */
+ *  Statuses: null; length below 1. @see @ref column_statistics */
 QORSR_API QorStatus qorsSumRowAbs_64f(const double* source, int32_t length, double* result);
 
-/** source[i] *= scale, in place; result = sum of the squares of the scaled elements. Statuses: null; length below 1. */
+/** source[i] *= scale, in place; result = sum of the squares of the scaled elements. Statuses: null; length below 1.
+ *  @see @ref column_statistics */
 QORSR_API QorStatus qorsSumRowSqr_64f(double* source, int32_t length, double* result, double scale);
 
 /** result = sum of |rows[r][column]| for r from firstRow to height - 1.
  *  Statuses: null; width or height below 1, column outside 0 to width - 1 or firstRow outside 0 to height - 1 (#qorStatusBadSize).
- */
+ *  @see @ref column_statistics */
 QORSR_API QorStatus qorsSumColumnAbs_64f_D2L(const double* const* rows, int32_t width, int32_t height, double* result,
                                              int32_t column, int32_t firstRow);
 
 /** rows[r][column] *= scale, in place, for r from firstRow to height - 1; result = sum of the squares of the scaled elements.
- *  Statuses: as qorsSumColumnAbs_64f_D2L(). */
+ *  Statuses: as qorsSumColumnAbs_64f_D2L(). @see @ref column_statistics */
 QORSR_API QorStatus qorsSumColumnSqr_64f_D2L(double* const* rows, int32_t width, int32_t height, double* result, int32_t column,
                                              int32_t firstRow, double scale);
 /** @} */
 
 /** @defgroup weighted_moments Weighted column statistics
- *  Weighted means and variances of the columns of a matrix of height rows (frames) and width columns (features); weights holds one
- *  number a row, as used for soft assignments. Results are vectors of width elements. Nothing is allocated.
+ *  Weighted means and variances of the columns of a matrix of height rows (frames) and width columns (features). `weights` holds
+ *  one number a row, as used for soft assignments. Units are the caller's.
  *
  *  - `WeightedMean`: mean[c] = sum over r of x[r][c] w[r].
  *  - `WeightedVar`: variance[c] = sum over r of x[r][c]^2 w[r] - mean[c]^2, the mean being given.
- *  - `WeightedMeanVar`: both in one pass; the second sum takes (x w) x.
+ *  - `WeightedMeanVar`: both in one pass.
  *
- *  The weights are used as given: with a sum of 1 the results are a mean and a variance. Sums run in the element type, rows in
- *  pairs from the top down, (p0 + p1) + (p2 + p3) ..., an odd last row alone. No floor is applied: by rounding, or with a mean that
- *  is not the weighted one, a variance may be negative.
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `source` | in | height x width, stride apart | frames, one a row |
+ *  | `rows` | in | height x width | row pointers |
+ *  | `weights` | in | height | one a row |
+ *  | `means` | out | width | |
+ *  | `means` of `WeightedVarColumn_*` | in | width | |
+ *  | `variances` | out | width | |
+ *  | `height`, `width` | value | at least 1 | |
+ *  | `stride` | value | at least width | |
  *
- *  Statuses: null pointers; in `_D2` a stride below the width (#qorStatusBadStride); width or height below 1.
- *  @{ */
+ *  | Status, in order | When |
+ *  |---|---|
+ *  | #qorStatusNullPointer | a pointer is null |
+ *  | #qorStatusBadStride | stride below width (`_D2`) |
+ *  | #qorStatusBadSize | width or height below 1 |
+ *
+ *  @warning The weights are used as given: divide them by their sum first, or the results are no mean and no variance.
+ *
+ *  @warning No floor is applied: by rounding, or with a mean that is not the weighted one, a variance may be negative.
+ *
+ *  **Exact arithmetic**
+ *  - Sums run in the element type, rows in pairs from the top down, (p0 + p1) + (p2 + p3) ..., an odd last row alone.
+ *  - `WeightedMeanVar` forms the terms of the second sum as (x * w) * x, `WeightedVar` as (x * x) * w.
+ *  - Nothing is allocated. @{ */
+/** Weighted means of columns: float. @see @ref weighted_moments */
 QORSR_API QorStatus qorsWeightedMeanColumn_32f_D2(const float* source, int32_t stride, const float* weights, int32_t height,
                                                   float* means, int32_t width);
+/** Weighted variances of columns, from given means: float. @see @ref weighted_moments */
 QORSR_API QorStatus qorsWeightedVarColumn_32f_D2(const float* source, int32_t stride, const float* weights, int32_t height,
                                                  const float* means, float* variances, int32_t width);
+/** Weighted means and variances of columns: float. @see @ref weighted_moments */
 QORSR_API QorStatus qorsWeightedMeanVarColumn_32f_D2(const float* source, int32_t stride, const float* weights, int32_t height,
                                                      float* means, float* variances, int32_t width);
+/** Weighted means of columns: float, row pointers. @see @ref weighted_moments */
 QORSR_API QorStatus qorsWeightedMeanColumn_32f_D2L(const float* const* rows, const float* weights, int32_t height, float* means,
                                                    int32_t width);
+/** Weighted variances of columns, from given means: float, row pointers. @see @ref weighted_moments */
 QORSR_API QorStatus qorsWeightedVarColumn_32f_D2L(const float* const* rows, const float* weights, int32_t height,
                                                   const float* means, float* variances, int32_t width);
+/** Weighted means and variances of columns: float, row pointers. @see @ref weighted_moments */
 QORSR_API QorStatus qorsWeightedMeanVarColumn_32f_D2L(const float* const* rows, const float* weights, int32_t height, float* means,
                                                       float* variances, int32_t width);
+/** Weighted means of columns: double. @see @ref weighted_moments */
 QORSR_API QorStatus qorsWeightedMeanColumn_64f_D2(const double* source, int32_t stride, const double* weights, int32_t height,
                                                   double* means, int32_t width);
+/** Weighted variances of columns, from given means: double. @see @ref weighted_moments */
 QORSR_API QorStatus qorsWeightedVarColumn_64f_D2(const double* source, int32_t stride, const double* weights, int32_t height,
                                                  const double* means, double* variances, int32_t width);
+/** Weighted means and variances of columns: double. @see @ref weighted_moments */
 QORSR_API QorStatus qorsWeightedMeanVarColumn_64f_D2(const double* source, int32_t stride, const double* weights, int32_t height,
                                                      double* means, double* variances, int32_t width);
+/** Weighted means of columns: double, row pointers. @see @ref weighted_moments */
 QORSR_API QorStatus qorsWeightedMeanColumn_64f_D2L(const double* const* rows, const double* weights, int32_t height, double* means,
                                                    int32_t width);
+/** Weighted variances of columns, from given means: double, row pointers. @see @ref weighted_moments */
 QORSR_API QorStatus qorsWeightedVarColumn_64f_D2L(const double* const* rows, const double* weights, int32_t height,
                                                   const double* means, double* variances, int32_t width);
+/** Weighted means and variances of columns: double, row pointers. @see @ref weighted_moments */
 QORSR_API QorStatus qorsWeightedMeanVarColumn_64f_D2L(const double* const* rows, const double* weights, int32_t height,
                                                       double* means, double* variances, int32_t width);
 /** @} */
 
 /** @defgroup row_edits Edits of rows
- *  Matrices of height rows and width columns, changed in place or gathered. Nothing is allocated.
+ *  Matrices of height rows and width columns, changed in place or gathered.
  *
- *  **Normalisation** (`NormalizeColumn`). x[r][c] = (x[r][c] - means[c]) * scales[c], in place. `16s`: the exact 32-bit product is
- *  shifted, without rounding, by the scale factor: above 0 right by sf modulo 32, with copies of the sign; below 0 left by -sf
- *  modulo 32, where bits beyond 32 are lost (required); then saturated to 16 bits.
+ *  - `NormalizeColumn`: x[r][c] = (x[r][c] - means[c]) * scales[c], in place.
+ *  - `SubRow`: x[r][c] = x[r][c] - row[c] for every row, in place.
+ *  - `AddAllRowSum`: sum[c] += x[r][c] over all rows.
+ *  - `AddNRows`: destination[c] = start + sum over i of source[(indices1[i] + indices2[i]) * stride + offset + c].
+ *  - `AddMulRow`: destination[i] += source[i] * factor.
  *
- *  **Subtraction** (`SubRow`). x[r][c] = x[r][c] - row[c] for every row, in place; `16s` saturates.
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `matrix` | in, out | height x width, stride apart | |
+ *  | `rows` | in, out | height x width | row pointers |
+ *  | `rows` of `AddAllRowSum_*` | in | height x width | |
+ *  | `row`, `means`, `scales` | in | width | |
+ *  | `source` of `AddAllRowSum_*` | in | height x width, stride apart | |
+ *  | `source` of `AddNRows_*` | in | height x offset + width, stride apart | |
+ *  | `source` of `AddMulRow_*` | in | length | |
+ *  | `sum` | in, out | width | |
+ *  | `indices1`, `indices2` | in | indexCount; each 0 to (height - 1) / 2 | their sums name rows, 0 to height - 1 |
+ *  | `destination` of `AddNRows_*` | out | width | |
+ *  | `destination` of `AddMulRow_*` | in, out | length | |
+ *  | `height`, `width`, `length`, `indexCount` | value | at least 1 | |
+ *  | `offset` | value | at least 0 | elements in front of the columns that are added |
+ *  | `stride` | value | at least width | |
+ *  | `stride` of `AddNRows_*` | value | at least offset + width | |
+ *  | `scaleFactor`, `start`, `factor` | value | any | |
  *
- *  **Sums of rows.** `AddAllRowSum`: sum[c] += x[r][c], row after row; the sum is not cleared. `AddNRows`: destination[c] = start +
- *  sum over i of source[(indices1[i] + indices2[i]) * stride + offset + c], in the order of i.
+ *  | Members | Statuses: first test | second | third |
+ *  |---|---|---|---|
+ *  | `NormalizeColumn`, `SubRow`, `AddAllRowSum` | null | height or width below 1 | stride below width (`_D2`) |
+ *  | `AddMulRow` | null | length below 1 | |
+ *  | `AddNRows` | null | indexCount, height or width below 1, offset below 0 (#qorStatusBadSize) | stride below offset + width |
  *
- *  **Scaled row** (`AddMulRow`). destination[i] += source[i] * factor.
+ *  `AddNRows`, last: a sum of two indices outside 0 to height - 1 (#qorStatusBadSize); all are tested before anything is written.
  *
- *  Statuses: null pointers; height or width below 1, or a length; stride below width (`_D2`). `AddNRows`: null pointers; number of
- *  indices, height or width below 1 or offset below 0 (#qorStatusBadSize); stride below offset + width; a sum of indices outside 0
- *  to height - 1 (#qorStatusBadSize), before anything is written.
- *  @{ */
+ *  @warning `AddAllRowSum` does not clear `sum`: start from zeros.
+ *
+ *  **Exact arithmetic**
+ *  - `NormalizeColumn_16s`: the exact 32-bit product is shifted, without rounding, by the scale factor: above 0 right by sf modulo
+ *    32, with copies of the sign; below 0 left by -sf modulo 32, where bits beyond 32 are lost (required); then saturated to 16
+ *    bits.
+ *  - `SubRow_16s` saturates.
+ *  - `AddAllRowSum` adds row after row; `AddNRows` takes the start value first, then the rows in the order of i.
+ *  - Nothing is allocated. @{ */
+/** (x - mean) * scale in every column, in place: float. @see @ref row_edits */
 QORSR_API QorStatus qorsNormalizeColumn_32f_D2(float* matrix, int32_t stride, int32_t height, const float* means,
                                                const float* scales, int32_t width);
+/** (x - mean) * scale in every column, in place: float, row pointers. @see @ref row_edits */
 QORSR_API QorStatus qorsNormalizeColumn_32f_D2L(float* const* rows, int32_t height, const float* means, const float* scales,
                                                 int32_t width);
+/** (x - mean) * scale in every column, in place: 16-bit, scaled. @see @ref row_edits */
 QORSR_API QorStatus qorsNormalizeColumn_16s_D2Sfs(int16_t* matrix, int32_t stride, int32_t height, const int16_t* means,
                                                   const int16_t* scales, int32_t width, int32_t scaleFactor);
+/** (x - mean) * scale in every column, in place: 16-bit, row pointers, scaled. @see @ref row_edits */
 QORSR_API QorStatus qorsNormalizeColumn_16s_D2LSfs(int16_t* const* rows, int32_t height, const int16_t* means,
                                                    const int16_t* scales, int32_t width, int32_t scaleFactor);
 
+/** A row is subtracted from every row, in place: 16-bit. @see @ref row_edits */
 QORSR_API QorStatus qorsSubRow_16s_D2(const int16_t* row, int32_t width, int16_t* matrix, int32_t stride, int32_t height);
+/** A row is subtracted from every row, in place: 16-bit, row pointers. @see @ref row_edits */
 QORSR_API QorStatus qorsSubRow_16s_D2L(const int16_t* row, int32_t width, int16_t* const* rows, int32_t height);
+/** A row is subtracted from every row, in place: float. @see @ref row_edits */
 QORSR_API QorStatus qorsSubRow_32f_D2(const float* row, int32_t width, float* matrix, int32_t stride, int32_t height);
+/** A row is subtracted from every row, in place: float, row pointers. @see @ref row_edits */
 QORSR_API QorStatus qorsSubRow_32f_D2L(const float* row, int32_t width, float* const* rows, int32_t height);
 
+/** Adds all rows to sum, which is read and written: float. @see @ref row_edits */
 QORSR_API QorStatus qorsAddAllRowSum_32f_D2(const float* source, int32_t stride, int32_t height, float* sum, int32_t width);
+/** Adds all rows to sum, which is read and written: float, row pointers. @see @ref row_edits */
 QORSR_API QorStatus qorsAddAllRowSum_32f_D2L(const float* const* rows, int32_t height, float* sum, int32_t width);
+/** Start value plus chosen rows of a matrix: float. @see @ref row_edits */
 QORSR_API QorStatus qorsAddNRows_32f_D2(const float* source, int32_t height, int32_t offset, int32_t stride,
                                         const int32_t* indices1, const uint16_t* indices2, int32_t indexCount, float* destination,
                                         int32_t width, float start);
+/** destination += source * factor, read and written: double. @see @ref row_edits */
 QORSR_API QorStatus qorsAddMulRow_64f(const double* source, double* destination, int32_t length, double factor);
 /** @} */
 
 /** @defgroup column_edits Columns copied and edited
- *  Matrices of height rows and width columns. Nothing is allocated.
+ *  Columns copied, chosen and edited, in matrices of height rows and width columns.
  *
- *  **Copies.** `CopyColumn`: destination[r][c] = source[r][c], from rows of width elements without a gap to rows with a stride.
- *  `CopyColumn_Indirect`: destination[r][k] = source[r][columns[k]] for k = 0 to columnCount - 1. `CopyWithPadding`: length
- *  elements, then zeros up to paddedLength.
+ *  - `CopyColumn`: destination[r][c] = source[r][c], from rows of width elements without a gap to rows with a stride.
+ *  - `CopyColumn_Indirect`: destination[r][k] = source[r][columns[k]] for k = 0 to columnCount - 1.
+ *  - `CopyWithPadding`: `length` elements, then zeros up to `paddedLength`.
+ *  - Single columns, for rows r from firstRow to height - 1: `AddMulColumn`: row[destinationColumn] += row[sourceColumn] * factor.
+ *    `MulColumn`: row[column] *= factor. `DotProdColumn`: result = sum of row[firstColumn] * row[secondColumn].
  *
- *  **Single columns**, for rows r from firstRow to height - 1. `AddMulColumn`: row[destinationColumn] += row[sourceColumn] *
- *  factor. `MulColumn`: row[column] *= factor. `DotProdColumn`: result = sum of row[firstColumn] * row[secondColumn], row
- *  firstRow + k going to running sum k mod 4, joined as (s0 + s2) + (s1 + s3).
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `source` of `CopyColumn_16s_D2`, `CopyColumn_32f_D2` | in | height x width | |
+ *  | `source` of `CopyColumn_Indirect_*_D2` | in | height x sourceWidth, sourceStride apart | |
+ *  | `source` of `CopyColumn_Indirect_*_D2L` | in | height x sourceWidth | row pointers |
+ *  | `source` of `CopyWithPadding_*` | in | length | |
+ *  | `destination` of `CopyColumn_16s_D2`, `CopyColumn_32f_D2` | out | height x width, destinationStride apart | |
+ *  | `destination` of `CopyColumn_Indirect_*_D2` | out | height x columnCount, destinationStride apart | |
+ *  | `destination` of `CopyColumn_Indirect_*_D2L` | out | height x columnCount | row pointers |
+ *  | `destination` of `CopyWithPadding_*` | out | paddedLength | |
+ *  | `columns` | in | columnCount; each 0 to sourceWidth - 1 | |
+ *  | `rows` | in, out | height x width | row pointers |
+ *  | `rows` of `DotProdColumn_*` | in | height x width | row pointers |
+ *  | `result` | out | 1 | |
+ *  | `height`, `width`, `length`, `sourceWidth`, `columnCount` | value | at least 1 | |
+ *  | `paddedLength` | value | at least length | |
+ *  | `sourceStride` | value | at least sourceWidth | |
+ *  | `destinationStride` | value | at least width | |
+ *  | `destinationStride` of `CopyColumn_Indirect_*` | value | at least columnCount | |
+ *  | `column`, `sourceColumn`, `destinationColumn`, `firstColumn`, `secondColumn` | value | 0 to width - 1 | |
+ *  | `firstRow` | value | 0 to height - 1 | |
+ *  | `factor` | value | any | |
  *
- *  Statuses. `CopyColumn`: null pointers; height or width below 1; stride below width. `CopyColumn_Indirect_D2`: null pointers;
- *  source width below 1; source stride below source width; columnCount below 1; destination stride below columnCount; height below
- *  1;
- *  `_D2L`: null pointers; source width, columnCount or height below 1. In both an entry of columns outside 0 to source width - 1
- *  gives #qorStatusBadSize while the first row is being copied: what stands in front of it there has been copied (required).
- *  `CopyWithPadding`: null pointers; length or paddedLength below 1, or paddedLength below length (#qorStatusBadSize). Single
- *  columns: null pointers; width or height below 1, a column outside 0 to width - 1 or firstRow outside 0 to height - 1
- *  (#qorStatusBadSize).
- *  @{ */
+ *  | Members | Statuses, in order |
+ *  |---|---|
+ *  | `CopyColumn` | null; height or width below 1; stride below width |
+ *  | `CopyColumn_Indirect_D2` | null; sourceWidth; sourceStride below it; columnCount; destinationStride below it; height |
+ *  | `CopyColumn_Indirect_D2L` | null; sourceWidth, columnCount or height below 1 |
+ *  | `CopyWithPadding` | null; length or paddedLength below 1, or paddedLength below length (#qorStatusBadSize) |
+ *  | single columns | null; width or height below 1, a column or firstRow out of range (#qorStatusBadSize) |
+ *
+ *  @warning `CopyColumn_Indirect` meets an entry of `columns` outside 0 to source width - 1 only while it copies the first row:
+ *  the status is #qorStatusBadSize, but what stands in front of that entry has been copied (required).
+ *
+ *  **Exact arithmetic**
+ *  - `DotProdColumn`: row firstRow + k goes to running sum k mod 4, joined as (s0 + s2) + (s1 + s3).
+ *  - Nothing is allocated. @{ */
+/** Copies dense rows to rows with a stride: 16-bit. @see @ref column_edits */
 QORSR_API QorStatus qorsCopyColumn_16s_D2(const int16_t* source, int32_t width, int16_t* destination, int32_t destinationStride,
                                           int32_t height);
+/** Copies dense rows to rows with a stride: float. @see @ref column_edits */
 QORSR_API QorStatus qorsCopyColumn_32f_D2(const float* source, int32_t width, float* destination, int32_t destinationStride,
                                           int32_t height);
 
+/** Copies columns that a list names: 16-bit. @see @ref column_edits */
 QORSR_API QorStatus qorsCopyColumn_Indirect_16s_D2(const int16_t* source, int32_t sourceWidth, int32_t sourceStride,
                                                    int16_t* destination, const int32_t* columns, int32_t columnCount,
                                                    int32_t destinationStride, int32_t height);
+/** Copies columns that a list names: 16-bit, row pointers. @see @ref column_edits */
 QORSR_API QorStatus qorsCopyColumn_Indirect_16s_D2L(const int16_t* const* source, int32_t sourceWidth, int16_t* const* destination,
                                                     const int32_t* columns, int32_t columnCount, int32_t height);
+/** Copies columns that a list names: float. @see @ref column_edits */
 QORSR_API QorStatus qorsCopyColumn_Indirect_32f_D2(const float* source, int32_t sourceWidth, int32_t sourceStride,
                                                    float* destination, const int32_t* columns, int32_t columnCount,
                                                    int32_t destinationStride, int32_t height);
+/** Copies columns that a list names: float, row pointers. @see @ref column_edits */
 QORSR_API QorStatus qorsCopyColumn_Indirect_32f_D2L(const float* const* source, int32_t sourceWidth, float* const* destination,
                                                     const int32_t* columns, int32_t columnCount, int32_t height);
+/** Copies columns that a list names: double. @see @ref column_edits */
 QORSR_API QorStatus qorsCopyColumn_Indirect_64f_D2(const double* source, int32_t sourceWidth, int32_t sourceStride,
                                                    double* destination, const int32_t* columns, int32_t columnCount,
                                                    int32_t destinationStride, int32_t height);
+/** Copies columns that a list names: double, row pointers. @see @ref column_edits */
 QORSR_API QorStatus qorsCopyColumn_Indirect_64f_D2L(const double* const* source, int32_t sourceWidth, double* const* destination,
                                                     const int32_t* columns, int32_t columnCount, int32_t height);
 
+/** Copies a vector and fills up with zeros: 16-bit. @see @ref column_edits */
 QORSR_API QorStatus qorsCopyWithPadding_16s(const int16_t* source, int32_t length, int16_t* destination, int32_t paddedLength);
+/** Copies a vector and fills up with zeros: float. @see @ref column_edits */
 QORSR_API QorStatus qorsCopyWithPadding_32f(const float* source, int32_t length, float* destination, int32_t paddedLength);
 
+/** Adds a multiple of a column to another one, in place: double, row pointers. @see @ref column_edits */
 QORSR_API QorStatus qorsAddMulColumn_64f_D2L(double* const* rows, int32_t width, int32_t height, int32_t sourceColumn,
                                              int32_t destinationColumn, int32_t firstRow, double factor);
+/** Multiplies a column by a factor, in place: double, row pointers. @see @ref column_edits */
 QORSR_API QorStatus qorsMulColumn_64f_D2L(double* const* rows, int32_t width, int32_t height, int32_t column, int32_t firstRow,
                                           double factor);
+/** Dot product of two columns: double, row pointers. @see @ref column_edits */
 QORSR_API QorStatus qorsDotProdColumn_64f_D2L(const double* const* rows, int32_t width, int32_t height, double* result,
                                               int32_t firstColumn, int32_t secondColumn, int32_t firstRow);
 /** @} */
 
 /** @defgroup products Products of a matrix and a vector
- *  A matrix of height rows and width columns. `MatVecMul`: result[r] = sum over c of x[r][c] v[c], a vector of width elements in,
- *  height results out. `VecMatMul`: result[c] = sum over r of v[r] x[r][c], a vector of height elements in, width results out. The
- *  stride belongs to the matrix. Nothing is allocated.
+ *  A matrix of height rows and width columns, times a vector.
  *
+ *  - `MatVecMul`: result[r] = sum over c of x[r][c] v[c], a vector of width elements in, height results out.
+ *  - `VecMatMul`: result[c] = sum over r of v[r] x[r][c], a vector of height elements in, width results out.
+ *
+ *  The stride belongs to the matrix. Integer results are the sum times 2^-sf: with a and b fraction bits in matrix and vector and
+ *  q in the result, sf = a + b - q.
+ *
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `matrix` | in | height x width, stride apart | |
+ *  | `rows` | in | height x width | row pointers |
+ *  | `vector` of `MatVecMul_*` | in | width | |
+ *  | `vector` of `VecMatMul_*` | in | height | |
+ *  | `result` of `MatVecMul_*` | out | height | |
+ *  | `result` of `VecMatMul_*` | out | width | |
+ *  | `height`, `width` | value | at least 1 | |
+ *  | `stride` | value | at least width | |
+ *  | `scaleFactor` | value | any | |
+ *
+ *  | Status, in order | When |
+ *  |---|---|
+ *  | #qorStatusNullPointer | a pointer is null |
+ *  | #qorStatusBadSize | height or width below 1 |
+ *  | #qorStatusBadStride | stride below width (`_D2`) |
+ *
+ *  **Exact arithmetic**
  *  - **`MatVecMul_32f`.** In float: groups of 16 elements in 16 lanes, joined by halves to four; groups of four in these; up to
  *    three last elements in lane 0; (l0 + l2) + (l1 + l3).
  *  - **`MatVecMul_16s`, `_16s32s`.** The sum is exact (64 bits). A scale factor above 0 shifts it right without rounding, toward
@@ -385,40 +559,54 @@ QORSR_API QorStatus qorsDotProdColumn_64f_D2L(const double* const* rows, int32_t
  *    even. That one of the two 16-bit families truncates and the other rounds is required.
  *  - **`_32s`.** Products and sums in double (`MatVecMul`: even and odd elements in two sums, joined at the end; `VecMatMul`: row
  *    after row), times 2^-sf, limited to 32 bits, rounded to nearest, ties to even.
- *
- *  Statuses: null pointers; height or width below 1; stride below width (`_D2`).
- *  @{ */
+ *  - Nothing is allocated. @{ */
+/** Matrix times vector, a result a row: float. @see @ref products */
 QORSR_API QorStatus qorsMatVecMul_32f_D2(const float* matrix, int32_t stride, const float* vector, int32_t width, float* result,
                                          int32_t height);
+/** Matrix times vector, a result a row: float, row pointers. @see @ref products */
 QORSR_API QorStatus qorsMatVecMul_32f_D2L(const float* const* rows, const float* vector, int32_t width, float* result,
                                           int32_t height);
+/** Matrix times vector, a result a row: 16-bit, scaled. @see @ref products */
 QORSR_API QorStatus qorsMatVecMul_16s_D2Sfs(const int16_t* matrix, int32_t stride, const int16_t* vector, int32_t width,
                                             int16_t* result, int32_t height, int32_t scaleFactor);
+/** Matrix times vector, a result a row: 16-bit, row pointers, scaled. @see @ref products */
 QORSR_API QorStatus qorsMatVecMul_16s_D2LSfs(const int16_t* const* rows, const int16_t* vector, int32_t width, int16_t* result,
                                              int32_t height, int32_t scaleFactor);
+/** Matrix times vector, a result a row: 16 to 32 bits, scaled. @see @ref products */
 QORSR_API QorStatus qorsMatVecMul_16s32s_D2Sfs(const int16_t* matrix, int32_t stride, const int16_t* vector, int32_t width,
                                                int32_t* result, int32_t height, int32_t scaleFactor);
+/** Matrix times vector, a result a row: 16 to 32 bits, row pointers, scaled. @see @ref products */
 QORSR_API QorStatus qorsMatVecMul_16s32s_D2LSfs(const int16_t* const* rows, const int16_t* vector, int32_t width, int32_t* result,
                                                 int32_t height, int32_t scaleFactor);
+/** Matrix times vector, a result a row: 32-bit, scaled. @see @ref products */
 QORSR_API QorStatus qorsMatVecMul_32s_D2Sfs(const int32_t* matrix, int32_t stride, const int32_t* vector, int32_t width,
                                             int32_t* result, int32_t height, int32_t scaleFactor);
+/** Matrix times vector, a result a row: 32-bit, row pointers, scaled. @see @ref products */
 QORSR_API QorStatus qorsMatVecMul_32s_D2LSfs(const int32_t* const* rows, const int32_t* vector, int32_t width, int32_t* result,
                                              int32_t height, int32_t scaleFactor);
 
+/** Vector times matrix, a result a column: float. @see @ref products */
 QORSR_API QorStatus qorsVecMatMul_32f_D2(const float* vector, const float* matrix, int32_t stride, int32_t height, float* result,
                                          int32_t width);
+/** Vector times matrix, a result a column: float, row pointers. @see @ref products */
 QORSR_API QorStatus qorsVecMatMul_32f_D2L(const float* vector, const float* const* rows, int32_t height, float* result,
                                           int32_t width);
+/** Vector times matrix, a result a column: 16-bit, scaled. @see @ref products */
 QORSR_API QorStatus qorsVecMatMul_16s_D2Sfs(const int16_t* vector, const int16_t* matrix, int32_t stride, int32_t height,
                                             int16_t* result, int32_t width, int32_t scaleFactor);
+/** Vector times matrix, a result a column: 16-bit, row pointers, scaled. @see @ref products */
 QORSR_API QorStatus qorsVecMatMul_16s_D2LSfs(const int16_t* vector, const int16_t* const* rows, int32_t height, int16_t* result,
                                              int32_t width, int32_t scaleFactor);
+/** Vector times matrix, a result a column: 16 to 32 bits, scaled. @see @ref products */
 QORSR_API QorStatus qorsVecMatMul_16s32s_D2Sfs(const int16_t* vector, const int16_t* matrix, int32_t stride, int32_t height,
                                                int32_t* result, int32_t width, int32_t scaleFactor);
+/** Vector times matrix, a result a column: 16 to 32 bits, row pointers, scaled. @see @ref products */
 QORSR_API QorStatus qorsVecMatMul_16s32s_D2LSfs(const int16_t* vector, const int16_t* const* rows, int32_t height, int32_t* result,
                                                 int32_t width, int32_t scaleFactor);
+/** Vector times matrix, a result a column: 32-bit, scaled. @see @ref products */
 QORSR_API QorStatus qorsVecMatMul_32s_D2Sfs(const int32_t* vector, const int32_t* matrix, int32_t stride, int32_t height,
                                             int32_t* result, int32_t width, int32_t scaleFactor);
+/** Vector times matrix, a result a column: 32-bit, row pointers, scaled. @see @ref products */
 QORSR_API QorStatus qorsVecMatMul_32s_D2LSfs(const int32_t* vector, const int32_t* const* rows, int32_t height, int32_t* result,
                                              int32_t width, int32_t scaleFactor);
 /** @} */
@@ -428,41 +616,61 @@ QORSR_API QorStatus qorsVecMatMul_32s_D2LSfs(const int32_t* vector, const int32_
 /** @defgroup log_arithmetic Log-domain arithmetic
  *  Addition, subtraction and sum of probabilities that are held as natural logarithms.
  *
- *  **Addition** (`LogAdd`). result[i] = log(exp(source[i]) + exp(result[i])) = hi + log(1 + exp(d)), hi the larger term, d = -|a -
- *  b|. No exponential and no logarithm is called: log(1 + exp(d)) is a polynomial on each of three ranges of d. Below a threshold
- *  the smaller term is dropped; then, and only then, a hi below the floor is raised to it.
+ *  - `LogAdd`: result[i] = log(exp(source[i]) + exp(result[i])).
+ *  - `LogSub`: result[i] = log(exp(source[i]) - exp(result[i])). Every result[i] must be below its source[i].
+ *  - `LogSum`: *result = log of the sum of exp(source[i]). The hint is accepted and not read.
  *
- *  |        | ranges of d end at | degree | smaller term dropped below  | floor: a hi below                  |
- *  |--------|--------------------|--------|-----------------------------|------------------------------------|
- *  | float  | 0, -2.55, -6.8     | 10     | -15.3196 (it adds 2.3e-7)   | -4500000 gives -4500000            |
- *  | double | 0, -3.5, -9        | 21     | -23.0259 (it adds 1.0e-10)  | -9000000000 gives -10000000000     |
+ *  Where one term of an addition is much smaller it is dropped; then, and only then, a larger term below the floor is raised to
+ *  it. In fixed point (`Sfs`) the real value is integer * 2^-scaleFactor.
  *
- *  The hint chooses the form: in float 0 and 2 evaluate the polynomial in double and round once (the accurate form), 1 evaluates it
- *  in float (the fast form); in double 0, 1 and 2 are alike. Required: any other hint does nothing and gives #qorStatusOk.
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `source` | in | length | logarithms |
+ *  | `result` | in, out | length | logarithms |
+ *  | `result` of `LogSum_*` | out | 1 | |
+ *  | `length` | value | at least 1 | |
+ *  | `hint` | value | any | #qorLogAddAccurate, #qorLogAddFast or 2 |
+ *  | `scaleFactor` | value | any | fraction bits |
  *
- *  Largest error, measured against log1p(exp(d)) in extended precision at 1000000 points of d from 0 to the threshold, hi = 0:
- *  float polynomials 4.6e-9 in themselves, 3.2e-8 with the one rounding to float (half a unit in the last place); the fast form
- *  1.5e-7; double 5.1e-15 (in `LogSum`, which evaluates even and odd powers apart, 3.8e-14). To these comes the rounding of hi + P.
+ *  **Error** of log(1 + exp(d)), d the smaller term minus the larger one, largest of 1000000 points of d from 0 to the drop
+ *  threshold; to these comes the rounding of the larger term plus that:
  *
- *  **Subtraction** (`LogSub`). result[i] = log(exp(a) - exp(b)) = a + log(1 - exp(b - a)), a = source[i], b = result[i], with the C
- *  library's exp and log in double. Every b must be below its a: where b - a is not negative, equal terms and NaN too, the call
- *  gives #qorStatusBadRange and writes nothing. With b - a below the drop threshold the result is a, raised to the floor; where 1 -
- *  exp(d) is at most 1.0057e-37 (double: 2.45e-308), it is the floor.
+ *  | | error | smaller term dropped below | floor: a larger term below |
+ *  |---|---|---|---|
+ *  | float, #qorLogAddAccurate | 3.2e-8 | d = -15.3196 (it adds 2.3e-7) | -4500000 gives -4500000 |
+ *  | float, #qorLogAddFast; `LogSum_32f` | 1.5e-7 | the same | the same |
+ *  | `LogAdd_64f` | 5.1e-15 | d = -23.0259 (it adds 1.0e-10) | -9000000000 gives -10000000000 |
+ *  | `LogSum_64f` | 3.8e-14 | the same | the same |
  *
- *  **Sum** (`LogSum`). *result = log of the sum of exp(source[i]), by the fast form in float. Four lanes (two in double) take every
- *  fourth (second) element when there are at least 8 (5) of them, lane i is added to lane i + 2 (i + 1) and so on, and what remains
- *  is added one by one from the left. One element is copied. The hint is accepted and not read.
+ *  | Status, in order | When |
+ *  |---|---|
+ *  | #qorStatusBadSize | length below 1 |
+ *  | #qorStatusNullPointer | a pointer is null |
+ *  | #qorStatusBadRange | `LogSub`: a result[i] that is not below its source[i], equal terms and NaN too; nothing is written |
  *
- *  **Fixed point** (`Sfs`): real value = integer * 2^-scaleFactor. `LogAdd` goes through float and truncates toward zero, with
- *  saturation; with an unknown hint the result still takes that road and may lose the bits that a float has no room for (required).
- *  `LogSum` of 2 to 6 elements runs in double and rounds to float after each step, a longer one in float in chunks of 128, what was
- *  summed so far standing in front of the next chunk; the result is truncated, with saturation. `LogSub` forms d in float, scaled,
- *  from differences of the integers (which wrap in 32 bits where they are tested), but adds log(1 - exp(d)) to the integer a as it
- *  stands, unscaled (required); the sum is limited to 32 bits and truncated, and a 16-bit result is the low half of that.
+ *  @warning Two equal infinities give a NaN: their difference is no number. Do not start a sum from minus infinity, but from a
+ *  finite log zero: -4500000 in float, -1e10 in double, the floors. Adding a real term to these gives that term. A NaN term gives
+ *  a NaN; in fixed point, where one can arise from an extreme scale factor, 0.
  *
- *  A NaN term gives a NaN, and so do two equal infinities; in fixed point, where one can arise from an extreme scale factor, 0.
+ *  @warning A hint other than 0, 1 and 2 does nothing and gives #qorStatusOk (required).
  *
- *  Statuses, in order: length below 1; null; #qorStatusBadRange (`LogSub`).
+ *  **Exact arithmetic**
+ *  - **Addition.** hi + P(d), hi the larger term, d = -|a - b|. No exponential and no logarithm is called: P is a polynomial on
+ *    each of three ranges of d, of degree 10 (float: ranges end at 0, -2.55, -6.8) or 21 (double: 0, -3.5, -9). Hints 0 and 2
+ *    evaluate the float polynomial in double and round once, 1 evaluates it in float; in double 0, 1 and 2 are alike. The float
+ *    polynomials themselves are within 4.6e-9.
+ *  - **Subtraction.** a + log(1 - exp(b - a)), a = source[i], b = result[i], with exp and log in double. With b -
+ *    a below the drop threshold the result is a, raised to the floor; where 1 - exp(d) is at most 1.0057e-37 (double: 2.45e-308),
+ *    it is the floor.
+ *  - **Sum.** In float by the fast form. Four lanes (two in double) take every fourth (second) element when there are at least 8
+ *    (5) of them, lane i is added to lane i + 2 (i + 1) and so on, and what remains is added one by one from the left. One element
+ *    is copied. The polynomial of the double sum evaluates even and odd powers apart.
+ *  - **Fixed point.** `LogAdd` goes through float and truncates toward zero, with saturation; with an unknown hint the result
+ *    still takes that road and may lose the bits that a float has no room for (required). `LogSum` of 2 to 6 elements runs in
+ *    double and rounds to float after each step, a longer one in float in chunks of 128, what was summed so far standing in front
+ *    of the next chunk; the result is truncated, with saturation. `LogSub` forms d in float, scaled, from differences of the
+ *    integers (which wrap in 32 bits where they are tested), but adds log(1 - exp(d)) to the integer a as it stands, unscaled
+ *    (required); the sum is limited to 32 bits and truncated, and a 16-bit result is the low half of that.
  *
  *  Source of the method: the log-sum rule of hidden Markov models, as in Rabiner, "A Tutorial on Hidden Markov Models and Selected
  *  Applications in Speech Recognition", Proceedings of the IEEE 77 (1989). @{ */
@@ -473,19 +681,31 @@ enum {
   qorLogAddFast = 1      /**< In float. */
 };
 
+/** result = log(exp(source) + exp(result)); result is read and written: float. @see @ref log_arithmetic */
 QORSR_API QorStatus qorsLogAdd_32f(const float* source, float* result, int32_t length, int32_t hint);
+/** result = log(exp(source) + exp(result)); result is read and written: double. @see @ref log_arithmetic */
 QORSR_API QorStatus qorsLogAdd_64f(const double* source, double* result, int32_t length, int32_t hint);
+/** result = log(exp(source) + exp(result)); result is read and written: 16-bit, scaled. @see @ref log_arithmetic */
 QORSR_API QorStatus qorsLogAdd_16s_Sfs(const int16_t* source, int16_t* result, int32_t length, int32_t scaleFactor, int32_t hint);
+/** result = log(exp(source) + exp(result)); result is read and written: 32-bit, scaled. @see @ref log_arithmetic */
 QORSR_API QorStatus qorsLogAdd_32s_Sfs(const int32_t* source, int32_t* result, int32_t length, int32_t scaleFactor, int32_t hint);
 
+/** result = log(exp(source) - exp(result)); result is read and written: float. @see @ref log_arithmetic */
 QORSR_API QorStatus qorsLogSub_32f(const float* source, float* result, int32_t length);
+/** result = log(exp(source) - exp(result)); result is read and written: double. @see @ref log_arithmetic */
 QORSR_API QorStatus qorsLogSub_64f(const double* source, double* result, int32_t length);
+/** result = log(exp(source) - exp(result)); result is read and written: 16-bit, scaled. @see @ref log_arithmetic */
 QORSR_API QorStatus qorsLogSub_16s_Sfs(const int16_t* source, int16_t* result, int32_t length, int32_t scaleFactor);
+/** result = log(exp(source) - exp(result)); result is read and written: 32-bit, scaled. @see @ref log_arithmetic */
 QORSR_API QorStatus qorsLogSub_32s_Sfs(const int32_t* source, int32_t* result, int32_t length, int32_t scaleFactor);
 
+/** Logarithm of the sum of exp(source): float. @see @ref log_arithmetic */
 QORSR_API QorStatus qorsLogSum_32f(const float* source, float* result, int32_t length, int32_t hint);
+/** Logarithm of the sum of exp(source): double. @see @ref log_arithmetic */
 QORSR_API QorStatus qorsLogSum_64f(const double* source, double* result, int32_t length, int32_t hint);
+/** Logarithm of the sum of exp(source): 16-bit, scaled. @see @ref log_arithmetic */
 QORSR_API QorStatus qorsLogSum_16s_Sfs(const int16_t* source, int16_t* result, int32_t length, int32_t scaleFactor, int32_t hint);
+/** Logarithm of the sum of exp(source): 32-bit, scaled. @see @ref log_arithmetic */
 QORSR_API QorStatus qorsLogSum_32s_Sfs(const int32_t* source, int32_t* result, int32_t length, int32_t scaleFactor, int32_t hint);
 /** @} */
 
@@ -493,29 +713,63 @@ QORSR_API QorStatus qorsLogSum_32s_Sfs(const int32_t* source, int32_t* result, i
  *  What a model goes through before it is scored with: the constant of each Gaussian, block-diagonal inverse covariances, and the
  *  scale of a decoder's language model.
  *
- *  **Normalisation** (`UpdateGConst`). For n inverse variances v: result = n log(2 pi) - sum of log v[i]; for n variances
- *  (`DirectVar`): n log(2 pi) + sum of log v[i]; log(2 pi) = 1.8378770664093. It is the logarithm of (2 pi)^n |Sigma|, so half of
- *  it, subtracted from a log weight, is the constant term of a diagonal Gaussian's log density. The sum of logarithms takes one
- *  logarithm for 512 elements: exponents are added, mantissas multiplied. In float both terms are rounded to float, then subtracted
- *  (added). The first element that has no logarithm decides: a zero of either sign gives plus infinity and #qorStatusLogZero, a
- *  negative element a quiet NaN (0xFFC00000 in float, 0xFFF8000000000000 in double) and #qorStatusLogNegative, a NaN a NaN and
- *  #qorStatusOk.
+ *  - `UpdateGConst`, n inverse variances v: result = n log(2 pi) - sum of log v[i]; `DirectVar`, n variances v: n log(2 pi) + sum
+ *    of log v[i]. It is the logarithm of (2 pi)^n |Sigma|, so half of it, subtracted from a log weight, is the constant term of a
+ *    diagonal Gaussian's log density.
+ *  - `OutProbPreCalc`: result[i] = weights[i] - gconsts[i] / 2, that constant; `_I` members overwrite the gconsts. It is the `val`
+ *    of the scorers (@ref gaussian_single).
+ *  - `BlockDMatrix`: a record of a block-diagonal inverse covariance, for the `BlockDVar` scorers.
+ *  - `ScaleLM`: result[i] = max(source[i], floor) * scale + offset, in that order.
  *
- *  **Constants of Gaussians** (`OutProbPreCalc`). result[i] = weights[i] - gconsts[i] / 2; `_I` members overwrite the gconsts. In
- *  `32s`, which wraps, required: elements in groups of four from the first on, and with all pointers 16-byte aligned a pair behind
- *  them, halve rounding down (3 gives 1); what is left halves as (gconst + 1) >> 1 (3 gives 2).
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `inverseVariances`, `variances` | in | length | |
+ *  | `result` of `UpdateGConst_*` | out | 1 | |
+ *  | `weights` | in | length | logarithms of weights |
+ *  | `gconsts` | in | length | |
+ *  | `gconsts` of `OutProbPreCalc_*_I` | in, out | length | the constants of the density, afterwards |
+ *  | `source` | in | length | scores of a language model |
+ *  | `result` | out | length | |
+ *  | `length` | value | at least 1 | |
+ *  | `floor`, `scale`, `offset` | value | any | |
+ *  | `record` | makes | | |
+ *  | `record` of `BlockDMatrixFree_*` | frees | | |
+ *  | `rows` | in | size x size for size in blockSizes | |
+ *  | `dimension` of `BlockDMatrixInitAlloc_*` | is | sum(blockSizes) | T |
+ *  | `blockSizes` | in | blockCount; each at least 1 | |
+ *  | `blockCount` | value | at least 1 | |
  *
- *  **Block-diagonal inverse covariances** (`BlockDMatrix`). `rows` holds one pointer for each of the T = sum of blockSizes rows, in
- *  order of the blocks; a row has the width of its block. The record copies all of it, in one allocation; once made it is only
- *  read, by any number of scorers at a time. Block count and T are kept in 16 bits; larger ones are not refused, but wrap, and a
- *  scorer then takes only the blocks that lie within its length. `Free` releases it; the three `Free` functions are one.
+ *  **Block-diagonal records.** `rows` holds one pointer for each of the T = sum of blockSizes rows, in order of the blocks; a row
+ *  has the width of its block. The record copies all of it, in one allocation; once made it is only read, by any number of scorers
+ *  at a time. The three `Free` functions are one.
  *
- *  **Language model scores** (`ScaleLM`). result[i] = max(source[i], floor) * scale + offset, in that order. In float a source that
- *  is not above the floor, a NaN too, gives the floor. In `16s32s` the product is exact and the offset is added in 32 bits with
- *  wrap.
+ *  | Status, in order | When |
+ *  |---|---|
+ *  | #qorStatusNullPointer | a pointer is null |
+ *  | #qorStatusBadSize | length below 1; blockCount, then any block size, below 1 |
+ *  | #qorStatusNoMemory | `InitAlloc`; the caller's pointer stays as it was |
+ *  | #qorStatusLogZero | `UpdateGConst`, a warning: an element is zero, of either sign; the result is plus infinity |
+ *  | #qorStatusLogNegative | `UpdateGConst`, a warning: an element is negative; the result is a quiet NaN |
  *
- *  Statuses, in order: null; length (block count, then any block size) below 1; #qorStatusNoMemory (`InitAlloc`, which then leaves
- *  the caller's pointer as it was); then the warnings above.
+ *  The first element that has no logarithm decides; a NaN gives a NaN and #qorStatusOk.
+ *
+ *  @warning Scorers multiply by inverse variances: qorsUpdateGConst_32f() and qorsUpdateGConst_64f() take these too, the
+ *  `DirectVar` members the variances. The `det` of @ref gaussian_operations is another number.
+ *
+ *  @warning Block count and T are kept in 16 bits; larger ones are not refused, but wrap, and a scorer then takes only the blocks
+ *  that lie within its length.
+ *
+ *  @warning The 32-bit `OutProbPreCalc` halves odd gconsts differently by their place and, for a last pair, by the alignment of
+ *  the vectors.
+ *
+ *  **Exact arithmetic**
+ *  - log(2 pi) = 1.8378770664093. The sum of logarithms takes one logarithm for 512 elements: exponents are added, mantissas
+ *    multiplied. In float both terms are rounded to float, then subtracted (added). The NaN of a negative element is 0xFFC00000 in
+ *    float, 0xFFF8000000000000 in double.
+ *  - `OutProbPreCalc_32s` wraps. required: elements in groups of four from the first on, and with all pointers 16-byte aligned a
+ *    pair behind them, halve rounding down (3 gives 1); what is left halves as (gconst + 1) >> 1 (3 gives 2).
+ *  - `ScaleLM`: in float a source that is not above the floor, a NaN too, gives the floor. In `16s32s` the product is exact and
+ *    the offset is added in 32 bits with wrap.
  *
  *  Source of the method: multivariate normal density with diagonal or block-diagonal covariance, as in Rabiner and Juang,
  *  "Fundamentals of Speech Recognition" (1993). @{ */
@@ -527,43 +781,60 @@ typedef struct BlockDMatrix_32f BlockDMatrix_32f;
 /** Block-diagonal inverse covariance, double elements. */
 typedef struct BlockDMatrix_64f BlockDMatrix_64f;
 
+/** log((2 pi)^n |Sigma|) of a diagonal Gaussian from its inverse variances: float. @see @ref model_preparation */
 QORSR_API QorStatus qorsUpdateGConst_32f(const float* inverseVariances, int32_t length, float* result);
+/** log((2 pi)^n |Sigma|) of a diagonal Gaussian from its inverse variances: double. @see @ref model_preparation */
 QORSR_API QorStatus qorsUpdateGConst_64f(const double* inverseVariances, int32_t length, double* result);
+/** log((2 pi)^n |Sigma|) of a diagonal Gaussian from its variances: float. @see @ref model_preparation */
 QORSR_API QorStatus qorsUpdateGConst_DirectVar_32f(const float* variances, int32_t length, float* result);
+/** log((2 pi)^n |Sigma|) of a diagonal Gaussian from its variances: double. @see @ref model_preparation */
 QORSR_API QorStatus qorsUpdateGConst_DirectVar_64f(const double* variances, int32_t length, double* result);
 
+/** result = weights - gconsts / 2: constants of Gaussians, float. @see @ref model_preparation */
 QORSR_API QorStatus qorsOutProbPreCalc_32f(const float* weights, const float* gconsts, float* result, int32_t length);
+/** result = weights - gconsts / 2: constants of Gaussians, 32-bit. @see @ref model_preparation */
 QORSR_API QorStatus qorsOutProbPreCalc_32s(const int32_t* weights, const int32_t* gconsts, int32_t* result, int32_t length);
+/** result = weights - gconsts / 2: constants of Gaussians, double. @see @ref model_preparation */
 QORSR_API QorStatus qorsOutProbPreCalc_64f(const double* weights, const double* gconsts, double* result, int32_t length);
+/** gconsts = weights - gconsts / 2, in place: constants of Gaussians, float. @see @ref model_preparation */
 QORSR_API QorStatus qorsOutProbPreCalc_32f_I(const float* weights, float* gconsts, int32_t length);
+/** gconsts = weights - gconsts / 2, in place: constants of Gaussians, 32-bit. @see @ref model_preparation */
 QORSR_API QorStatus qorsOutProbPreCalc_32s_I(const int32_t* weights, int32_t* gconsts, int32_t length);
+/** gconsts = weights - gconsts / 2, in place: constants of Gaussians, double. @see @ref model_preparation */
 QORSR_API QorStatus qorsOutProbPreCalc_64f_I(const double* weights, double* gconsts, int32_t length);
 
+/** Makes a block-diagonal inverse covariance: 16-bit elements. @see @ref model_preparation */
 QORSR_API QorStatus qorsBlockDMatrixInitAlloc_16s(BlockDMatrix_16s** record, const int16_t* const* rows, const int32_t* blockSizes,
                                                   int32_t blockCount);
+/** Makes a block-diagonal inverse covariance: float elements. @see @ref model_preparation */
 QORSR_API QorStatus qorsBlockDMatrixInitAlloc_32f(BlockDMatrix_32f** record, const float* const* rows, const int32_t* blockSizes,
                                                   int32_t blockCount);
+/** Makes a block-diagonal inverse covariance: double elements. @see @ref model_preparation */
 QORSR_API QorStatus qorsBlockDMatrixInitAlloc_64f(BlockDMatrix_64f** record, const double* const* rows, const int32_t* blockSizes,
                                                   int32_t blockCount);
+/** Releases a block-diagonal inverse covariance: 16-bit elements. @see @ref model_preparation */
 QORSR_API QorStatus qorsBlockDMatrixFree_16s(BlockDMatrix_16s* record);
+/** Releases a block-diagonal inverse covariance: float elements. @see @ref model_preparation */
 QORSR_API QorStatus qorsBlockDMatrixFree_32f(BlockDMatrix_32f* record);
+/** Releases a block-diagonal inverse covariance: double elements. @see @ref model_preparation */
 QORSR_API QorStatus qorsBlockDMatrixFree_64f(BlockDMatrix_64f* record);
 
+/** Scores of a language model: max(source, floor) * scale + offset, float. @see @ref model_preparation */
 QORSR_API QorStatus qorsScaleLM_32f(const float* source, float* result, int32_t length, float floor, float scale, float offset);
+/** Scores of a language model: max(source, floor) * scale + offset, 16 to 32 bits. @see @ref model_preparation */
 QORSR_API QorStatus qorsScaleLM_16s32s(const int16_t* source, int32_t* result, int32_t length, int16_t floor, int16_t scale,
                                        int32_t offset);
 /** @} */
 
 /** @defgroup gaussian_selection Gaussian selection
- *  Bit tables that say which Gaussians of a large model are worth scoring for a frame; the `Select` scorers take them as their
- *  mask.
+ *  Bit tables that say which Gaussians of a large model are worth scoring for a frame; the `Select` scorers of @ref
+ *  gaussian_mixture take them as their mask.
  *
  *  A table has one bit a Gaussian: position p of a row is the bit 128 >> (p % 8) of byte p / 8, so the most significant bit of a
  *  byte is the lowest position. Rows are row pointers, `stride` bytes long. `shift` is a bit offset: position 0 of a list is bit
  *  `shift` of a row, so that several calls fill fields of one wide row.
  *
- *  **Short lists** (`FillShortlist`) toggle bits; start from a table of zeros. Required: an index that stands twice in a group
- *  clears its bit again.
+ *  **Short lists** (`FillShortlist`) toggle bits:
  *  - `Row`: the indices are `height` groups of `count`; an index i of group r toggles bit shift + i of row r, 0 <= i < width.
  *  - `RowVar`: the same, group r having counts[r] indices.
  *  - `Column`: the indices are `width` groups of `count`; an index i of group c toggles bit shift + c of row i, 0 <= i < height.
@@ -573,37 +844,71 @@ QORSR_API QorStatus qorsScaleLM_16s32s(const int16_t* source, int32_t* result, i
  *  first.
  *  - qorsBuildSignTable_8u1u(): bit b of result row r is the OR of the bits shift + b of the source rows that the `count` indices
  *    of group r name.
- *  - qorsBuildSignTable_Var_8u1u(), required: result row r looks at the first counts[r] indices of the whole list (not at a group
- *    of its own); if any of them names a source row with a bit set among shift to shift + resultBits - 1, the top bit of the first
- *    byte of result row r is set, and no other bit ever is.
+ *  - qorsBuildSignTable_Var_8u1u(): see the warning.
  *
- *  Statuses, in order: null; any size, count or stride below 1, or shift below 0 (#qorStatusBadSize); in `RowVar` and `ColumnVar`
- *  an entry of counts below 1 (#qorStatusBadSize); a stride that does not hold shift + width (shift + resultBits) bits
- *  (#qorStatusBadStride); in `BuildSignTable_Var` an entry of counts below 1; an index out of range (#qorStatusBadArgument), for
- *  which all indices are tested before anything is written.
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `indices` of `FillShortlist_Row_*` | in | height * count; each 0 to width - 1 | |
+ *  | `indices` of `FillShortlist_RowVar_*` | in | sum(counts); each 0 to width - 1 | |
+ *  | `indices` of `FillShortlist_Column_*` | in | width * count; each 0 to height - 1 | |
+ *  | `indices` of `FillShortlist_ColumnVar_*` | in | sum(counts); each 0 to height - 1 | |
+ *  | `indices` of `BuildSignTable_8u1u` | in | resultRows * count; each 0 to sourceHeight - 1 | |
+ *  | `indices` of `BuildSignTable_Var_*` | in | sum(counts); each 0 to sourceHeight - 1 | |
+ *  | `counts` of `FillShortlist_RowVar_*` | in | height; each at least 1 | |
+ *  | `counts` of `FillShortlist_ColumnVar_*` | in | width; each at least 1 | |
+ *  | `counts` of `BuildSignTable_Var_*` | in | resultRows; each at least 1 | |
+ *  | `table` | in, out | height x ceil((shift + width) / 8) | row pointers, bytes |
+ *  | `source` | in | sourceHeight x ceil((shift + resultBits) / 8) | row pointers, bytes |
+ *  | `result` | out | resultRows * ceil(resultBits / 8) | bytes |
+ *  | `width`, `height`, `count` | value | at least 1 | |
+ *  | `sourceHeight`, `resultRows`, `resultBits` | value | at least 1 | |
+ *  | `shift` | value | at least 0 | bits |
+ *  | `stride` | value | at least ceil((shift + width) / 8) | bytes |
+ *  | `sourceStride` | value | at least ceil((shift + resultBits) / 8) | bytes |
+ *
+ *  | Status, in order | When |
+ *  |---|---|
+ *  | #qorStatusNullPointer | a pointer is null |
+ *  | #qorStatusBadSize | a size, count or stride below 1, shift below 0; `RowVar`, `ColumnVar`: an entry of counts below 1 |
+ *  | #qorStatusBadStride | a stride that does not hold shift + width (shift + resultBits) bits |
+ *  | #qorStatusBadSize | `BuildSignTable_Var`: an entry of counts below 1 |
+ *  | #qorStatusBadArgument | an index out of range; all are tested before anything is written |
+ *
+ *  @warning Short lists toggle: start from a table of zeros. An index that stands twice in a group clears its bit again
+ *  (required).
+ *
+ *  @warning qorsBuildSignTable_Var_8u1u(), required: result row r looks at the first counts[r] indices of the whole list (not at a
+ *  group of its own); if any of them names a source row with a bit set among shift to shift + resultBits - 1, the top bit of the
+ *  first byte of result row r is set, and no other bit ever is.
  *
  *  Source of the method: Gaussian selection by short lists, Bocchieri, "Vector quantization for the efficient computation of
  *  continuous density likelihoods", ICASSP 1993. @{ */
 
+/** Toggles, in each row, the bits that a list of fixed length names. @see @ref gaussian_selection */
 QORSR_API QorStatus qorsFillShortlist_Row_1u(const int32_t* indices, int32_t width, int32_t count, uint8_t* const* table,
                                              int32_t height, int32_t stride, int32_t shift);
+/** Toggles, in each row, the bits that a list of its own length names. @see @ref gaussian_selection */
 QORSR_API QorStatus qorsFillShortlist_RowVar_1u(const int32_t* indices, const int32_t* counts, int32_t width, uint8_t* const* table,
                                                 int32_t height, int32_t stride, int32_t shift);
+/** For each column, toggles a bit in the rows that a list of fixed length names. @see @ref gaussian_selection */
 QORSR_API QorStatus qorsFillShortlist_Column_1u(const int32_t* indices, int32_t count, uint8_t* const* table, int32_t height,
                                                 int32_t stride, int32_t shift, int32_t width);
+/** For each column, toggles a bit in the rows that a list of its own length names. @see @ref gaussian_selection */
 QORSR_API QorStatus qorsFillShortlist_ColumnVar_1u(const int32_t* indices, const int32_t* counts, uint8_t* const* table,
                                                    int32_t height, int32_t stride, int32_t shift, int32_t width);
+/** Each row of the result is the OR of the rows that its group of indices names. @see @ref gaussian_selection */
 QORSR_API QorStatus qorsBuildSignTable_8u1u(const int32_t* indices, int32_t count, const uint8_t* const* source,
                                             int32_t sourceHeight, int32_t sourceStride, int32_t shift, uint8_t* result,
                                             int32_t resultRows, int32_t resultBits);
+/** The first bit of a row of the result: whether the rows named have any bit. @see @ref gaussian_selection */
 QORSR_API QorStatus qorsBuildSignTable_Var_8u1u(const int32_t* indices, const int32_t* counts, const uint8_t* const* source,
                                                 int32_t sourceHeight, int32_t sourceStride, int32_t shift, uint8_t* result,
                                                 int32_t resultRows, int32_t resultBits);
 /** @} */
 
 /** @defgroup gaussian_single Gaussian scores: one frame
- *  One feature vector x against one Gaussian with mean m: the log likelihood (`LogGaussSingle`) or the Mahalanobis distance
- *  (`MahDistSingle`). All scorers share the variance forms and the arithmetic that stand here.
+ *  One feature vector x against one Gaussian with mean m: the log likelihood (`LogGaussSingle`), val - Q / 2, or the squared
+ *  Mahalanobis distance (`MahDistSingle`), Q. What stands here of variances, scales and sums holds for all scorers.
  *
  *  **Quadratic term** Q, by the variance word of a name:
  *  - none: sum over c of (x[c] - m[c])^2 * v[c], v holds inverse variances;
@@ -611,378 +916,595 @@ QORSR_API QorStatus qorsBuildSignTable_Var_8u1u(const int32_t* indices, const in
  *  - `DirectVar`: sum of (x[c] - m[c])^2 / v[c], v holds variances;
  *  - `BlockDVar`: d^T A d with d = x - m and A a block-diagonal inverse covariance (qorsBlockDMatrixInitAlloc_32f()).
  *
- *  The score is val - Q / 2, the distance Q. val is the constant of the Gaussian: log weight minus half of what
- *  qorsUpdateGConst_32f() gives (qorsOutProbPreCalc_32f()). The difference is formed before it is squared, so a constant offset of
- *  all features costs no precision.
+ *  val is the constant of the Gaussian: log weight minus half of what qorsUpdateGConst_32f() gives (qorsOutProbPreCalc_32f()).
  *
- *  **Float and double.** Float: (val + val - Q) * 0.5, so val + val may overflow; double: val - Q * 0.5; `32f64f`: float data, all
- *  arithmetic in double. Elements are summed in 16 lanes (doubles: 8), joined by halves, the same in every scorer, layout and
- *  alignment. `DirectVar_32f` and the 16-bit `DirectVar` members form the reciprocals of the variances in float first; the double
- *  ones divide term by term. `BlockDVar` sums in 8 lanes (doubles: 4); the last step of `BlockDVar_32f` is in double, rounded once.
+ *  | Words | x, mean, variance | val, result | sums of Q |
+ *  |---|---|---|---|
+ *  | `32f` | float | float | float |
+ *  | `64f` | double | double | double |
+ *  | `32f64f` | float | double | double |
+ *  | `16s32s` | 16-bit | 32-bit | float |
+ *  | `Scaled_16s32f` | 16-bit | float | float |
+ *  | `Low_16s32s` | 16-bit | 32-bit | 32-bit integers, which wrap |
+ *  | `LowScaled_16s32f` | 16-bit | float | 32-bit integers, which wrap |
+ *  | `MahDistSingle_16s32f` | 16-bit | float | float |
  *
- *  **16 bits.** Features, means and inverse variances are fixed-point numbers whose scale is the caller's; sf is the one scale
- *  factor: the score is val - Q * 2^-(sf + 1). val is never scaled. Four arithmetics:
- *  - `16s32s` and `Scaled_16s32f`: for each group of eight elements d = x - m is saturated to 16 bits, d^2 * v is formed in float,
- *    the eight are added as ((p0 + p4) + (p2 + p6)) + ((p1 + p5) + (p3 + p7)), and that joins one float total. The last zero to
- *    seven elements follow one at a time, without saturation (required). `16s32s`: Q / 2^(sf + 1) exactly, then float(val) minus
- *    that, limited to -2^31 ... 2^31 and rounded in the caller's rounding mode. `Scaled`: in float, with the power of two limited
- *    to 2^128 (infinity) above and 0 below 2^-149.
- *  - `Low_16s32s` and `LowScaled_16s32f`: 32-bit integers that wrap. d is saturated throughout; d^2 = 65536 u + w; H = -sum of u v
- *    and L = -sum of (w / 2) v run in four lanes of neighbouring pairs over all groups of eight; each lane then gives H * 2^(15 -
- *    sf) + L / 2^sf by shifts, and each pair of the remainder, or a last odd element, gives its own. The lanes and val are added
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `x`, `mean`, `variance` | in | length | variances inverted, but with `DirectVar` |
+ *  | `covariance` | in | | made of blocks whose sizes add up to length |
+ *  | `result` | out | 1 | |
+ *  | `length` | value | at least 1 | |
+ *  | `length` of `*_BlockDVar*` | value | covariance.dimension | |
+ *  | `val` | value | any | not scaled |
+ *  | `scaleFactor` | value | any | |
+ *
+ *  **Scale of 16-bit data.** The score is val - Q * 2^-(sf + 1), Q taken of the integers. With f fraction bits in features and
+ *  means, g in the inverse variances and q in val and score,
+ *
+ *      sf = 2 f + g - q                                                  q = 0 for float results
+ *
+ *  `IdVar` has g = 0; `DirectVar`, whose variances have g fraction bits, sf = 2 f - g - q. val is never scaled.
+ *
+ *  **Error** of Q, relative to Q, the largest of random vectors of 1 to 100 elements (`BlockDVar`: relative to the sum of the
+ *  magnitudes of the terms); to these comes the rounding of val - Q / 2:
+ *
+ *  | | inverse variances | `IdVar` | `DirectVar` | `BlockDVar` |
+ *  |---|---|---|---|---|
+ *  | `32f` | 2.2e-7 | 1.7e-7 | 2.5e-7 | 9e-8 |
+ *  | `64f` | 4.0e-16 | 3.7e-16 | 4.0e-16 | 1.2e-16 |
+ *  | `32f64f` | 3.5e-16 | | | |
+ *  | `16s32s`, `Scaled_16s32f` | 2.8e-7 | | | |
+ *
+ *  A `Low` score, where nothing wraps, lies above the exact one by v * 2^-(sf + 1) for each odd difference, and less than 8 below.
+ *
+ *  | Status, in order | When |
+ *  |---|---|
+ *  | #qorStatusNullPointer | x, mean, variance or covariance, or result is null |
+ *  | #qorStatusBadSize | length below 1; `BlockDVar`: length is not the dimension of the covariance |
+ *  | #qorStatusNoMemory | scratch is needed (`DirectVar` with reciprocals; `BlockDVar` from length 112 on) |
+ *  | #qorStatusDivideByZero | `DirectVar`, a warning: a variance is zero, of either sign |
+ *
+ *  With a variance of zero the result follows by IEEE rules, but it is not written by `DirectVar_32f64f`; `DirectVar_64f` gives
+ *  the IEEE result and #qorStatusOk.
+ *
+ *  @warning `Low` members stop scaling at 15: with sf above 15 the low words of the squares are still shifted by 15 only
+ *  (required), so scores are too low. Choose f, g and q so that sf lies between 0 and 15.
+ *
+ *  @warning The sums of `Low` members wrap at 32 bits. They do not where no inverse variance exceeds 32767 / (length / 8), the
+ *  inner quotient rounded down (at 39 features: 8191), and the score itself fits.
+ *
+ *  @warning A score of 2^31 or above becomes the most negative integer (required) wherever a scorer limits or truncates.
+ *
+ *  @warning qorsMahDistSingle_16s32s_Sfs() heeds its scale factor only where x, mean and variance are not all 16-byte aligned
+ *  (required).
+ *
+ *  **Exact arithmetic**
+ *  - The difference is formed before it is squared, so a constant offset of all features costs no precision.
+ *  - **Float and double.** Float: (val + val - Q) * 0.5, so val + val may overflow; double: val - Q * 0.5; `32f64f`: float data,
+ *    all arithmetic in double. Elements are summed in 16 lanes (doubles: 8), joined by halves, the same in every scorer, layout
+ *    and alignment. `DirectVar_32f` and the 16-bit `DirectVar` members form the reciprocals of the variances in float first; the
+ *    double ones divide term by term. `BlockDVar` sums in 8 lanes (doubles: 4); the last step of `BlockDVar_32f` is in double,
+ *    rounded once.
+ *  - **`16s32s`, `Scaled_16s32f`.** For each group of eight elements d = x - m is saturated to 16 bits, d^2 * v is formed in
+ *    float, the eight are added as ((p0 + p4) + (p2 + p6)) + ((p1 + p5) + (p3 + p7)), and that joins one float total. The last
+ *    zero to seven elements follow one at a time, without saturation (required). `16s32s`: Q / 2^(sf + 1) exactly, then float(val)
+ *    minus that, limited to -2^31 ... 2^31 and rounded in the caller's rounding mode. `Scaled`: in float, with the power of two
+ *    limited to 2^128 (infinity) above and 0 below 2^-149.
+ *  - **`Low_16s32s`, `LowScaled_16s32f`.** 32-bit integers that wrap. d is saturated throughout; d^2 = 65536 u + w; H = -sum of u
+ *    v and L = -sum of (w / 2) v run in four lanes of neighbouring pairs over all groups of eight; each lane then gives H * 2^(15
+ *    - sf) + L / 2^sf by shifts, and each pair of the remainder, or a last odd element, gives its own. The lanes and val are added
  *    (`LowScaled`: as floats). With sf above 15, H is shifted right by sf - 15 and L by 15 (required). A negative sf takes the
  *    float sums instead, truncated toward zero in `Low` (out of range: the most negative value).
- *  - `IdVarLow_16s32s`: the same with v = 1; a negative sf shifts left. The last odd element is a plain difference, not saturated.
- *  - `IdVarLowScaled_16s32f`: squares of neighbouring elements are added as 32-bit integers that wrap, converted to float and
+ *  - **`IdVarLow_16s32s`.** The same with v = 1; a negative sf shifts left. The last odd element is a plain difference, not
+ *    saturated.
+ *  - **`IdVarLowScaled_16s32f`.** Squares of neighbouring elements are added as 32-bit integers that wrap, converted to float and
  *    summed in four lanes; a last odd element is a plain difference whose 32-bit square wraps.
- *
- *  A score of 2^31 or above, once converted, becomes the most negative integer (required) wherever a scorer limits or truncates;
- *  `BlockDVar_16s32s` saturates instead above 2^31, and truncates. `DirectVar_16s32s` rounds Q / 2^(sf + 1) to nearest, saturates
- *  it, and saturates the difference.
- *
- *  **16-bit distances.** `16s32f`: Q in the float arithmetic above. qorsMahDistSingle_16s32s_Sfs() has two roads (required): with
- *  all three vectors 16-byte aligned that float Q, limited and rounded, and the scale factor has no effect; else the exact sum in
- *  64-bit integers, shifted right by sf (left for a negative sf), saturated.
- *
- *  Shapes. x, mean, variance: `length` elements. result: one element.
- *
- *  Statuses, in order: null pointers (x, mean, variance or covariance, result); length below 1; `BlockDVar`: #qorStatusBadSize if
- *  the length is not the dimension of the covariance; #qorStatusNoMemory where scratch is needed (`DirectVar` with reciprocals;
- *  `BlockDVar` from length 112 on). #qorStatusDivideByZero for a variance of zero, of either sign: the result follows by IEEE
- *  rules, but it is not written by `DirectVar_32f64f`; `DirectVar_64f` gives the IEEE result and #qorStatusOk.
+ *  - **`BlockDVar_16s32s`** truncates, and saturates above 2^31. **`DirectVar_16s32s`** rounds Q / 2^(sf + 1) to nearest,
+ *    saturates it, and saturates the difference.
+ *  - **16-bit distances.** `16s32f`: Q in the float arithmetic above. qorsMahDistSingle_16s32s_Sfs() has two roads (required):
+ *    with all three vectors 16-byte aligned that float Q, limited and rounded, and the scale factor has no effect; else the exact
+ *    sum in 64-bit integers, shifted right by sf (left for a negative sf), saturated.
  *
  *  Source of the method: the log of a multivariate normal density; Rabiner and Juang, "Fundamentals of Speech Recognition" (1993),
  *  section 6.6. P. C. Mahalanobis, "On the generalised distance in statistics" (1936). @{ */
 
+/** Log likelihood of one frame: float, inverse variances. @see @ref gaussian_single */
 QORSR_API QorStatus qorsLogGaussSingle_32f(const float* x, const float* mean, const float* variance, int32_t length, float* result,
                                            float val);
+/** Log likelihood of one frame: double, inverse variances. @see @ref gaussian_single */
 QORSR_API QorStatus qorsLogGaussSingle_64f(const double* x, const double* mean, const double* variance, int32_t length,
                                            double* result, double val);
+/** Log likelihood of one frame: float data, in double, inverse variances. @see @ref gaussian_single */
 QORSR_API QorStatus qorsLogGaussSingle_32f64f(const float* x, const float* mean, const float* variance, int32_t length,
                                               double* result, double val);
+/** Log likelihood of one frame: float, identity variance. @see @ref gaussian_single */
 QORSR_API QorStatus qorsLogGaussSingle_IdVar_32f(const float* x, const float* mean, int32_t length, float* result, float val);
+/** Log likelihood of one frame: double, identity variance. @see @ref gaussian_single */
 QORSR_API QorStatus qorsLogGaussSingle_IdVar_64f(const double* x, const double* mean, int32_t length, double* result, double val);
+/** Log likelihood of one frame: float data, in double, identity variance. @see @ref gaussian_single */
 QORSR_API QorStatus qorsLogGaussSingle_IdVar_32f64f(const float* x, const float* mean, int32_t length, double* result, double val);
+/** Log likelihood of one frame: float, variances. @see @ref gaussian_single */
 QORSR_API QorStatus qorsLogGaussSingle_DirectVar_32f(const float* x, const float* mean, const float* variance, int32_t length,
                                                      float* result, float val);
+/** Log likelihood of one frame: double, variances. @see @ref gaussian_single */
 QORSR_API QorStatus qorsLogGaussSingle_DirectVar_64f(const double* x, const double* mean, const double* variance, int32_t length,
                                                      double* result, double val);
+/** Log likelihood of one frame: float data, in double, variances. @see @ref gaussian_single */
 QORSR_API QorStatus qorsLogGaussSingle_DirectVar_32f64f(const float* x, const float* mean, const float* variance, int32_t length,
                                                         double* result, double val);
+/** Log likelihood of one frame: float, block-diagonal inverse covariance. @see @ref gaussian_single */
 QORSR_API QorStatus qorsLogGaussSingle_BlockDVar_32f(const float* x, const float* mean, const BlockDMatrix_32f* covariance,
                                                      int32_t length, float* result, float val);
+/** Log likelihood of one frame: double, block-diagonal inverse covariance. @see @ref gaussian_single */
 QORSR_API QorStatus qorsLogGaussSingle_BlockDVar_64f(const double* x, const double* mean, const BlockDMatrix_64f* covariance,
                                                      int32_t length, double* result, double val);
+/** Log likelihood of one frame: float data, in double, block-diagonal inverse covariance. @see @ref gaussian_single */
 QORSR_API QorStatus qorsLogGaussSingle_BlockDVar_32f64f(const float* x, const float* mean, const BlockDMatrix_32f* covariance,
                                                         int32_t length, double* result, double val);
+/** Squared Mahalanobis distance of one frame: float, inverse variances. @see @ref gaussian_single */
 QORSR_API QorStatus qorsMahDistSingle_32f(const float* x, const float* mean, const float* variance, int32_t length, float* result);
+/** Squared Mahalanobis distance of one frame: double, inverse variances. @see @ref gaussian_single */
 QORSR_API QorStatus qorsMahDistSingle_64f(const double* x, const double* mean, const double* variance, int32_t length,
                                           double* result);
+/** Squared Mahalanobis distance of one frame: float data, in double, inverse variances. @see @ref gaussian_single */
 QORSR_API QorStatus qorsMahDistSingle_32f64f(const float* x, const float* mean, const float* variance, int32_t length,
                                              double* result);
 
+/** Log likelihood of one frame: 16 to 32 bits, inverse variances. @see @ref gaussian_single */
 QORSR_API QorStatus qorsLogGaussSingle_16s32s_Sfs(const int16_t* x, const int16_t* mean, const int16_t* variance, int32_t length,
                                                   int32_t* result, int32_t val, int32_t scaleFactor);
+/** Log likelihood of one frame: 16-bit to float, inverse variances. @see @ref gaussian_single */
 QORSR_API QorStatus qorsLogGaussSingle_Scaled_16s32f(const int16_t* x, const int16_t* mean, const int16_t* variance, int32_t length,
                                                      float* result, float val, int32_t scaleFactor);
+/** Log likelihood of one frame: 16 to 32 bits, inverse variances, integers. @see @ref gaussian_single */
 QORSR_API QorStatus qorsLogGaussSingle_Low_16s32s_Sfs(const int16_t* x, const int16_t* mean, const int16_t* variance,
                                                       int32_t length, int32_t* result, int32_t val, int32_t scaleFactor);
+/** Log likelihood of one frame: 16-bit to float, inverse variances, integers. @see @ref gaussian_single */
 QORSR_API QorStatus qorsLogGaussSingle_LowScaled_16s32f(const int16_t* x, const int16_t* mean, const int16_t* variance,
                                                         int32_t length, float* result, float val, int32_t scaleFactor);
+/** Log likelihood of one frame: 16 to 32 bits, identity variance. @see @ref gaussian_single */
 QORSR_API QorStatus qorsLogGaussSingle_IdVar_16s32s_Sfs(const int16_t* x, const int16_t* mean, int32_t length, int32_t* result,
                                                         int32_t val, int32_t scaleFactor);
+/** Log likelihood of one frame: 16-bit to float, identity variance. @see @ref gaussian_single */
 QORSR_API QorStatus qorsLogGaussSingle_IdVarScaled_16s32f(const int16_t* x, const int16_t* mean, int32_t length, float* result,
                                                           float val, int32_t scaleFactor);
+/** Log likelihood of one frame: 16 to 32 bits, identity variance, integers. @see @ref gaussian_single */
 QORSR_API QorStatus qorsLogGaussSingle_IdVarLow_16s32s_Sfs(const int16_t* x, const int16_t* mean, int32_t length, int32_t* result,
                                                            int32_t val, int32_t scaleFactor);
+/** Log likelihood of one frame: 16-bit to float, identity variance, integers. @see @ref gaussian_single */
 QORSR_API QorStatus qorsLogGaussSingle_IdVarLowScaled_16s32f(const int16_t* x, const int16_t* mean, int32_t length, float* result,
                                                              float val, int32_t scaleFactor);
+/** Log likelihood of one frame: 16 to 32 bits, variances. @see @ref gaussian_single */
 QORSR_API QorStatus qorsLogGaussSingle_DirectVar_16s32s_Sfs(const int16_t* x, const int16_t* mean, const int16_t* variance,
                                                             int32_t length, int32_t* result, int32_t val, int32_t scaleFactor);
+/** Log likelihood of one frame: 16-bit to float, variances. @see @ref gaussian_single */
 QORSR_API QorStatus qorsLogGaussSingle_DirectVarScaled_16s32f(const int16_t* x, const int16_t* mean, const int16_t* variance,
                                                               int32_t length, float* result, float val, int32_t scaleFactor);
+/** Log likelihood of one frame: 16 to 32 bits, block-diagonal inverse covariance. @see @ref gaussian_single */
 QORSR_API QorStatus qorsLogGaussSingle_BlockDVar_16s32s_Sfs(const int16_t* x, const int16_t* mean,
                                                             const BlockDMatrix_16s* covariance, int32_t length, int32_t* result,
                                                             int32_t val, int32_t scaleFactor);
+/** Log likelihood of one frame: 16-bit to float, block-diagonal inverse covariance. @see @ref gaussian_single */
 QORSR_API QorStatus qorsLogGaussSingle_BlockDVarScaled_16s32f(const int16_t* x, const int16_t* mean,
                                                               const BlockDMatrix_16s* covariance, int32_t length, float* result,
                                                               float val, int32_t scaleFactor);
+/** Squared Mahalanobis distance of one frame: 16-bit to float, inverse variances. @see @ref gaussian_single */
 QORSR_API QorStatus qorsMahDistSingle_16s32f(const int16_t* x, const int16_t* mean, const int16_t* variance, int32_t length,
                                              float* result);
+/** Squared Mahalanobis distance of one frame: 16 to 32 bits, inverse variances. @see @ref gaussian_single */
 QORSR_API QorStatus qorsMahDistSingle_16s32s_Sfs(const int16_t* x, const int16_t* mean, const int16_t* variance, int32_t length,
                                                  int32_t* result, int32_t scaleFactor);
 /** @} */
 
 /** @defgroup gaussian_block Gaussian scores: a block of frames
- *  Every frame of a block, one a row, against one Gaussian. s(i) is the score of frame i as in @ref gaussian_single, with the same
- *  words and sums.
+ *  Every frame of a block, one a row, against one Gaussian. The score s(i) of frame i, its variances, scales and errors are those
+ *  of @ref gaussian_single, with the same words and sums.
+ *
  *  - `LogGauss`: result[i] = s(i).
  *  - `LogGaussMax`: result[i] = the larger of s(i) and result[i]. A score that is NaN replaces nothing.
- *  - `LogGaussAdd`: result[i] = log(exp(result[i]) + exp(s(i))), with the accurate kernel of qorsLogAdd_32f() or that of
- *    qorsLogAdd_64f(), their drop threshold and floor.
+ *  - `LogGaussAdd`: result[i] = log(exp(result[i]) + exp(s(i))), by @ref log_arithmetic.
  *  - `MahDist`: result[i] = Q.
  *
- *  What differs from one frame:
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `source` | in | height x width, stride apart | frames, one a row |
+ *  | `rows` | in | height x width | row pointers |
+ *  | `mean`, `variance` | in | width | variances inverted |
+ *  | `result` of `LogGauss_*`, `MahDist_*` | out | height | |
+ *  | `result` | in, out | height | |
+ *  | `width`, `height` | value | at least 1 | |
+ *  | `stride` | value | at least width | |
+ *  | `val` | value | any | not scaled |
+ *  | `scaleFactor` | value | any | sf = 2 f + g - q |
+ *
+ *  | Status, in order | When |
+ *  |---|---|
+ *  | #qorStatusBadStride | stride below width (`_D2`) |
+ *  | #qorStatusNullPointer | a pointer is null; row pointers are not checked |
+ *  | #qorStatusBadSize | width or height below 1 |
+ *
+ *  @warning `LogGaussMax` and `LogGaussAdd` read `result`: fill it first. Minus infinity is a good start for the former, but not
+ *  for the latter, where two of them give a NaN; see the log zero of @ref log_arithmetic.
+ *
+ *  @warning `LogGaussMax_16s32s` and `LogGaussMax_Low_16s32s` send old results through floats: one that wins comes back with 24
+ *  bits (required).
+ *
+ *  **Exact arithmetic**
+ *  - `LogGaussAdd` uses the accurate kernel of qorsLogAdd_32f() or that of qorsLogAdd_64f(), their drop threshold and floor.
  *  - `LogGauss_16s32s`, `LogGauss_IdVar_16s32s`: the score is truncated toward zero and not limited; out of range it is the most
  *    negative value.
  *  - `LogGaussMax` with 32-bit results rounds every step toward zero. `16s32s` and `IdVar_16s32s`: s = float(val) - Q * 2^-(sf +
- *    1), with the power of two limited as in `Scaled`, limited to -2^31 ... 2^31. `Low` and `IdVarLow`: the integer score converted
- *    to float. The old result is converted to float too, and the larger of the two is truncated: an old result that wins comes back
- *    with 24 bits (required), and a score of 2^31 as the most negative value.
+ *    1), with the power of two limited as in `Scaled`, limited to -2^31 ... 2^31. `Low` and `IdVarLow`: the integer score
+ *    converted to float. The old result is converted to float too, and the larger of the two is truncated: an old result that wins
+ *    comes back with 24 bits (required), and a score of 2^31 as the most negative value.
  *
- *  Shapes. source: height rows of width elements, `stride` elements apart, or `rows`, the row pointers. mean, variance: width
- *  elements. result: height elements.
- *
- *  Statuses, in order: stride below width (`_D2`); null pointers; width or height below 1. Row pointers are not checked. @{ */
+ *  Source of the method: as in @ref gaussian_single. @{ */
 
+/** Log likelihoods of frames: 16 to 32 bits, inverse variances. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGauss_16s32s_D2Sfs(const int16_t* source, int32_t stride, const int16_t* mean, const int16_t* variance,
                                               int32_t width, int32_t* result, int32_t height, int32_t val, int32_t scaleFactor);
+/** Log likelihoods of frames: 16 to 32 bits, inverse variances, row pointers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGauss_16s32s_D2LSfs(const int16_t* const* rows, const int16_t* mean, const int16_t* variance,
                                                int32_t width, int32_t* result, int32_t height, int32_t val, int32_t scaleFactor);
+/** Log likelihoods of frames: float, inverse variances. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGauss_32f_D2(const float* source, int32_t stride, const float* mean, const float* variance,
                                         int32_t width, float* result, int32_t height, float val);
+/** Log likelihoods of frames: float, inverse variances, row pointers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGauss_32f_D2L(const float* const* rows, const float* mean, const float* variance, int32_t width,
                                          float* result, int32_t height, float val);
+/** Log likelihoods of frames: double, inverse variances. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGauss_64f_D2(const double* source, int32_t stride, const double* mean, const double* variance,
                                         int32_t width, double* result, int32_t height, double val);
+/** Log likelihoods of frames: double, inverse variances, row pointers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGauss_64f_D2L(const double* const* rows, const double* mean, const double* variance, int32_t width,
                                          double* result, int32_t height, double val);
+/** Log likelihoods of frames: 16 to 32 bits, identity variance. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGauss_IdVar_16s32s_D2Sfs(const int16_t* source, int32_t stride, const int16_t* mean, int32_t width,
                                                     int32_t* result, int32_t height, int32_t val, int32_t scaleFactor);
+/** Log likelihoods of frames: 16 to 32 bits, identity variance, row pointers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGauss_IdVar_16s32s_D2LSfs(const int16_t* const* rows, const int16_t* mean, int32_t width,
                                                      int32_t* result, int32_t height, int32_t val, int32_t scaleFactor);
+/** Log likelihoods of frames: float, identity variance. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGauss_IdVar_32f_D2(const float* source, int32_t stride, const float* mean, int32_t width, float* result,
                                               int32_t height, float val);
+/** Log likelihoods of frames: float, identity variance, row pointers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGauss_IdVar_32f_D2L(const float* const* rows, const float* mean, int32_t width, float* result,
                                                int32_t height, float val);
+/** Log likelihoods of frames: double, identity variance. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGauss_IdVar_64f_D2(const double* source, int32_t stride, const double* mean, int32_t width,
                                               double* result, int32_t height, double val);
+/** Log likelihoods of frames: double, identity variance, row pointers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGauss_IdVar_64f_D2L(const double* const* rows, const double* mean, int32_t width, double* result,
                                                int32_t height, double val);
+/** Log likelihoods of frames: 16 to 32 bits, identity variance, integers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGauss_IdVarLow_16s32s_D2Sfs(const int16_t* source, int32_t stride, const int16_t* mean, int32_t width,
                                                        int32_t* result, int32_t height, int32_t val, int32_t scaleFactor);
+/** Log likelihoods of frames: 16 to 32 bits, identity variance, integers, row pointers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGauss_IdVarLow_16s32s_D2LSfs(const int16_t* const* rows, const int16_t* mean, int32_t width,
                                                         int32_t* result, int32_t height, int32_t val, int32_t scaleFactor);
+/** Log likelihoods of frames: 16-bit to float, identity variance, integers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGauss_IdVarLowScaled_16s32f_D2(const int16_t* source, int32_t stride, const int16_t* mean, int32_t width,
                                                           float* result, int32_t height, float val, int32_t scaleFactor);
+/** Log likelihoods of frames: 16-bit to float, identity variance, integers, row pointers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGauss_IdVarLowScaled_16s32f_D2L(const int16_t* const* rows, const int16_t* mean, int32_t width,
                                                            float* result, int32_t height, float val, int32_t scaleFactor);
+/** Log likelihoods of frames: 16-bit to float, identity variance. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGauss_IdVarScaled_16s32f_D2(const int16_t* source, int32_t stride, const int16_t* mean, int32_t width,
                                                        float* result, int32_t height, float val, int32_t scaleFactor);
+/** Log likelihoods of frames: 16-bit to float, identity variance, row pointers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGauss_IdVarScaled_16s32f_D2L(const int16_t* const* rows, const int16_t* mean, int32_t width,
                                                         float* result, int32_t height, float val, int32_t scaleFactor);
+/** Log likelihoods of frames: 16 to 32 bits, inverse variances, integers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGauss_Low_16s32s_D2Sfs(const int16_t* source, int32_t stride, const int16_t* mean,
                                                   const int16_t* variance, int32_t width, int32_t* result, int32_t height,
                                                   int32_t val, int32_t scaleFactor);
+/** Log likelihoods of frames: 16 to 32 bits, inverse variances, integers, row pointers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGauss_Low_16s32s_D2LSfs(const int16_t* const* rows, const int16_t* mean, const int16_t* variance,
                                                    int32_t width, int32_t* result, int32_t height, int32_t val,
                                                    int32_t scaleFactor);
+/** Log likelihoods of frames: 16-bit to float, inverse variances, integers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGauss_LowScaled_16s32f_D2(const int16_t* source, int32_t stride, const int16_t* mean,
                                                      const int16_t* variance, int32_t width, float* result, int32_t height,
                                                      float val, int32_t scaleFactor);
+/** Log likelihoods of frames: 16-bit to float, inverse variances, integers, row pointers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGauss_LowScaled_16s32f_D2L(const int16_t* const* rows, const int16_t* mean, const int16_t* variance,
                                                       int32_t width, float* result, int32_t height, float val, int32_t scaleFactor);
+/** Log likelihoods of frames: 16-bit to float, inverse variances. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGauss_Scaled_16s32f_D2(const int16_t* source, int32_t stride, const int16_t* mean,
                                                   const int16_t* variance, int32_t width, float* result, int32_t height, float val,
                                                   int32_t scaleFactor);
+/** Log likelihoods of frames: 16-bit to float, inverse variances, row pointers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGauss_Scaled_16s32f_D2L(const int16_t* const* rows, const int16_t* mean, const int16_t* variance,
                                                    int32_t width, float* result, int32_t height, float val, int32_t scaleFactor);
 
+/** result = max(result, score): 16 to 32 bits, inverse variances. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussMax_16s32s_D2Sfs(const int16_t* source, int32_t stride, const int16_t* mean,
                                                  const int16_t* variance, int32_t width, int32_t* result, int32_t height,
                                                  int32_t val, int32_t scaleFactor);
+/** result = max(result, score): 16 to 32 bits, inverse variances, row pointers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussMax_16s32s_D2LSfs(const int16_t* const* rows, const int16_t* mean, const int16_t* variance,
                                                   int32_t width, int32_t* result, int32_t height, int32_t val, int32_t scaleFactor);
+/** result = max(result, score): float, inverse variances. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussMax_32f_D2(const float* source, int32_t stride, const float* mean, const float* variance,
                                            int32_t width, float* result, int32_t height, float val);
+/** result = max(result, score): float, inverse variances, row pointers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussMax_32f_D2L(const float* const* rows, const float* mean, const float* variance, int32_t width,
                                             float* result, int32_t height, float val);
+/** result = max(result, score): double, inverse variances. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussMax_64f_D2(const double* source, int32_t stride, const double* mean, const double* variance,
                                            int32_t width, double* result, int32_t height, double val);
+/** result = max(result, score): double, inverse variances, row pointers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussMax_64f_D2L(const double* const* rows, const double* mean, const double* variance, int32_t width,
                                             double* result, int32_t height, double val);
+/** result = max(result, score): 16 to 32 bits, identity variance. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussMax_IdVar_16s32s_D2Sfs(const int16_t* source, int32_t stride, const int16_t* mean, int32_t width,
                                                        int32_t* result, int32_t height, int32_t val, int32_t scaleFactor);
+/** result = max(result, score): 16 to 32 bits, identity variance, row pointers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussMax_IdVar_16s32s_D2LSfs(const int16_t* const* rows, const int16_t* mean, int32_t width,
                                                         int32_t* result, int32_t height, int32_t val, int32_t scaleFactor);
+/** result = max(result, score): float, identity variance. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussMax_IdVar_32f_D2(const float* source, int32_t stride, const float* mean, int32_t width,
                                                  float* result, int32_t height, float val);
+/** result = max(result, score): float, identity variance, row pointers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussMax_IdVar_32f_D2L(const float* const* rows, const float* mean, int32_t width, float* result,
                                                   int32_t height, float val);
+/** result = max(result, score): double, identity variance. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussMax_IdVar_64f_D2(const double* source, int32_t stride, const double* mean, int32_t width,
                                                  double* result, int32_t height, double val);
+/** result = max(result, score): double, identity variance, row pointers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussMax_IdVar_64f_D2L(const double* const* rows, const double* mean, int32_t width, double* result,
                                                   int32_t height, double val);
+/** result = max(result, score): 16 to 32 bits, identity variance, integers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussMax_IdVarLow_16s32s_D2Sfs(const int16_t* source, int32_t stride, const int16_t* mean, int32_t width,
                                                           int32_t* result, int32_t height, int32_t val, int32_t scaleFactor);
+/** result = max(result, score): 16 to 32 bits, identity variance, integers, row pointers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussMax_IdVarLow_16s32s_D2LSfs(const int16_t* const* rows, const int16_t* mean, int32_t width,
                                                            int32_t* result, int32_t height, int32_t val, int32_t scaleFactor);
+/** result = max(result, score): 16-bit to float, identity variance, integers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussMax_IdVarLowScaled_16s32f_D2(const int16_t* source, int32_t stride, const int16_t* mean,
                                                              int32_t width, float* result, int32_t height, float val,
                                                              int32_t scaleFactor);
+/** result = max(result, score): 16-bit to float, identity variance, integers, row pointers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussMax_IdVarLowScaled_16s32f_D2L(const int16_t* const* rows, const int16_t* mean, int32_t width,
                                                               float* result, int32_t height, float val, int32_t scaleFactor);
+/** result = max(result, score): 16-bit to float, identity variance. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussMax_IdVarScaled_16s32f_D2(const int16_t* source, int32_t stride, const int16_t* mean, int32_t width,
                                                           float* result, int32_t height, float val, int32_t scaleFactor);
+/** result = max(result, score): 16-bit to float, identity variance, row pointers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussMax_IdVarScaled_16s32f_D2L(const int16_t* const* rows, const int16_t* mean, int32_t width,
                                                            float* result, int32_t height, float val, int32_t scaleFactor);
+/** result = max(result, score): 16 to 32 bits, inverse variances, integers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussMax_Low_16s32s_D2Sfs(const int16_t* source, int32_t stride, const int16_t* mean,
                                                      const int16_t* variance, int32_t width, int32_t* result, int32_t height,
                                                      int32_t val, int32_t scaleFactor);
+/** result = max(result, score): 16 to 32 bits, inverse variances, integers, row pointers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussMax_Low_16s32s_D2LSfs(const int16_t* const* rows, const int16_t* mean, const int16_t* variance,
                                                       int32_t width, int32_t* result, int32_t height, int32_t val,
                                                       int32_t scaleFactor);
+/** result = max(result, score): 16-bit to float, inverse variances, integers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussMax_LowScaled_16s32f_D2(const int16_t* source, int32_t stride, const int16_t* mean,
                                                         const int16_t* variance, int32_t width, float* result, int32_t height,
                                                         float val, int32_t scaleFactor);
+/** result = max(result, score): 16-bit to float, inverse variances, integers, row pointers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussMax_LowScaled_16s32f_D2L(const int16_t* const* rows, const int16_t* mean, const int16_t* variance,
                                                          int32_t width, float* result, int32_t height, float val,
                                                          int32_t scaleFactor);
+/** result = max(result, score): 16-bit to float, inverse variances. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussMax_Scaled_16s32f_D2(const int16_t* source, int32_t stride, const int16_t* mean,
                                                      const int16_t* variance, int32_t width, float* result, int32_t height,
                                                      float val, int32_t scaleFactor);
+/** result = max(result, score): 16-bit to float, inverse variances, row pointers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussMax_Scaled_16s32f_D2L(const int16_t* const* rows, const int16_t* mean, const int16_t* variance,
                                                       int32_t width, float* result, int32_t height, float val, int32_t scaleFactor);
 
+/** Log-adds scores to result: float, inverse variances. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussAdd_32f_D2(const float* source, int32_t stride, const float* mean, const float* variance,
                                            int32_t width, float* result, int32_t height, float val);
+/** Log-adds scores to result: float, inverse variances, row pointers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussAdd_32f_D2L(const float* const* rows, const float* mean, const float* variance, int32_t width,
                                             float* result, int32_t height, float val);
+/** Log-adds scores to result: double, inverse variances. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussAdd_64f_D2(const double* source, int32_t stride, const double* mean, const double* variance,
                                            int32_t width, double* result, int32_t height, double val);
+/** Log-adds scores to result: double, inverse variances, row pointers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussAdd_64f_D2L(const double* const* rows, const double* mean, const double* variance, int32_t width,
                                             double* result, int32_t height, double val);
+/** Log-adds scores to result: float, identity variance. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussAdd_IdVar_32f_D2(const float* source, int32_t stride, const float* mean, int32_t width,
                                                  float* result, int32_t height, float val);
+/** Log-adds scores to result: float, identity variance, row pointers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussAdd_IdVar_32f_D2L(const float* const* rows, const float* mean, int32_t width, float* result,
                                                   int32_t height, float val);
+/** Log-adds scores to result: double, identity variance. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussAdd_IdVar_64f_D2(const double* source, int32_t stride, const double* mean, int32_t width,
                                                  double* result, int32_t height, double val);
+/** Log-adds scores to result: double, identity variance, row pointers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussAdd_IdVar_64f_D2L(const double* const* rows, const double* mean, int32_t width, double* result,
                                                   int32_t height, double val);
+/** Log-adds scores to result: 16-bit to float, identity variance, integers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussAdd_IdVarLowScaled_16s32f_D2(const int16_t* source, int32_t stride, const int16_t* mean,
                                                              int32_t width, float* result, int32_t height, float val,
                                                              int32_t scaleFactor);
+/** Log-adds scores to result: 16-bit to float, identity variance, integers, row pointers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussAdd_IdVarLowScaled_16s32f_D2L(const int16_t* const* rows, const int16_t* mean, int32_t width,
                                                               float* result, int32_t height, float val, int32_t scaleFactor);
+/** Log-adds scores to result: 16-bit to float, identity variance. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussAdd_IdVarScaled_16s32f_D2(const int16_t* source, int32_t stride, const int16_t* mean, int32_t width,
                                                           float* result, int32_t height, float val, int32_t scaleFactor);
+/** Log-adds scores to result: 16-bit to float, identity variance, row pointers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussAdd_IdVarScaled_16s32f_D2L(const int16_t* const* rows, const int16_t* mean, int32_t width,
                                                            float* result, int32_t height, float val, int32_t scaleFactor);
+/** Log-adds scores to result: 16-bit to float, inverse variances, integers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussAdd_LowScaled_16s32f_D2(const int16_t* source, int32_t stride, const int16_t* mean,
                                                         const int16_t* variance, int32_t width, float* result, int32_t height,
                                                         float val, int32_t scaleFactor);
+/** Log-adds scores to result: 16-bit to float, inverse variances, integers, row pointers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussAdd_LowScaled_16s32f_D2L(const int16_t* const* rows, const int16_t* mean, const int16_t* variance,
                                                          int32_t width, float* result, int32_t height, float val,
                                                          int32_t scaleFactor);
+/** Log-adds scores to result: 16-bit to float, inverse variances. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussAdd_Scaled_16s32f_D2(const int16_t* source, int32_t stride, const int16_t* mean,
                                                      const int16_t* variance, int32_t width, float* result, int32_t height,
                                                      float val, int32_t scaleFactor);
+/** Log-adds scores to result: 16-bit to float, inverse variances, row pointers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsLogGaussAdd_Scaled_16s32f_D2L(const int16_t* const* rows, const int16_t* mean, const int16_t* variance,
                                                       int32_t width, float* result, int32_t height, float val, int32_t scaleFactor);
 
+/** Squared Mahalanobis distances of frames: float, inverse variances. @see @ref gaussian_block */
 QORSR_API QorStatus qorsMahDist_32f_D2(const float* source, int32_t stride, const float* mean, const float* variance, int32_t width,
                                        float* result, int32_t height);
+/** Squared Mahalanobis distances of frames: float, inverse variances, row pointers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsMahDist_32f_D2L(const float* const* rows, const float* mean, const float* variance, int32_t width,
                                         float* result, int32_t height);
+/** Squared Mahalanobis distances of frames: double, inverse variances. @see @ref gaussian_block */
 QORSR_API QorStatus qorsMahDist_64f_D2(const double* source, int32_t stride, const double* mean, const double* variance,
                                        int32_t width, double* result, int32_t height);
+/** Squared Mahalanobis distances of frames: double, inverse variances, row pointers. @see @ref gaussian_block */
 QORSR_API QorStatus qorsMahDist_64f_D2L(const double* const* rows, const double* mean, const double* variance, int32_t width,
                                         double* result, int32_t height);
 /** @} */
 
 /** @defgroup gaussian_mixture Gaussian mixtures
- *  **Whole mixtures.** The log likelihood of a mixture: result = log of the sum over g of exp(s(g)), s(g) the score of x against
- *  Gaussian g, with the words and sums of @ref gaussian_single; vals[g] is the constant of Gaussian g with the log mixture weight
- *  in it. Float and double scores are val - Q * 0.5, for `IdVar` too. The Gaussians are taken in chunks of 100; each chunk is
- *  reduced as by qorsLogSum_32f() (or qorsLogSum_64f()), from the second chunk on with the result so far in front of it. So one
- *  Gaussian gives its score unchanged.
+ *  The log likelihood of a whole mixture: log of the sum over g of exp(s(g)), s(g) the score of x against Gaussian g, with the
+ *  words, scales and sums of @ref gaussian_single. vals[g] is the constant of Gaussian g with the log mixture weight in it.
  *
- *  **Selected mixtures** (`Select`). Every frame of a block against those Gaussians that a mask selects for it. mask: a row of
- *  (count + 7) / 8 bytes a frame; Gaussian g is bit 128 >> (g mod 8) of byte g / 8, and bits beyond count are ignored. A frame with
- *  no selected Gaussian gets `floor`, one with a single Gaussian its score as qorsLogGaussSingle_32f() gives it (or `IdVar_32f`,
- *  `Scaled_16s32f`, `IdVarScaled_16s32f`). Scores are log-added Gaussian by Gaussian in the accurate form of qorsLogAdd_32f(); but
- *  `Select_32f_D2` and `SelectScaled_16s32f_D2` with at least 9 Gaussians and 2 frames gather the scores of each frame and reduce
- *  them like a whole mixture: the same within rounding. A frame against a multiple of 65536 selected Gaussians starts anew behind
- *  them (required: its counter has 16 bits), where nothing is gathered.
+ *  - `LogGaussMixture`: one frame x, all `count` Gaussians.
+ *  - `Select`: every frame of a block against those Gaussians that a mask selects for it. A frame with no selected Gaussian gets
+ *    `floor`. Gaussian g is bit 128 >> (g mod 8) of byte g / 8 of the frame's row of the mask (@ref gaussian_selection makes such
+ *    rows); bits beyond count are ignored.
  *
- *  Shapes. x: width elements. means, variances: count rows of width elements, one `stride` for both (and for frames), or arrays of
- *  row pointers. vals: count elements. frames: frameCount rows. results: frameCount elements.
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `x` | in | width | |
+ *  | `frames` | in | frameCount x width, stride apart | |
+ *  | `frameRows` | in | frameCount x width | row pointers |
+ *  | `means`, `variances` | in | count x width, stride apart | one stride for both, and for frames |
+ *  | `meanRows`, `varianceRows` | in | count x width | row pointers; variances inverted |
+ *  | `vals` | in | count | not scaled |
+ *  | `mask` | in | frameCount * ceil(count / 8) | bytes |
+ *  | `result` | out | 1 | |
+ *  | `results` | out | frameCount | |
+ *  | `width`, `count`, `frameCount` | value | at least 1 | |
+ *  | `stride` | value | at least width | |
+ *  | `floor` | value | any | |
+ *  | `scaleFactor` | value | any | sf = 2 f + g |
  *
- *  Statuses, in order.
- *  - Whole: null pointers; stride below width (`_D2`); count or width below 1.
- *  - Selected: null pointers, but for `results`; width, count or frameCount below 1; stride below width (`_D2`), or a null among
- *    the row pointers of frames, means, variances (`_D2L`); a null `results`; #qorStatusNoMemory where nothing is gathered.
+ *  **Error.** Float: 2.5e-7 of the result's magnitude, with 1 to 64 Gaussians of 39 dimensions and scores of some dozens below
+ *  zero. Double: at most 1.0e-10 for each Gaussian, since smaller terms are dropped (@ref log_arithmetic).
  *
- *  Source of the method: as above; for the sum in the log domain see @ref log_arithmetic "log-domain arithmetic". @{ */
+ *  | Members | Statuses: first test | second | third |
+ *  |---|---|---|---|
+ *  | whole | null | stride below width (`_D2`) | count or width below 1 |
+ *  | `Select_D2` | null, but `results` | width, count or frameCount below 1 | stride below width |
+ *  | `Select_D2L` | null, but `results` | width, count or frameCount below 1 | a null row pointer of frames, means, variances |
+ *
+ *  `Select`, then: `results` null (#qorStatusNullPointer); #qorStatusNoMemory where nothing is gathered.
+ *
+ *  **Exact arithmetic**
+ *  - Float and double scores are val - Q * 0.5, for `IdVar` too. Whole mixtures take the Gaussians in chunks of 100; each chunk is
+ *    reduced as by qorsLogSum_32f() (or qorsLogSum_64f()), from the second chunk on with the result so far in front of it. So one
+ *    Gaussian gives its score unchanged.
+ *  - `Select`: a frame with a single Gaussian gets its score as qorsLogGaussSingle_32f() gives it (or `IdVar_32f`,
+ *    `Scaled_16s32f`, `IdVarScaled_16s32f`). Scores are log-added Gaussian by Gaussian in the accurate form of qorsLogAdd_32f();
+ *    but `Select_32f_D2` and `SelectScaled_16s32f_D2` with at least 9 Gaussians and 2 frames gather the scores of each frame and
+ *    reduce them like a whole mixture: the same within rounding. A frame against a multiple of 65536 selected Gaussians starts
+ *    anew behind them (required: its counter has 16 bits), where nothing is gathered.
+ *
+ *  Source of the method: as in @ref gaussian_single; for the sum in the log domain see @ref log_arithmetic "log-domain
+ *  arithmetic". @{ */
 
+/** Log likelihood of a mixture: float, inverse variances. @see @ref gaussian_mixture */
 QORSR_API QorStatus qorsLogGaussMixture_32f_D2(const float* x, const float* means, const float* variances, int32_t count,
                                                int32_t stride, int32_t width, const float* vals, float* result);
+/** Log likelihood of a mixture: float, inverse variances, row pointers. @see @ref gaussian_mixture */
 QORSR_API QorStatus qorsLogGaussMixture_32f_D2L(const float* x, const float* const* meanRows, const float* const* varianceRows,
                                                 int32_t count, int32_t width, const float* vals, float* result);
+/** Log likelihood of a mixture: double, inverse variances. @see @ref gaussian_mixture */
 QORSR_API QorStatus qorsLogGaussMixture_64f_D2(const double* x, const double* means, const double* variances, int32_t count,
                                                int32_t stride, int32_t width, const double* vals, double* result);
+/** Log likelihood of a mixture: double, inverse variances, row pointers. @see @ref gaussian_mixture */
 QORSR_API QorStatus qorsLogGaussMixture_64f_D2L(const double* x, const double* const* meanRows, const double* const* varianceRows,
                                                 int32_t count, int32_t width, const double* vals, double* result);
+/** Log likelihood of a mixture: float, identity variance. @see @ref gaussian_mixture */
 QORSR_API QorStatus qorsLogGaussMixture_IdVar_32f_D2(const float* x, const float* means, int32_t count, int32_t stride,
                                                      int32_t width, const float* vals, float* result);
+/** Log likelihood of a mixture: float, identity variance, row pointers. @see @ref gaussian_mixture */
 QORSR_API QorStatus qorsLogGaussMixture_IdVar_32f_D2L(const float* x, const float* const* meanRows, int32_t count, int32_t width,
                                                       const float* vals, float* result);
+/** Log likelihood of a mixture: double, identity variance. @see @ref gaussian_mixture */
 QORSR_API QorStatus qorsLogGaussMixture_IdVar_64f_D2(const double* x, const double* means, int32_t count, int32_t stride,
                                                      int32_t width, const double* vals, double* result);
+/** Log likelihood of a mixture: double, identity variance, row pointers. @see @ref gaussian_mixture */
 QORSR_API QorStatus qorsLogGaussMixture_IdVar_64f_D2L(const double* x, const double* const* meanRows, int32_t count, int32_t width,
                                                       const double* vals, double* result);
+/** Log likelihood of a mixture: 16-bit to float, inverse variances. @see @ref gaussian_mixture */
 QORSR_API QorStatus qorsLogGaussMixture_Scaled_16s32f_D2(const int16_t* x, const int16_t* means, const int16_t* variances,
                                                          int32_t count, int32_t stride, int32_t width, const float* vals,
                                                          float* result, int32_t scaleFactor);
+/** Log likelihood of a mixture: 16-bit to float, inverse variances, row pointers. @see @ref gaussian_mixture */
 QORSR_API QorStatus qorsLogGaussMixture_Scaled_16s32f_D2L(const int16_t* x, const int16_t* const* meanRows,
                                                           const int16_t* const* varianceRows, int32_t count, int32_t width,
                                                           const float* vals, float* result, int32_t scaleFactor);
+/** Log likelihood of a mixture: 16-bit to float, inverse variances, integers. @see @ref gaussian_mixture */
 QORSR_API QorStatus qorsLogGaussMixture_LowScaled_16s32f_D2(const int16_t* x, const int16_t* means, const int16_t* variances,
                                                             int32_t count, int32_t stride, int32_t width, const float* vals,
                                                             float* result, int32_t scaleFactor);
+/** Log likelihood of a mixture: 16-bit to float, inverse variances, integers, row pointers. @see @ref gaussian_mixture */
 QORSR_API QorStatus qorsLogGaussMixture_LowScaled_16s32f_D2L(const int16_t* x, const int16_t* const* meanRows,
                                                              const int16_t* const* varianceRows, int32_t count, int32_t width,
                                                              const float* vals, float* result, int32_t scaleFactor);
+/** Log likelihood of a mixture: 16-bit to float, identity variance. @see @ref gaussian_mixture */
 QORSR_API QorStatus qorsLogGaussMixture_IdVarScaled_16s32f_D2(const int16_t* x, const int16_t* means, int32_t count, int32_t stride,
                                                               int32_t width, const float* vals, float* result, int32_t scaleFactor);
+/** Log likelihood of a mixture: 16-bit to float, identity variance, row pointers. @see @ref gaussian_mixture */
 QORSR_API QorStatus qorsLogGaussMixture_IdVarScaled_16s32f_D2L(const int16_t* x, const int16_t* const* meanRows, int32_t count,
                                                                int32_t width, const float* vals, float* result,
                                                                int32_t scaleFactor);
+/** Log likelihood of a mixture: 16-bit to float, identity variance, integers. @see @ref gaussian_mixture */
 QORSR_API QorStatus qorsLogGaussMixture_IdVarLowScaled_16s32f_D2(const int16_t* x, const int16_t* means, int32_t count,
                                                                  int32_t stride, int32_t width, const float* vals, float* result,
                                                                  int32_t scaleFactor);
+/** Log likelihood of a mixture: 16-bit to float, identity variance, integers, row pointers. @see @ref gaussian_mixture */
 QORSR_API QorStatus qorsLogGaussMixture_IdVarLowScaled_16s32f_D2L(const int16_t* x, const int16_t* const* meanRows, int32_t count,
                                                                   int32_t width, const float* vals, float* result,
                                                                   int32_t scaleFactor);
 
+/** Scores of frames by the Gaussians of a mask: float, inverse variances. @see @ref gaussian_mixture */
 QORSR_API QorStatus qorsLogGaussMixture_Select_32f_D2(const float* frames, const float* means, const float* variances,
                                                       int32_t stride, int32_t width, const float* vals, const uint8_t* mask,
                                                       int32_t count, float* results, int32_t frameCount, float floor);
+/** Scores of frames by the Gaussians of a mask: float, inverse variances, row pointers. @see @ref gaussian_mixture */
 QORSR_API QorStatus qorsLogGaussMixture_Select_32f_D2L(const float* const* frameRows, const float* const* meanRows,
                                                        const float* const* varianceRows, int32_t width, const float* vals,
                                                        const uint8_t* mask, int32_t count, float* results, int32_t frameCount,
                                                        float floor);
+/** Scores of frames by the Gaussians of a mask: 16-bit to float, inverse variances. @see @ref gaussian_mixture */
 QORSR_API QorStatus qorsLogGaussMixture_SelectScaled_16s32f_D2(const int16_t* frames, const int16_t* means,
                                                                const int16_t* variances, int32_t stride, int32_t width,
                                                                const float* vals, const uint8_t* mask, int32_t count,
                                                                float* results, int32_t frameCount, float floor,
                                                                int32_t scaleFactor);
+/** Scores of frames by the Gaussians of a mask: 16-bit to float, inverse variances, row pointers. @see @ref gaussian_mixture */
 QORSR_API QorStatus qorsLogGaussMixture_SelectScaled_16s32f_D2L(const int16_t* const* frameRows, const int16_t* const* meanRows,
                                                                 const int16_t* const* varianceRows, int32_t width,
                                                                 const float* vals, const uint8_t* mask, int32_t count,
                                                                 float* results, int32_t frameCount, float floor,
                                                                 int32_t scaleFactor);
+/** Scores of frames by the Gaussians of a mask: float, identity variance. @see @ref gaussian_mixture */
 QORSR_API QorStatus qorsLogGaussMixture_SelectIdVar_32f_D2(const float* frames, const float* means, int32_t stride, int32_t width,
                                                            const float* vals, const uint8_t* mask, int32_t count, float* results,
                                                            int32_t frameCount, float floor);
+/** Scores of frames by the Gaussians of a mask: float, identity variance, row pointers. @see @ref gaussian_mixture */
 QORSR_API QorStatus qorsLogGaussMixture_SelectIdVar_32f_D2L(const float* const* frameRows, const float* const* meanRows,
                                                             int32_t width, const float* vals, const uint8_t* mask, int32_t count,
                                                             float* results, int32_t frameCount, float floor);
+/** Scores of frames by the Gaussians of a mask: 16-bit to float, identity variance. @see @ref gaussian_mixture */
 QORSR_API QorStatus qorsLogGaussMixture_SelectIdVarScaled_16s32f_D2(const int16_t* frames, const int16_t* means, int32_t stride,
                                                                     int32_t width, const float* vals, const uint8_t* mask,
                                                                     int32_t count, float* results, int32_t frameCount, float floor,
                                                                     int32_t scaleFactor);
+/** Scores of frames by the Gaussians of a mask: 16-bit to float, identity variance, row pointers. @see @ref gaussian_mixture */
 QORSR_API QorStatus qorsLogGaussMixture_SelectIdVarScaled_16s32f_D2L(const int16_t* const* frameRows,
                                                                      const int16_t* const* meanRows, int32_t width,
                                                                      const float* vals, const uint8_t* mask, int32_t count,
@@ -992,116 +1514,176 @@ QORSR_API QorStatus qorsLogGaussMixture_SelectIdVarScaled_16s32f_D2L(const int16
 
 /** @defgroup gaussian_multi_mixture Gaussian scores: many Gaussians
  *  One feature vector x against many Gaussians, each with a slot of its own: a frame against the states of a whole model. s(g) is
- *  the score of Gaussian g with the words and sums of @ref gaussian_single, vals[g] its constant; float and double: val - Q * 0.5.
+ *  the score of Gaussian g with the words, scales, sums and errors of @ref gaussian_single, vals[g] its constant.
+ *
  *  - `LogGaussMultiMix`: the vector that holds the vals receives the scores.
  *  - `LogGaussMaxMultiMix`: result[g] = the larger of s(g) and result[g]; a NaN score replaces nothing.
- *  - `LogGaussAddMultiMix`: result[g] = log(exp(result[g]) + exp(s(g))), as by qorsLogAdd_32f() with hint 0, or qorsLogAdd_64f().
+ *  - `LogGaussAddMultiMix`: result[g] = log(exp(result[g]) + exp(s(g))), by @ref log_arithmetic.
  *  - `MahDistMultiMix`: result[g] = Q.
  *
- *  `16s32s` scores are truncated toward zero and not limited, as in qorsLogGauss_16s32s_D2Sfs(). `LogGaussMaxMultiMix` with 32-bit
- *  results rounds every step toward zero; `16s32s` compares as qorsLogGaussMax_16s32s_D2Sfs() does, through floats (required), but
- *  `Low_16s32s` compares integers, so an old result that wins is kept exactly.
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `means`, `variances` | in | count x width, stride apart | one stride for both; variances inverted |
+ *  | `meanRows`, `varianceRows` | in | count x width | row pointers |
+ *  | `x` | in | width | |
+ *  | `vals` | in | count | not scaled |
+ *  | `valsAndResult` | in, out | count | |
+ *  | `result` of `MahDistMultiMix_*` | out | count | |
+ *  | `result` | in, out | count | |
+ *  | `width`, `count` | value | at least 1 | |
+ *  | `stride` | value | at least width | |
+ *  | `scaleFactor` | value | any | sf = 2 f + g - q |
  *
- *  Shapes. means, variances: count rows of width elements, one `stride` for both, or arrays of row pointers. x: width elements.
- *  vals, result: count elements.
+ *  | Status, in order | When |
+ *  |---|---|
+ *  | #qorStatusBadStride | stride below width (`_D2`) |
+ *  | #qorStatusNullPointer | a pointer is null; row pointers are not checked |
+ *  | #qorStatusBadSize | width or count below 1 |
  *
- *  Statuses, in order: stride below width (`_D2`); null pointers; width or count below 1. Row pointers are not checked. @{ */
+ *  @warning `LogGaussMultiMix` overwrites the constants: keep a copy of them for the next frame.
+ *
+ *  @warning `LogGaussMaxMultiMix` and `LogGaussAddMultiMix` read `result`: fill it first, the latter with a finite log zero (@ref
+ *  log_arithmetic).
+ *
+ *  **Exact arithmetic**
+ *  - Float and double: val - Q * 0.5. `LogGaussAddMultiMix` adds as qorsLogAdd_32f() with hint 0, or qorsLogAdd_64f().
+ *  - `16s32s` scores are truncated toward zero and not limited, as in qorsLogGauss_16s32s_D2Sfs(). `LogGaussMaxMultiMix` with
+ *    32-bit results rounds every step toward zero; `16s32s` compares as qorsLogGaussMax_16s32s_D2Sfs() does, through floats
+ *    (required), but `Low_16s32s` compares integers, so an old result that wins is kept exactly.
+ *
+ *  Source of the method: as in @ref gaussian_single. @{ */
 
+/** Vals become log likelihoods: 16 to 32 bits, inverse variances. @see @ref gaussian_multi_mixture */
 QORSR_API QorStatus qorsLogGaussMultiMix_16s32s_D2Sfs(const int16_t* means, const int16_t* variances, int32_t stride,
                                                       const int16_t* x, int32_t width, int32_t* valsAndResult, int32_t count,
                                                       int32_t scaleFactor);
+/** Vals become log likelihoods: 16 to 32 bits, inverse variances, row pointers. @see @ref gaussian_multi_mixture */
 QORSR_API QorStatus qorsLogGaussMultiMix_16s32s_D2LSfs(const int16_t* const* meanRows, const int16_t* const* varianceRows,
                                                        const int16_t* x, int32_t width, int32_t* valsAndResult, int32_t count,
                                                        int32_t scaleFactor);
+/** Vals become log likelihoods: float, inverse variances. @see @ref gaussian_multi_mixture */
 QORSR_API QorStatus qorsLogGaussMultiMix_32f_D2(const float* means, const float* variances, int32_t stride, const float* x,
                                                 int32_t width, float* valsAndResult, int32_t count);
+/** Vals become log likelihoods: float, inverse variances, row pointers. @see @ref gaussian_multi_mixture */
 QORSR_API QorStatus qorsLogGaussMultiMix_32f_D2L(const float* const* meanRows, const float* const* varianceRows, const float* x,
                                                  int32_t width, float* valsAndResult, int32_t count);
+/** Vals become log likelihoods: double, inverse variances. @see @ref gaussian_multi_mixture */
 QORSR_API QorStatus qorsLogGaussMultiMix_64f_D2(const double* means, const double* variances, int32_t stride, const double* x,
                                                 int32_t width, double* valsAndResult, int32_t count);
+/** Vals become log likelihoods: double, inverse variances, row pointers. @see @ref gaussian_multi_mixture */
 QORSR_API QorStatus qorsLogGaussMultiMix_64f_D2L(const double* const* meanRows, const double* const* varianceRows, const double* x,
                                                  int32_t width, double* valsAndResult, int32_t count);
+/** Vals become log likelihoods: 16 to 32 bits, inverse variances, integers. @see @ref gaussian_multi_mixture */
 QORSR_API QorStatus qorsLogGaussMultiMix_Low_16s32s_D2Sfs(const int16_t* means, const int16_t* variances, int32_t stride,
                                                           const int16_t* x, int32_t width, int32_t* valsAndResult, int32_t count,
                                                           int32_t scaleFactor);
+/** Vals become log likelihoods: 16 to 32 bits, inverse variances, integers, row pointers. @see @ref gaussian_multi_mixture */
 QORSR_API QorStatus qorsLogGaussMultiMix_Low_16s32s_D2LSfs(const int16_t* const* meanRows, const int16_t* const* varianceRows,
                                                            const int16_t* x, int32_t width, int32_t* valsAndResult, int32_t count,
                                                            int32_t scaleFactor);
+/** Vals become log likelihoods: 16-bit to float, inverse variances, integers. @see @ref gaussian_multi_mixture */
 QORSR_API QorStatus qorsLogGaussMultiMix_LowScaled_16s32f_D2(const int16_t* means, const int16_t* variances, int32_t stride,
                                                              const int16_t* x, int32_t width, float* valsAndResult, int32_t count,
                                                              int32_t scaleFactor);
+/** Vals become log likelihoods: 16-bit to float, inverse variances, integers, row pointers. @see @ref gaussian_multi_mixture */
 QORSR_API QorStatus qorsLogGaussMultiMix_LowScaled_16s32f_D2L(const int16_t* const* meanRows, const int16_t* const* varianceRows,
                                                               const int16_t* x, int32_t width, float* valsAndResult, int32_t count,
                                                               int32_t scaleFactor);
+/** Vals become log likelihoods: 16-bit to float, inverse variances. @see @ref gaussian_multi_mixture */
 QORSR_API QorStatus qorsLogGaussMultiMix_Scaled_16s32f_D2(const int16_t* means, const int16_t* variances, int32_t stride,
                                                           const int16_t* x, int32_t width, float* valsAndResult, int32_t count,
                                                           int32_t scaleFactor);
+/** Vals become log likelihoods: 16-bit to float, inverse variances, row pointers. @see @ref gaussian_multi_mixture */
 QORSR_API QorStatus qorsLogGaussMultiMix_Scaled_16s32f_D2L(const int16_t* const* meanRows, const int16_t* const* varianceRows,
                                                            const int16_t* x, int32_t width, float* valsAndResult, int32_t count,
                                                            int32_t scaleFactor);
 
+/** result = max(result, score): 16 to 32 bits, inverse variances. @see @ref gaussian_multi_mixture */
 QORSR_API QorStatus qorsLogGaussMaxMultiMix_16s32s_D2Sfs(const int16_t* means, const int16_t* variances, int32_t stride,
                                                          const int16_t* x, int32_t width, const int32_t* vals, int32_t* result,
                                                          int32_t count, int32_t scaleFactor);
+/** result = max(result, score): 16 to 32 bits, inverse variances, row pointers. @see @ref gaussian_multi_mixture */
 QORSR_API QorStatus qorsLogGaussMaxMultiMix_16s32s_D2LSfs(const int16_t* const* meanRows, const int16_t* const* varianceRows,
                                                           const int16_t* x, int32_t width, const int32_t* vals, int32_t* result,
                                                           int32_t count, int32_t scaleFactor);
+/** result = max(result, score): float, inverse variances. @see @ref gaussian_multi_mixture */
 QORSR_API QorStatus qorsLogGaussMaxMultiMix_32f_D2(const float* means, const float* variances, int32_t stride, const float* x,
                                                    int32_t width, const float* vals, float* result, int32_t count);
+/** result = max(result, score): float, inverse variances, row pointers. @see @ref gaussian_multi_mixture */
 QORSR_API QorStatus qorsLogGaussMaxMultiMix_32f_D2L(const float* const* meanRows, const float* const* varianceRows, const float* x,
                                                     int32_t width, const float* vals, float* result, int32_t count);
+/** result = max(result, score): double, inverse variances. @see @ref gaussian_multi_mixture */
 QORSR_API QorStatus qorsLogGaussMaxMultiMix_64f_D2(const double* means, const double* variances, int32_t stride, const double* x,
                                                    int32_t width, const double* vals, double* result, int32_t count);
+/** result = max(result, score): double, inverse variances, row pointers. @see @ref gaussian_multi_mixture */
 QORSR_API QorStatus qorsLogGaussMaxMultiMix_64f_D2L(const double* const* meanRows, const double* const* varianceRows,
                                                     const double* x, int32_t width, const double* vals, double* result,
                                                     int32_t count);
+/** result = max(result, score): 16 to 32 bits, inverse variances, integers. @see @ref gaussian_multi_mixture */
 QORSR_API QorStatus qorsLogGaussMaxMultiMix_Low_16s32s_D2Sfs(const int16_t* means, const int16_t* variances, int32_t stride,
                                                              const int16_t* x, int32_t width, const int32_t* vals, int32_t* result,
                                                              int32_t count, int32_t scaleFactor);
+/** result = max(result, score): 16 to 32 bits, inverse variances, integers, row pointers. @see @ref gaussian_multi_mixture */
 QORSR_API QorStatus qorsLogGaussMaxMultiMix_Low_16s32s_D2LSfs(const int16_t* const* meanRows, const int16_t* const* varianceRows,
                                                               const int16_t* x, int32_t width, const int32_t* vals, int32_t* result,
                                                               int32_t count, int32_t scaleFactor);
+/** result = max(result, score): 16-bit to float, inverse variances, integers. @see @ref gaussian_multi_mixture */
 QORSR_API QorStatus qorsLogGaussMaxMultiMix_LowScaled_16s32f_D2(const int16_t* means, const int16_t* variances, int32_t stride,
                                                                 const int16_t* x, int32_t width, const float* vals, float* result,
                                                                 int32_t count, int32_t scaleFactor);
+/** result = max(result, score): 16-bit to float, inverse variances, integers, row pointers. @see @ref gaussian_multi_mixture */
 QORSR_API QorStatus qorsLogGaussMaxMultiMix_LowScaled_16s32f_D2L(const int16_t* const* meanRows, const int16_t* const* varianceRows,
                                                                  const int16_t* x, int32_t width, const float* vals, float* result,
                                                                  int32_t count, int32_t scaleFactor);
+/** result = max(result, score): 16-bit to float, inverse variances. @see @ref gaussian_multi_mixture */
 QORSR_API QorStatus qorsLogGaussMaxMultiMix_Scaled_16s32f_D2(const int16_t* means, const int16_t* variances, int32_t stride,
                                                              const int16_t* x, int32_t width, const float* vals, float* result,
                                                              int32_t count, int32_t scaleFactor);
+/** result = max(result, score): 16-bit to float, inverse variances, row pointers. @see @ref gaussian_multi_mixture */
 QORSR_API QorStatus qorsLogGaussMaxMultiMix_Scaled_16s32f_D2L(const int16_t* const* meanRows, const int16_t* const* varianceRows,
                                                               const int16_t* x, int32_t width, const float* vals, float* result,
                                                               int32_t count, int32_t scaleFactor);
 
+/** Log-adds scores to result: float, inverse variances. @see @ref gaussian_multi_mixture */
 QORSR_API QorStatus qorsLogGaussAddMultiMix_32f_D2(const float* means, const float* variances, int32_t stride, const float* x,
                                                    int32_t width, const float* vals, float* result, int32_t count);
+/** Log-adds scores to result: float, inverse variances, row pointers. @see @ref gaussian_multi_mixture */
 QORSR_API QorStatus qorsLogGaussAddMultiMix_32f_D2L(const float* const* meanRows, const float* const* varianceRows, const float* x,
                                                     int32_t width, const float* vals, float* result, int32_t count);
+/** Log-adds scores to result: double, inverse variances. @see @ref gaussian_multi_mixture */
 QORSR_API QorStatus qorsLogGaussAddMultiMix_64f_D2(const double* means, const double* variances, int32_t stride, const double* x,
                                                    int32_t width, const double* vals, double* result, int32_t count);
+/** Log-adds scores to result: double, inverse variances, row pointers. @see @ref gaussian_multi_mixture */
 QORSR_API QorStatus qorsLogGaussAddMultiMix_64f_D2L(const double* const* meanRows, const double* const* varianceRows,
                                                     const double* x, int32_t width, const double* vals, double* result,
                                                     int32_t count);
+/** Log-adds scores to result: 16-bit to float, inverse variances, integers. @see @ref gaussian_multi_mixture */
 QORSR_API QorStatus qorsLogGaussAddMultiMix_LowScaled_16s32f_D2(const int16_t* means, const int16_t* variances, int32_t stride,
                                                                 const int16_t* x, int32_t width, const float* vals, float* result,
                                                                 int32_t count, int32_t scaleFactor);
+/** Log-adds scores to result: 16-bit to float, inverse variances, integers, row pointers. @see @ref gaussian_multi_mixture */
 QORSR_API QorStatus qorsLogGaussAddMultiMix_LowScaled_16s32f_D2L(const int16_t* const* meanRows, const int16_t* const* varianceRows,
                                                                  const int16_t* x, int32_t width, const float* vals, float* result,
                                                                  int32_t count, int32_t scaleFactor);
+/** Log-adds scores to result: 16-bit to float, inverse variances. @see @ref gaussian_multi_mixture */
 QORSR_API QorStatus qorsLogGaussAddMultiMix_Scaled_16s32f_D2(const int16_t* means, const int16_t* variances, int32_t stride,
                                                              const int16_t* x, int32_t width, const float* vals, float* result,
                                                              int32_t count, int32_t scaleFactor);
+/** Log-adds scores to result: 16-bit to float, inverse variances, row pointers. @see @ref gaussian_multi_mixture */
 QORSR_API QorStatus qorsLogGaussAddMultiMix_Scaled_16s32f_D2L(const int16_t* const* meanRows, const int16_t* const* varianceRows,
                                                               const int16_t* x, int32_t width, const float* vals, float* result,
                                                               int32_t count, int32_t scaleFactor);
 
+/** Squared Mahalanobis distances from many Gaussians: float, inverse variances. @see @ref gaussian_multi_mixture */
 QORSR_API QorStatus qorsMahDistMultiMix_32f_D2(const float* means, const float* variances, int32_t stride, const float* x,
                                                int32_t width, float* result, int32_t count);
+/** Squared Mahalanobis distances from many Gaussians: float, inverse variances, row pointers. @see @ref gaussian_multi_mixture */
 QORSR_API QorStatus qorsMahDistMultiMix_32f_D2L(const float* const* meanRows, const float* const* varianceRows, const float* x,
                                                 int32_t width, float* result, int32_t count);
+/** Squared Mahalanobis distances from many Gaussians: double, inverse variances. @see @ref gaussian_multi_mixture */
 QORSR_API QorStatus qorsMahDistMultiMix_64f_D2(const double* means, const double* variances, int32_t stride, const double* x,
                                                int32_t width, double* result, int32_t count);
+/** Squared Mahalanobis distances from many Gaussians: double, inverse variances, row pointers. @see @ref gaussian_multi_mixture */
 QORSR_API QorStatus qorsMahDistMultiMix_64f_D2L(const double* const* meanRows, const double* const* varianceRows, const double* x,
                                                 int32_t width, double* result, int32_t count);
 /** @} */
@@ -1109,29 +1691,70 @@ QORSR_API QorStatus qorsMahDistMultiMix_64f_D2L(const double* const* meanRows, c
 /* ================================ Feature extraction ================================ */
 
 /** @defgroup filter_bank Filter banks
- *  Overlapping triangular filters over the bins of a spectrum: one output a filter.
+ *  Overlapping triangular filters over the bins of a spectrum: one output a filter. A bank has n = filterCount filters and n + 2
+ *  centres c[0] to c[n+1], bin numbers. Filter k, from 1 to n, rises from c[k-1] to c[k] and falls to c[k+1]:
  *
- *  A bank has n = filterCount filters and n + 2 centres c[0] to c[n+1], bin numbers. Filter k, from 1 to n, rises from c[k-1] to
- *  c[k] and falls to c[k+1]:
+ *      y[k-1] = sum for j = c[k-1] .. c[k] of rising_k[j - c[k-1]] x[j]
+ *             + sum for j = c[k]+1 .. c[k+1] of falling_k[j - c[k] - 1] x[j]
  *
- *      y[k-1] = sum for j = c[k-1] .. c[k] of rising_k[j - c[k-1]] x[j]  +  sum for j = c[k]+1 .. c[k+1] of falling_k[j - c[k] - 1]
- *          x[j]
- *
- *  `length`, the transform's length as requested, is taken up to a power of two L, at least 2 (500 gives 512); its base-2 logarithm
- *  is written to `order`. Bins run from 0 to L/2. Other bins do not exist: sections are cut there, and an empty section adds
- *  nothing.
+ *  `length`, the transform's length as requested, is taken up to a power of two L, at least 2 (500 gives 512); its base-2
+ *  logarithm is written to `order`. Bins run from 0 to L/2.
  *
  *  **Banks.** qorsEmptyFBankInitAlloc_32f() makes a bank without centres, with zero weights; qorsMelFBankInitAlloc_32f() and its
- *  relatives (@ref mel_bank) make complete ones. A bank from `InitAlloc` ends with qorsFBankFree_32f(); a bank that was built in
- *  the caller's block by `Init` ends with that block, must not be moved or copied, and is never passed to `Free`.
+ *  relatives (@ref mel_bank) make complete ones. A bank from `InitAlloc` ends with qorsFBankFree_32f(). A bank that `Init` built
+ *  in the caller's block ends with that block.
  *
- *  **Weights.** Floats in `FBankState_32f`; 32-bit integers with 14 fraction bits (1.0 is 16384) in `FBankState_16s`; with 30
- *  fraction bits in `FBankState_32s`.
+ *  **Transform front.** A bank made with #qorFBankTransform takes a frame of L samples in place of a spectrum, and its filters run
+ *  over the magnitudes sqrt(re^2 + im^2) of bins 0 to L/2 of the frame's unnormalised discrete Fourier transform.
  *
- *  **Transform front.** A bank made with bit value 4 in its flags takes a frame of L samples in place of a spectrum, and its
- *  filters run over the magnitudes sqrt(re^2 + im^2) of bins 0 to L/2 of the frame's unnormalised discrete Fourier transform. Such
- *  an evaluation writes work memory inside the bank, so the bank serves one thread at a time; all other evaluations and `Get`
- *  functions only read it.
+ *  **Weights** are floats in `FBankState_32f`; 32-bit integers with 14 fraction bits (1.0 is 16384) in `FBankState_16s`; with 30
+ *  fraction bits in `FBankState_32s`. Outputs have the scale of the spectrum, times 2^-scaleFactor.
+ *
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `state` of `EmptyFBankInitAlloc_*` | makes | |  |
+ *  | `state` of `FBankFree_*` | frees | |  |
+ *  | `state` of `FBankGet*` | in | |  |
+ *  | `state` of `FBankSet*` | in, out | |  |
+ *  | `state` of `EvalFBank_*` | in, out | | changed by a transform front alone, which works in it |
+ *  | `state` of `EvalFBank_32s_*` | in | |  |
+ *  | `order` | out | 1 | of the transform: log2 L |
+ *  | `length`, `filterCount` | value | at least 1 | |
+ *  | `flags`, `scaleFactor` | value | any | |
+ *  | `scaleFactor` of `EvalFBank_32s_*` | value | -31 to 31 | |
+ *  | `centers` of `FBankGetCenters_*` | out | state.filterCount + 2 | bins |
+ *  | `centers` of `FBankSetCenters_*` | in | state.filterCount + 2; each 0 to state.bins - 1 | bins, in rising order |
+ *  | `weights` of `FBankGetCoeffs_*` | in, out | state.bins | as many as lie within the filter's edges |
+ *  | `weights` of `FBankSetCoeffs_*` | in | state.bins | |
+ *  | `filter` of `FBankGetCoeffs_*` | value | 1 to state.filterCount + 1 | |
+ *  | `filter` of `FBankSetCoeffs_*` | value | 1 to state.filterCount | |
+ *  | `source` | in | state.inputs | L / 2 + 1 bins, or L samples |
+ *  | `result` | out | state.filterCount | |
+ *  | `bins`, `inputs` of `EmptyFBankInitAlloc_*` | is | max(pow2(length), 2) / 2 + 1 | L / 2 + 1 |
+ *
+ *  **Error** of the transform front in float: no magnitude is off by more than 2.7e-7 of the frame's largest one (L up to 16384;
+ *  noise, tones and an impulse). To these come the roundings of the filters' products and sums.
+ *
+ *  @warning An evaluation with a transform front writes work memory inside the bank, so such a bank serves one thread at a time;
+ *  all other evaluations and `Get` functions only read it.
+ *
+ *  @warning A bank in the caller's block must not be moved or copied, and is never passed to `Free`.
+ *
+ *  @warning An empty bank always evaluates spectra, whatever its flags.
+ *
+ *  **Exact arithmetic**
+ *  - Bins outside 0 to L/2 do not exist: sections are cut there, and an empty section adds nothing.
+ *  - Float evaluation, with eight lanes a filter: a section's bins go to lanes 0 to 7 in blocks of eight, and the bins that remain
+ *    to lane 0; the first bin of a rising section (filter 1 apart) goes to lane 0 ahead of the blocks. The sum is ((l0 + l4) + (l2
+ *    + l6)) + ((l1 + l5) + (l3 + l7)).
+ *  - 16-bit evaluation is exact: the sum of the products in 64 bits is shifted right (arithmetically, without rounding) by
+ *    scaleFactor + 14, or left when that is negative, and saturated. With a transform front, the transform runs in float; its
+ *    values are rounded to integers with three fraction bits, the magnitudes of those again to integers with three more (to
+ *    nearest, at most 2^31 - 1), the shift grows by these 6, and required: of each product of magnitude and weight the low 32 bits
+ *    are added, as a signed number.
+ *  - 32-bit evaluation: each product loses its 8 low bits (arithmetic shift), the 64-bit sum v becomes v * 2^-scaleFactor (right:
+ *    arithmetic shift; left: limited above to 2^63 - 1), and then (v >> 22) plus bit 21 of v. The result is limited to 2^31 - 1;
+ *    required: below, its low 32 bits are stored as they are.
  *
  *  Source of the method: Davis and Mermelstein, "Comparison of parametric representations for monosyllabic word recognition in
  *  continuously spoken sentences", IEEE Transactions on Acoustics, Speech, and Signal Processing 28 (1980). @{ */
@@ -1152,62 +1775,61 @@ enum {
 
 /** An empty bank, to be given centres and then weights. It always evaluates spectra: bit value 4 of `flags` only makes the memory
  *  of a transform, and other bits are ignored. Statuses: length or filterCount below 1 (#qorStatusBadSize); null;
- *  #qorStatusNoMemory (the order is written). */
+ *  #qorStatusNoMemory (the order is written). @see @ref filter_bank */
 QORSR_API QorStatus qorsEmptyFBankInitAlloc_32f(FBankState_32f** state, int32_t* order, int32_t length, int32_t filterCount,
                                                 int32_t flags);
+/** As qorsEmptyFBankInitAlloc_32f(), for 16-bit data. @see @ref filter_bank */
 QORSR_API QorStatus qorsEmptyFBankInitAlloc_16s(FBankState_16s** state, int32_t* order, int32_t length, int32_t filterCount,
                                                 int32_t flags);
 
-/** Releases a bank from `InitAlloc`. Status: null. */
+/** Releases a bank from `InitAlloc`. Status: null. @see @ref filter_bank */
 QORSR_API QorStatus qorsFBankFree_32f(FBankState_32f* state);
+/** As qorsFBankFree_32f(), for 16-bit data. @see @ref filter_bank */
 QORSR_API QorStatus qorsFBankFree_16s(FBankState_16s* state);
 
 /** centers = the filterCount + 2 centres. The two names are one function.
  *  Statuses: null; #qorStatusFBankNotReady without centres, or where a constructor made centres that qorsFBankSetCenters_32f()
- *  would refuse. */
+ *  would refuse. @see @ref filter_bank */
 QORSR_API QorStatus qorsFBankGetCenters_32f(const FBankState_32f* state, int32_t* centers);
+/** As qorsFBankGetCenters_32f(), for 16-bit data. @see @ref filter_bank */
 QORSR_API QorStatus qorsFBankGetCenters_16s(const FBankState_16s* state, int32_t* centers);
 
 /** Sets the filterCount + 2 centres and makes the bank ready. Weights stay as they are, by their place in the section. The two
  *  names are one function. Statuses: null; #qorStatusFBankNotReady, with the bank unchanged, when centers[0] is negative, when for
  *  some i from 1 to filterCount - 1 centers[i] is below centers[i-1] or above centers[i+1], or when the last one exceeds L/2. Equal
- *  neighbours are accepted; required: the last two entries are not compared with each other. */
+ *  neighbours are accepted; required: the last two entries are not compared with each other. @see @ref filter_bank */
 QORSR_API QorStatus qorsFBankSetCenters_32f(FBankState_32f* state, const int32_t* centers);
+/** As qorsFBankSetCenters_32f(), for 16-bit data. @see @ref filter_bank */
 QORSR_API QorStatus qorsFBankSetCenters_16s(FBankState_16s* state, const int32_t* centers);
 
 /** weights = those of filter number `filter` (from 1), bin by bin from c[filter-1] to c[filter+1]: the rising section, then the
  *  falling one. Integer weights are multiplied by 2^-14. required: filterCount + 1 is accepted too; that row has no falling
- *  section. Statuses: null; #qorStatusFBankNotReady; filter outside 1 to filterCount + 1 (#qorStatusBadSize). */
+ *  section. Statuses: null; #qorStatusFBankNotReady; filter outside 1 to filterCount + 1 (#qorStatusBadSize).
+ *  @see @ref filter_bank */
 QORSR_API QorStatus qorsFBankGetCoeffs_32f(const FBankState_32f* state, int32_t filter, float* weights);
+/** As qorsFBankGetCoeffs_32f(), for 16-bit data. @see @ref filter_bank */
 QORSR_API QorStatus qorsFBankGetCoeffs_16s(const FBankState_16s* state, int32_t filter, float* weights);
 
 /** Sets the weights of a filter, in the order of qorsFBankGetCoeffs_32f(). Integer weights: value * 16384 in float, truncated;
  *  below -2^31 limited to it; required: what reaches 2^31 (or is NaN) is stored as -2^31. Statuses: null; #qorStatusFBankNotReady;
- *  filter outside 1 to filterCount (#qorStatusBadSize). */
+ *  filter outside 1 to filterCount (#qorStatusBadSize). @see @ref filter_bank */
 QORSR_API QorStatus qorsFBankSetCoeffs_32f(FBankState_32f* state, int32_t filter, const float* weights);
+/** As qorsFBankSetCoeffs_32f(), for 16-bit data. @see @ref filter_bank */
 QORSR_API QorStatus qorsFBankSetCoeffs_16s(FBankState_16s* state, int32_t filter, const float* weights);
 
-/** result[k-1] = y[k-1] as above, k = 1 to filterCount; source: L/2 + 1 bins, or a frame of L samples with a transform front.
- *
- *  In float, with eight lanes a filter: a section's bins go to lanes 0 to 7 in blocks of eight, and the bins that remain to lane 0;
- *  the first bin of a rising section (filter 1 apart) goes to lane 0 ahead of the blocks. The sum is ((l0 + l4) + (l2 + l6)) +
- *  ((l1 + l5) + (l3 + l7)). Statuses: null; #qorStatusFBankNotReady. */
+/** result[k-1] = y[k-1], k = 1 to filterCount; a transform front writes the bank. Statuses: null; #qorStatusFBankNotReady.
+ *  @see @ref filter_bank */
 QORSR_API QorStatus qorsEvalFBank_32f(const float* source, float* result, const FBankState_32f* state);
 
-/** As qorsEvalFBank_32f(), exactly: the sum of the products in 64 bits is shifted right (arithmetically, without rounding) by
- *  scaleFactor + 14, or left when that is negative, and saturated. Any scale factor is accepted.
- *
- *  With a transform front, the transform runs in float; its values are rounded to integers with three fraction bits, the magnitudes
- *  of those again to integers with three more (to nearest, at most 2^31 - 1), the shift grows by these 6, and required: of each
- *  product of magnitude and weight the low 32 bits are added, as a signed number. Statuses: null; #qorStatusFBankNotReady. */
+/** As qorsEvalFBank_32f(), in exact integers, times 2^-scaleFactor. A transform front writes the bank.
+ *  Statuses: null; #qorStatusFBankNotReady. @see @ref filter_bank */
 QORSR_API QorStatus qorsEvalFBank_16s_Sfs(const int16_t* source, int16_t* result, const FBankState_16s* state, int32_t scaleFactor);
+/** As qorsEvalFBank_16s_Sfs(), with 32-bit results. A transform front writes the bank. @see @ref filter_bank */
 QORSR_API QorStatus qorsEvalFBank_16s32s_Sfs(const int16_t* source, int32_t* result, const FBankState_16s* state,
                                              int32_t scaleFactor);
 
-/** As qorsEvalFBank_32f(), in integers: each product loses its 8 low bits (arithmetic shift), the 64-bit sum v becomes v *
- *  2^-scaleFactor (right: arithmetic shift; left: limited above to 2^63 - 1), and then (v >> 22) plus bit 21 of v. The result is
- *  limited to 2^31 - 1; required: below, its low 32 bits are stored as they are. Statuses: null; scaleFactor outside -31 to 31
- *  (#qorStatusBadArgument). */
+/** As qorsEvalFBank_32f(), in integers, times 2^-scaleFactor.
+ *  Statuses: null; scaleFactor outside -31 to 31 (#qorStatusBadArgument). @see @ref filter_bank */
 QORSR_API QorStatus qorsEvalFBank_32s_Sfs(const int32_t* source, int32_t* result, const FBankState_32s* state, int32_t scaleFactor);
 /** @} */
 
@@ -1219,29 +1841,72 @@ QORSR_API QorStatus qorsEvalFBank_32s_Sfs(const int32_t* source, int32_t* result
  *  The caller chooses the constants; 1127.01048 and 700 are usual. n is filterCount, L the power of two that holds `length`,
  *  frequencies are in hertz.
  *
- *  **Mel banks.** m[i] = mel(low) + i (mel(high) - mel(low)) / (n + 1), i = 0 to n + 1; the centre is bin (L / sampleFrequency)
- *  melDiv (exp(m[i] / melMul) - 1). m[i] and the position are rounded to float.
+ *  **Mel banks.** n + 2 centres equally far apart in mel: m[i] = mel(low) + i (mel(high) - mel(low)) / (n + 1), i = 0 to n + 1;
+ *  the centre is bin (L / sampleFrequency) melDiv (exp(m[i] / melMul) - 1).
  *
- *  **Mixed banks.** The first T = linearFilterCount filters are spaced linearly, f[i] = low + i (join - low) / T for i = 0 to T;
- *  from the join on, centres i = T to n + 1 are equally far apart in mel up to the high frequency. With T = n all is linear, f[i] =
- *  low + i (join - low) / (n + 1), and the high frequency is tested but not used.
+ *  **Mixed banks** (`MelLin`). The first T = linearFilterCount filters are spaced linearly, f[i] = low + i (join - low) / T for i
+ *  = 0 to T; from the join on, centres i = T to n + 1 are equally far apart in mel up to the high frequency. With T = n all is
+ *  linear, f[i] = low + i (join - low) / (n + 1), and the high frequency is tested but not used.
  *
- *  **Flags.** 1 or 2, and 4 in addition (banks of floats or 16 bits):
- *  - 1, mel-shaped: centres are truncated to bins; a weight is the distance in mel of the bin's frequency from the filter's edge,
- *    over the width of the section in mel. The first weight of a mel bank's rising section is 0.
- *  - 2, index-shaped: centres are rounded to nearest, ties to even; rising weights are (j - c[k-1] + 1) / (c[k] - c[k-1] + 1),
- *    falling ones (c[k+1] + 1 - j) / (c[k+1] - c[k] + 1): 1 at the centre, one step above zero at the ends.
- *  - 4: transform front.
+ *  **Flags.** One of the first two, and #qorFBankTransform in addition (banks of floats or 16 bits):
+ *  - #qorFBankMelShaped: centres are truncated to bins; a weight is the distance in mel of the bin's frequency from the filter's
+ *    edge, over the width of the section in mel. The first weight of a mel bank's rising section is 0.
+ *  - #qorFBankIndexShaped: centres are rounded to nearest, ties to even; rising weights are (j - c[k-1] + 1) / (c[k] - c[k-1] +
+ *    1), falling ones (c[k+1] + 1 - j) / (c[k+1] - c[k] + 1): 1 at the centre, one step above zero at the ends.
  *
- *  With flag 1, mixed banks have mel-shaped filters up to T and index-shaped ones beyond. required: the falling side of filter T
- *  compares mel values with bin numbers, (c[T+1] - mel(j)) / (c[T+1] - c[T]). Negative weights become 0.
+ *  Mel-shaped mixed banks have mel-shaped filters up to T and index-shaped ones beyond. Weights are not normalised by area.
  *
- *  Weights are not normalised by area. All is computed in double; Q14 weights are truncated.
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `state` of `*InitAlloc_*` | makes | |  |
+ *  | `state` of `MelFBankInit_*` | block | bytes of `MelFBankGetSize_*` | |
+ *  | `size` | out | 1 | bytes |
+ *  | `order` | out | 1 | of the transform: log2 L |
+ *  | `length` | value | at least 1 | samples |
+ *  | `length` of `*_32s` | value | 32 to 8192 | |
+ *  | `filterCount` | value | at least 1 | |
+ *  | `filterCount` of `MelFBankGetSize_32s` | value | 1 to pow2(length) / 2 | |
+ *  | `filterCount` of `MelFBankInit_32s` | value | 1 to pow2(length) / 2 + 1 | |
+ *  | `flags` | value | 1, 2, 5 or 6 | |
+ *  | `flags` of `*_32s` | value | 2 | |
+ *  | `sampleFrequency` | value | above 0 | hertz |
+ *  | `lowFrequency` | value | above 0, at most sampleFrequency / 2 | hertz |
+ *  | `highFrequency` | value | lowFrequency to sampleFrequency / 2 | hertz |
+ *  | `joinFrequency` | value | lowFrequency to highFrequency | hertz |
+ *  | `linearFilterCount` | value | 1 to filterCount | |
+ *  | `melMul`, `melDiv` | value | any | |
+ *  | `sampleFrequency` of `*_32s` | value | 1 to 48000 | hertz |
+ *  | `lowFrequency` of `*_32s` | value | 0 to 23999 | hertz |
+ *  | `highFrequency` of `*_32s` | value | above lowFrequency, at most 24000 | hertz |
+ *  | `melMul` of `*_32s` | value | 524289 to 1073741823 | 15 fraction bits |
+ *  | `melDiv` of `*_32s` | value | 524289 to 268435455 | 15 fraction bits |
+ *  | `melMul`, `melDiv` of `LinearToMel_*`, `MelToLinear_*` | value | above 0 | |
+ *  | `source` | in | length | |
+ *  | `result` | out | length | |
+ *  | `bins` of `Mel*FBankInit*` | is | max(pow2(length), 2) / 2 + 1 | L / 2 + 1 |
+ *  | `inputs` of `Mel*FBankInit*` | is | if(flags & 4, max(pow2(length), 2), max(pow2(length), 2) / 2 + 1) | |
  *
- *  Statuses of `qorsMelFBankInit` and `qorsMelFBankInitAlloc`, in order: null state or order; length or filterCount below 1, sample
- *  or low frequency not above 0 (#qorStatusBadSize); high below low, half the sample frequency below high
- *  (#qorStatusBadFBankFrequency); flags (#qorStatusBadFBankFlag); #qorStatusNoMemory, with the order written (`Init`:
- *  #qorStatusBadSize for a block beyond 2^31 - 1 bytes). A NaN passes every test.
+ *  | Status of `qorsMelFBankInit` and `qorsMelFBankInitAlloc`, in order | When |
+ *  |---|---|
+ *  | #qorStatusNullPointer | state or order is null |
+ *  | #qorStatusBadSize | length or filterCount below 1, sample or low frequency not above 0 |
+ *  | #qorStatusBadFBankFrequency | high below low, half the sample frequency below high |
+ *  | #qorStatusBadFBankFlag | flags |
+ *  | #qorStatusNoMemory | `InitAlloc`, with the order written |
+ *  | #qorStatusBadSize | `Init`: a block beyond 2^31 - 1 bytes |
+ *
+ *  The others stand with their functions. A NaN passes every test.
+ *
+ *  @warning With many filters at low frequencies, neighbouring centres fall on one bin, and such filters are empty or hold a
+ *  single bin: look at qorsFBankGetCenters_32f(), and take a longer transform.
+ *
+ *  **Exact arithmetic**
+ *  - All is computed in double; m[i] and the position are rounded to float; Q14 weights are
+ *    truncated. Negative weights become 0.
+ *  - required: with #qorFBankMelShaped, the falling side of filter T of a mixed bank compares mel values with bin numbers, (c[T+1]
+ *    - mel(j)) / (c[T+1] - c[T]).
+ *  - qorsMelFBankInit_32s(): no floating-point arithmetic takes place. Mel values have 22 fraction bits; logarithms and
+ *    exponentials are taken by shifts and multiplications (Muller, "Elementary Functions"), and centres are rounded half up.
  *
  *  Source of the method: Stevens, Volkmann and Newman, "A scale for the measurement of the psychological magnitude pitch", Journal
  *  of the Acoustical Society of America 8 (1937); Davis and Mermelstein (1980) for the bank. @{ */
@@ -1249,22 +1914,25 @@ QORSR_API QorStatus qorsEvalFBank_32s_Sfs(const int32_t* source, int32_t* result
 /** size = bytes of the caller's block for `Init` with the same length, filterCount and flags. The block may begin at any address
  *  that the element type allows. Statuses: null; length or filterCount below 1 (#qorStatusBadSize); flags (#qorStatusBadFBankFlag);
  *  a block beyond 2^31 - 1 bytes
- *  (#qorStatusBadSize). */
+ *  (#qorStatusBadSize). @see @ref mel_bank */
 QORSR_API QorStatus qorsMelFBankGetSize_32f(int32_t length, int32_t filterCount, int32_t flags, int32_t* size);
+/** As qorsMelFBankGetSize_32f(), for 16-bit data. @see @ref mel_bank */
 QORSR_API QorStatus qorsMelFBankGetSize_16s(int32_t length, int32_t filterCount, int32_t flags, int32_t* size);
 
-/** A mel bank in the caller's block. */
+/** A mel bank in the caller's block. @see @ref mel_bank */
 QORSR_API QorStatus qorsMelFBankInit_32f(FBankState_32f* state, int32_t* order, int32_t length, float sampleFrequency,
                                          float lowFrequency, float highFrequency, int32_t filterCount, float melMul, float melDiv,
                                          int32_t flags);
+/** As qorsMelFBankInit_32f(), for 16-bit data. @see @ref mel_bank */
 QORSR_API QorStatus qorsMelFBankInit_16s(FBankState_16s* state, int32_t* order, int32_t length, float sampleFrequency,
                                          float lowFrequency, float highFrequency, int32_t filterCount, float melMul, float melDiv,
                                          int32_t flags);
 
-/** A mel bank in memory of its own. */
+/** A mel bank in memory of its own. @see @ref mel_bank */
 QORSR_API QorStatus qorsMelFBankInitAlloc_32f(FBankState_32f** state, int32_t* order, int32_t length, float sampleFrequency,
                                               float lowFrequency, float highFrequency, int32_t filterCount, float melMul,
                                               float melDiv, int32_t flags);
+/** As qorsMelFBankInitAlloc_32f(), for 16-bit data. @see @ref mel_bank */
 QORSR_API QorStatus qorsMelFBankInitAlloc_16s(FBankState_16s** state, int32_t* order, int32_t length, float sampleFrequency,
                                               float lowFrequency, float highFrequency, int32_t filterCount, float melMul,
                                               float melDiv, int32_t flags);
@@ -1272,17 +1940,18 @@ QORSR_API QorStatus qorsMelFBankInitAlloc_16s(FBankState_16s** state, int32_t* o
 /** A mixed bank in memory of its own.
  *  Statuses: length or filterCount below 1, sample or low frequency not above 0, linearFilterCount outside 1 to filterCount
  *  (#qorStatusBadSize); join below low, high below join, half the sample frequency below high (#qorStatusBadFBankFrequency); flags
- *  (#qorStatusBadFBankFlag); null; #qorStatusNoMemory, with the order written. A NaN passes every test. */
+ *  (#qorStatusBadFBankFlag); null; #qorStatusNoMemory, with the order written. A NaN passes every test. @see @ref mel_bank */
 QORSR_API QorStatus qorsMelLinFBankInitAlloc_32f(FBankState_32f** state, int32_t* order, int32_t length, float sampleFrequency,
                                                  float lowFrequency, float highFrequency, int32_t filterCount, float joinFrequency,
                                                  int32_t linearFilterCount, float melMul, float melDiv, int32_t flags);
+/** As qorsMelLinFBankInitAlloc_32f(), for 16-bit data. @see @ref mel_bank */
 QORSR_API QorStatus qorsMelLinFBankInitAlloc_16s(FBankState_16s** state, int32_t* order, int32_t length, float sampleFrequency,
                                                  float lowFrequency, float highFrequency, int32_t filterCount, float joinFrequency,
                                                  int32_t linearFilterCount, float melMul, float melDiv, int32_t flags);
 
 /** size = bytes of the caller's block for qorsMelFBankInit_32s().
  *  Statuses: null; filterCount below 1, length outside 32 to 8192 (#qorStatusBadSize); flags not 2 (#qorStatusBadFBankFlag);
- *  filterCount above L/2 (#qorStatusBadSize). */
+ *  filterCount above L/2 (#qorStatusBadSize). @see @ref mel_bank */
 QORSR_API QorStatus qorsMelFBankGetSize_32s(int32_t length, int32_t filterCount, int32_t flags, int32_t* size);
 
 /** An index-shaped mel bank in the caller's block, in fixed point: no floating-point arithmetic takes place. Frequencies are whole
@@ -1293,16 +1962,17 @@ QORSR_API QorStatus qorsMelFBankGetSize_32s(int32_t length, int32_t filterCount,
  *  (#qorStatusBadFBankFlag); sampleFrequency outside 1 to 48000, lowFrequency below 0 (#qorStatusBadSize); highFrequency not above
  *  lowFrequency or above 24000 (#qorStatusBadFBankFrequency); melDiv outside 0x80001 to 0xFFFFFFF, melMul outside 0x80001 to
  *  0x3FFFFFFF
- *  (#qorStatusBadArgument); filterCount above L/2 + 1 (#qorStatusBadSize; one more than the size function accepts). */
+ *  (#qorStatusBadArgument); filterCount above L/2 + 1 (#qorStatusBadSize; one more than the size function accepts).
+ *  @see @ref mel_bank */
 QORSR_API QorStatus qorsMelFBankInit_32s(FBankState_32s* state, int32_t* order, int32_t length, int32_t sampleFrequency,
                                          int32_t lowFrequency, int32_t highFrequency, int32_t filterCount, int32_t melMul,
                                          int32_t melDiv, int32_t flags);
 
 /** result[i] = melMul ln(1 + source[i] (1 / melDiv)): hertz to mel, in double, rounded to float.
- *  Statuses: null; length below 1, melMul or melDiv not above 0 (#qorStatusBadSize; a NaN passes). */
+ *  Statuses: null; length below 1, melMul or melDiv not above 0 (#qorStatusBadSize; a NaN passes). @see @ref mel_bank */
 QORSR_API QorStatus qorsLinearToMel_32f(const float* source, float* result, int32_t length, float melMul, float melDiv);
 
-/** result[i] = melDiv (exp(source[i] (1 / melMul)) - 1): mel to hertz. Statuses: as qorsLinearToMel_32f(). */
+/** result[i] = melDiv (exp(source[i] (1 / melMul)) - 1): mel to hertz. Statuses: as qorsLinearToMel_32f(). @see @ref mel_bank */
 QORSR_API QorStatus qorsMelToLinear_32f(const float* source, float* result, int32_t length, float melMul, float melDiv);
 /** @} */
 
@@ -1312,36 +1982,64 @@ QORSR_API QorStatus qorsMelToLinear_32f(const float* source, float* result, int3
  *      dst[i - 1] = lifter[i] * sum over j = 0 .. N-1 of x[j] cos(pi i (j + 1/2) / N)      i = 1 .. M
  *      dst[M]     = lifter[0] * sum over j of x[j]                                         states of the C0 and MulC0 forms
  *
- *  This is the type-II cosine transform without a normalising factor: scale by sqrt(2/N) for the usual orthonormal one. The
- *  coefficient of order 0, where there is one, comes last. Matrix and weights are computed when the state is made; a transform
- *  costs M + 1 products of length N.
+ *  This is the type-II cosine transform without a normalising factor: scale by sqrt(2/N) for the usual orthonormal one. Matrix and
+ *  weights are computed when the state is made; a transform costs M + 1 products of length N. There are no flags.
  *
  *  **Weights.**
  *  - plain and `C0`: lifter[i] = (1 + L/2 sin(pi i / L)) * scale, the raised-sine lifter of length L (22 is usual). Orders above L
- *    follow the same sine. The sum is formed in double, rounded to float, then multiplied by scale in float. `C0`: order 0 has
- *    the weight `weight0` as it stands, not scaled.
- *  - `Mul`: lifter[i] = weights[i - 1]. `MulC0`: the same, and order 0 takes weights[M - 1]. required: that weight serves
- *    order M and order 0.
- *  - required: qorsDCTLifterInit_MulC0_16s() takes integer weights, qorsDCTLifterInitAlloc_MulC0_16s() float ones.
- *
- *  **Arithmetic.** Float throughout. The sum of an order from 1 to M runs in eight lanes: x[j] joins lane j mod 8, the last N mod 8
- *  inputs join lane 0 one by one, and the lanes are joined as ((l0 + l4) + (l2 + l6)) + ((l1 + l5) + (l3 + l7)). The sum of order 0
- *  runs serially. The weight is applied to the finished sum. The cosines are computed in double and stored as
- *  float. `16s` and `32s16s`: inputs are converted to float; results are multiplied by 2^-scaleFactor, rounded to nearest, ties to
- *  even, and saturated; a NaN gives 0.
+ *    follow the same sine. `C0`: order 0 has the weight `weight0` as it stands, not scaled.
+ *  - `Mul`: lifter[i] = weights[i - 1]. `MulC0`: the same, and order 0 takes weights[M - 1], see the warning.
  *
  *  **States.** In a block of the caller, of the size that `GetSize` tells, at any address (`Init`; never given to `Free`), or
  *  allocated (`InitAlloc`; released by `Free`). A `32f` state is not changed by a transform and may serve several threads; a `16s`
- *  state holds scratch and serves one call at a time. A block must not be moved: its areas are aligned to its address.
+ *  state holds scratch and serves one call at a time.
  *
- *  Size in bytes, with N8 = N rounded up to a multiple of 8: `32f` 4 (M N8 + N8 + 2M) + 124; `16s` 4 (N8 (M + 1) + M) + 8M + 164;
- *  qorsDCTLifterGetSize_MulC0_16s() (4N + 36)(M + 1) + 8M + 132.
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `state` of `DCTLifterInitAlloc_*` | makes | |  |
+ *  | `state` of `DCTLifterInit_*` | block | bytes of `DCTLifterGetSize_*` | |
+ *  | `state` of `DCTLifterFree_*` | frees | |  |
+ *  | `state` of `DCTLifter_32f` | in | |  |
+ *  | `state` of `DCTLifter_*_Sfs` | in, out | |  |
+ *  | `size` | out | 1 | bytes |
+ *  | `cepstrumLength`, `lifterLength` | value | at least 1 | M, L |
+ *  | `dctLength` | value | at least cepstrumLength | N |
+ *  | `cepstrumLength` of `DCTLifterGetSize_MulC0_16s` | value | 1 to 8192 | |
+ *  | `dctLength` of `DCTLifterGetSize_MulC0_16s` | value | cepstrumLength to 8192 | |
+ *  | `weights` | in | cepstrumLength | |
+ *  | `scale`, `weight0`, `scaleFactor` | value | any | |
+ *  | `source` | in | state.dctLength | |
+ *  | `destination` | out | state.outputs | M, or M + 1 |
+ *  | `outputs` of `DCTLifterInit_*`, `DCTLifterInitAlloc_*` | is | cepstrumLength | M |
+ *  | `outputs` of `DCTLifterInit_*C0_*`, `DCTLifterInitAlloc_*C0_*` | is | cepstrumLength + 1 | M + 1 |
  *
- *  Statuses, in order:
- *  - `GetSize`: null; N or M below 1, N below M, (`MulC0_16s` only) N above 8192, or a size above 2147483647 (#qorStatusBadSize).
- *  - `Init`: null (block, weights); N, M or L below 1, N below M, or a size above 2147483647 (#qorStatusBadSize).
- *  - `InitAlloc`: the same, but #qorStatusNoMemory for the size and for a failed allocation; `*state` is then as it was.
- *  - Transforms, `Free`: null.
+ *  **Error** of a coefficient, relative to |lifter[i]| times the sum of |x[j]|, the largest for N up to 64: 8e-8 for orders 1 to
+ *  M, 3.3e-7 for order 0, which is summed serially. A weight of the sine is within 9e-8 of (1 + L/2) * scale.
+ *
+ *  | Members | Statuses, in order |
+ *  |---|---|
+ *  | `GetSize` | null; N or M below 1, N below M, (`MulC0_16s` only) N above 8192, or a size above 2147483647 (#qorStatusBadSize) |
+ *  | `Init` | null (block, weights); N, M or L below 1, N below M, or a size above 2147483647 (#qorStatusBadSize) |
+ *  | `InitAlloc` | the same, but #qorStatusNoMemory for the size and a failed allocation; `*state` is then as it was |
+ *  | transforms, `Free` | null |
+ *
+ *  @warning The coefficient of order 0, where there is one, comes last.
+ *
+ *  @warning `MulC0`, required: one weight, weights[M - 1], serves order M and order 0. qorsDCTLifterInit_MulC0_16s() takes integer
+ *  weights, qorsDCTLifterInitAlloc_MulC0_16s() float ones.
+ *
+ *  @warning A block must not be moved: its areas are aligned to its address.
+ *
+ *  **Exact arithmetic**
+ *  - Float throughout. The sum of an order from 1 to M runs in eight lanes: x[j] joins lane j mod 8, the last N mod 8 inputs join
+ *    lane 0 one by one, and the lanes are joined as ((l0 + l4) + (l2 + l6)) + ((l1 + l5) + (l3 + l7)). The sum of order 0 runs
+ *    serially. The weight is applied to the finished sum.
+ *  - The cosines are computed in double and stored as float. The sine lifter: 1 + L/2 sin(pi i / L) is formed in
+ *    double, rounded to float, then multiplied by scale in float.
+ *  - `16s` and `32s16s`: inputs are converted to float; results are multiplied by 2^-scaleFactor, rounded to nearest, ties to
+ *    even, and saturated; a NaN gives 0.
+ *  - Size in bytes, with N8 = N rounded up to a multiple of 8: `32f` 4 (M N8 + N8 + 2M) + 124; `16s` 4 (N8 (M + 1) + M) + 8M +
+ *    164; qorsDCTLifterGetSize_MulC0_16s() (4N + 36)(M + 1) + 8M + 132.
  *
  *  Source of the method: Davis and Mermelstein, "Comparison of Parametric Representations for Monosyllabic Word Recognition in
  *  Continuously Spoken Sentences", IEEE Transactions on Acoustics, Speech, and Signal Processing 28 (1980); the lifter: Juang,
@@ -1352,60 +2050,84 @@ typedef struct DCTLifterState_32f DCTLifterState_32f;
 /** A prepared transform on integer data, with scratch. */
 typedef struct DCTLifterState_16s DCTLifterState_16s;
 
-/** Bytes of a caller's block for N = dctLength inputs and M = cepstrumLength coefficients. */
+/** Bytes of a caller's block: float data, sine lifter. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterGetSize_32f(int32_t dctLength, int32_t cepstrumLength, int32_t* size);
+/** Bytes of a caller's block: float data, sine lifter, with order 0. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterGetSize_C0_32f(int32_t dctLength, int32_t cepstrumLength, int32_t* size);
+/** Bytes of a caller's block: float data, given weights. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterGetSize_Mul_32f(int32_t dctLength, int32_t cepstrumLength, int32_t* size);
+/** Bytes of a caller's block: float data, given weights, with order 0. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterGetSize_MulC0_32f(int32_t dctLength, int32_t cepstrumLength, int32_t* size);
+/** Bytes of a caller's block: integer data, sine lifter. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterGetSize_16s(int32_t dctLength, int32_t cepstrumLength, int32_t* size);
+/** Bytes of a caller's block: integer data, sine lifter, with order 0. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterGetSize_C0_16s(int32_t dctLength, int32_t cepstrumLength, int32_t* size);
+/** Bytes of a caller's block: integer data, given weights. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterGetSize_Mul_16s(int32_t dctLength, int32_t cepstrumLength, int32_t* size);
+/** Bytes of a caller's block: integer data, given weights, with order 0. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterGetSize_MulC0_16s(int32_t dctLength, int32_t cepstrumLength, int32_t* size);
 
-/** Makes a state in the caller's block. */
+/** Makes a state in the caller's block: float data, sine lifter. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterInit_32f(DCTLifterState_32f* state, int32_t dctLength, int32_t cepstrumLength,
                                           int32_t lifterLength, float scale);
+/** Makes a state in the caller's block: integer data, sine lifter. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterInit_16s(DCTLifterState_16s* state, int32_t dctLength, int32_t cepstrumLength,
                                           int32_t lifterLength, float scale);
+/** Makes a state in the caller's block: float data, sine lifter, with order 0. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterInit_C0_32f(DCTLifterState_32f* state, int32_t dctLength, int32_t cepstrumLength,
                                              int32_t lifterLength, float scale, float weight0);
+/** Makes a state in the caller's block: integer data, sine lifter, with order 0. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterInit_C0_16s(DCTLifterState_16s* state, int32_t dctLength, int32_t cepstrumLength,
                                              int32_t lifterLength, float scale, float weight0);
+/** Makes a state in the caller's block: float data, given weights. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterInit_Mul_32f(DCTLifterState_32f* state, int32_t dctLength, const float* weights,
                                               int32_t cepstrumLength);
+/** Makes a state in the caller's block: integer data, given weights. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterInit_Mul_16s(DCTLifterState_16s* state, int32_t dctLength, const float* weights,
                                               int32_t cepstrumLength);
+/** Makes a state in the caller's block: float data, given weights, with order 0. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterInit_MulC0_32f(DCTLifterState_32f* state, int32_t dctLength, const float* weights,
                                                 int32_t cepstrumLength);
+/** Makes a state in the caller's block: integer data, given weights, with order 0. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterInit_MulC0_16s(DCTLifterState_16s* state, int32_t dctLength, const int32_t* weights,
                                                 int32_t cepstrumLength);
 
-/** Makes a state in allocated memory and stores its address in *state. */
+/** Makes a state in allocated memory: float data, sine lifter. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterInitAlloc_32f(DCTLifterState_32f** state, int32_t dctLength, int32_t cepstrumLength,
                                                int32_t lifterLength, float scale);
+/** Makes a state in allocated memory: integer data, sine lifter. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterInitAlloc_16s(DCTLifterState_16s** state, int32_t dctLength, int32_t cepstrumLength,
                                                int32_t lifterLength, float scale);
+/** Makes a state in allocated memory: float data, sine lifter, with order 0. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterInitAlloc_C0_32f(DCTLifterState_32f** state, int32_t dctLength, int32_t cepstrumLength,
                                                   int32_t lifterLength, float scale, float weight0);
+/** Makes a state in allocated memory: integer data, sine lifter, with order 0. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterInitAlloc_C0_16s(DCTLifterState_16s** state, int32_t dctLength, int32_t cepstrumLength,
                                                   int32_t lifterLength, float scale, float weight0);
+/** Makes a state in allocated memory: float data, given weights. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterInitAlloc_Mul_32f(DCTLifterState_32f** state, int32_t dctLength, const float* weights,
                                                    int32_t cepstrumLength);
+/** Makes a state in allocated memory: integer data, given weights. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterInitAlloc_Mul_16s(DCTLifterState_16s** state, int32_t dctLength, const float* weights,
                                                    int32_t cepstrumLength);
+/** Makes a state in allocated memory: float data, given weights, with order 0. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterInitAlloc_MulC0_32f(DCTLifterState_32f** state, int32_t dctLength, const float* weights,
                                                      int32_t cepstrumLength);
+/** Makes a state in allocated memory: integer data, given weights, with order 0. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterInitAlloc_MulC0_16s(DCTLifterState_16s** state, int32_t dctLength, const float* weights,
                                                      int32_t cepstrumLength);
 
-/** Releases an allocated state. */
+/** Releases a state from InitAlloc: float data. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterFree_32f(DCTLifterState_32f* state);
+/** Releases a state from InitAlloc: integer data. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifterFree_16s(DCTLifterState_16s* state);
 
-/** source: N values; destination: M coefficients, or M + 1. */
+/** Liftered cepstral coefficients of one frame: float. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifter_32f(const float* source, float* destination, const DCTLifterState_32f* state);
+/** Liftered cepstral coefficients of one frame: 16-bit, scaled. The state is written. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifter_16s_Sfs(const int16_t* source, int16_t* destination, DCTLifterState_16s* state,
                                           int32_t scaleFactor);
+/** Liftered cepstral coefficients of one frame: 32 to 16 bits, scaled. The state is written. @see @ref dct_lifter */
 QORSR_API QorStatus qorsDCTLifter_32s16s_Sfs(const int32_t* source, int16_t* destination, DCTLifterState_16s* state,
                                              int32_t scaleFactor);
 /** @} */
@@ -1415,33 +2137,15 @@ QORSR_API QorStatus qorsDCTLifter_32s16s_Sfs(const int32_t* source, int16_t* des
  *  side, the features x(t), width elements, then d(t), and in the `DeltaDelta` members a(t). Row t is time t; `step` elements lie
  *  between destination rows.
  *
- *  **Streaming members** (`Delta`, `DeltaMul`, `DeltaDelta`, `DeltaDeltaMul`): an utterance arrives in blocks of `height` source
- *  rows, dense, width elements each. A block's rows are appended to the destination, and the derivatives that have all frames of
- *  their window are computed. `flags`: 1 (begin) marks the first block of an utterance, 2 (end) the last; other bits have no
- *  effect.
- *  - With begin, the first source row becomes destination row 0. The block has at least B rows.
- *  - Without it, the caller points the destination so that rows 0 to B - 1 are the last B rows of the block before, as that call
- *    left them; the first source row becomes row B. B is the look-back:
- *
- *    | member | `Win1` | `Win2` | `Aurora` |
- *    |---|---|---|---|
- *    | `Delta`, `DeltaMul` | 2 | 4 | |
- *    | `DeltaDelta`, `DeltaDeltaMul` | 3 | 6 | 8 |
- *  - With end, the derivatives that waited for future frames are finished. An end without rows (height 0) is allowed.
- *
- *  Frames before the first and behind the last take the value of the first and the last frame; accelerations extend d in the same
- *  way. Blocks of any sizes give the same bits as one. Columns of rows that still wait, and gaps, are not touched.
- *
- *  Windows, with q the multiplier (`Delta`, `DeltaDelta`: one for d, one for a):
+ *  **Windows**, with q the multiplier (`Delta`, `DeltaDelta`: one for d, one for a):
  *  - `Win1`: d(t) = (x(t+1) - x(t-1)) q.
- *  - `Win2`: d(t) = (x(t+1) - x(t-1) + p + p) q with p = x(t+2) - x(t-2), in this order: ten times the slope of a regression over
- *    five frames.
+ *  - `Win2`: d(t) = (x(t+1) - x(t-1) + p + p) q with p = x(t+2) - x(t-2): ten times the slope of a regression over five frames.
  *  - a(t) is the same window over d.
- *  - `Mul`: a table in place of multipliers, one entry for each element of a destination row: features are stored as
- *    x(t)[i] * table[i], the window over the stored features is multiplied by table[width + i], that over the stored deltas by
- *    table[2 width + i].
- *  - `Aurora`: width 13. A source row has 14 elements: 12 coefficients, then c0 and the log energy, which become feature 12:
- *    (c0 * 0.6) / 23 + logE * 0.4. Both windows span nine frames of features, added from the left:
+ *  - `Mul`: a table in place of multipliers, one entry for each element of a destination row: features are stored as x(t)[i] *
+ *    table[i], the window over the stored features is multiplied by table[width + i], that over the stored deltas by table[2 width
+ *    + i].
+ *  - `Aurora`: width 13. A source row has 14 elements: 12 coefficients, then c0 and the log energy, which become feature 12: (c0 *
+ *    0.6) / 23 + logE * 0.4. Both windows span nine frames of features:
  *
  *        d(t) = -x(t-4) - 0.75 x(t-3) - 0.5 x(t-2) - 0.25 x(t-1) + 0.25 x(t+1) + 0.5 x(t+2) + 0.75 x(t+3) + x(t+4)
  *        a(t) = x(t-4) + 0.25 x(t-3) - 0.285714 x(t-2) - 0.607143 x(t-1) - 0.714286 x(t)
@@ -1449,34 +2153,98 @@ QORSR_API QorStatus qorsDCTLifter_32s16s_Sfs(const int32_t* source, int16_t* des
  *
  *    On a constant signal these are 0 up to rounding (the coefficients of a have six digits).
  *
- *  **Whole utterances** (`EvalDelta`): the buffer holds `height` rows; in each, `width` features begin at element `offset`, and the
- *  deltas are written behind them. With W the window size and k from 1 to W:
+ *  Frames before the first and behind the last take the value of the first and the last frame; accelerations extend d in the same
+ *  way.
+ *
+ *  **Streaming members** (`Delta`, `DeltaMul`, `DeltaDelta`, `DeltaDeltaMul`): an utterance arrives in blocks of `height` source
+ *  rows, dense, width elements each. A block's rows are appended to the destination, and the derivatives that have all frames of
+ *  their window are computed. Blocks of any sizes give the same bits as one. `flags`: #qorDeltaBegin marks the first block of an
+ *  utterance, #qorDeltaEnd the last; other bits have no effect.
+ *  - With begin, the first source row becomes destination row 0. The block has at least B rows.
+ *  - Without it, the caller points the destination so that rows 0 to B - 1 are the last B rows of the block before, as that call
+ *    left them; the first source row becomes row B. B is the look-back:
+ *
+ *     | member | `Win1` | `Win2` | `Aurora` |
+ *     |---|---|---|---|
+ *     | `Delta`, `DeltaMul` | 2 | 4 | |
+ *     | `DeltaDelta`, `DeltaDeltaMul` | 3 | 6 | 8 |
+ *
+ *  - With end, the derivatives that waited for future frames are finished. An end without rows (height 0) is allowed.
+ *
+ *  **Whole utterances** (`EvalDelta`): the buffer holds `height` rows; in each, `width` features begin at element `offset`, and
+ *  the deltas are written behind them. With W the window size and k from 1 to W:
  *
  *      rows 0 to W - 1                  d(r) = q * sum of k (x(r+k) - x(0))
  *      rows W to height - W - 1         d(r) = q * sum of k (x(r+k) - x(r-k))
  *      rows height - W to height - 1    d(r) = q * sum of k (x(height-1) - x(r-k))
  *
- *  required: the edge rows subtract, or take, the edge row in every term. 1 / (2 sum of k^2) for q gives the slope per frame.
- *  `EvalDeltaMul` takes table[width + i] for q; features stay as they are, and the first width entries are not read. Float sums
- *  take k in ascending order.
+ *  1 / (2 sum of k^2) for q gives the slope per frame. `EvalDeltaMul` takes table[width + i] for q; features stay as they are, and
+ *  the first width entries are not read.
  *
  *  **16 bits.** A positive scale factor is an arithmetic right shift of a 32-bit value, without rounding; a negative one is a left
- *  shift, which loses high bits; what results is limited to -32768 .. 32767.
- *  - `Win1`, `Win2`: differences and window sums wrap to 16 bits; their exact product with the multiplier is shifted and limited.
- *    Features are copied, or in `Mul` members multiplied, shifted and limited in the same way.
- *  - `DeltaDelta_Aurora`: features are shifted and limited (feature 12: truncated first); four times the delta, an exact integer,
- *    is shifted by scaleFactor + 2 and limited; the acceleration's float sum is truncated, shifted and limited.
- *  - `DeltaDeltaMul_Aurora`: features, deltas (the exact sum shifted right by 2) and accelerations (truncated) are limited to 16
- *    bits; their exact product with the table's entry is shifted and limited.
- *  - `EvalDelta`: differences wrap to 16 bits; the sum of their products with k, and its product with the multiplier, wrap to 32
- *    bits; the latter is shifted and limited.
+ *  shift, which loses high bits; what results is limited to -32768 .. 32767. With a multiplier that has g fraction bits,
+ *  scaleFactor g leaves deltas in the units of the features.
  *
- *  Statuses of the streaming members, in order: null (source, destination, table); width below 1 or height below 0; height 0
- *  without end (#qorStatusBadSize); step below 2 width (`Delta`), 3 width (`DeltaDelta`) or 39 (`Aurora`) (#qorStatusBadStride);
- *  begin with a height below B (#qorStatusBadSize).
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `source` | in | height x width | frames, one a row |
+ *  | `source` of `*_Aurora_*` | in | height x 14 | |
+ *  | `multipliers` | in | 2 * width | |
+ *  | `multipliers` of `DeltaDeltaMul_*` | in | 3 * width | |
+ *  | `multipliers` of `DeltaDeltaMul_Aurora_*` | in | 39 | |
+ *  | `destination` | in, out | rows x parts * width, step apart | |
+ *  | `destination` of `*_Aurora_*` | in, out | rows x 39, step apart | |
+ *  | `buffer` | in, out | height x offset + 2 * width, step apart | |
+ *  | `width`, `windowSize` | value | at least 1 | |
+ *  | `offset` | value | at least 0 | |
+ *  | `height` | value | at least if(flags & 1, lookBack, if(flags & 2, 0, 1)) | |
+ *  | `height` of `EvalDelta*` | value | at least 2 * windowSize | |
+ *  | `step` | value | at least parts * width | |
+ *  | `step` of `*_Aurora_*` | value | at least 39 | |
+ *  | `step` of `EvalDelta*` | value | at least offset + 2 * width | |
+ *  | `multiplier`, `deltaMultiplier`, `accelerationMultiplier` | value | any | |
+ *  | `flags`, `scaleFactor` | value | any | |
+ *  | `rows` of `Delta*` | is | height + if(flags & 1, 0, lookBack) | |
+ *  | `parts` of `Delta_*`, `DeltaMul_*` | is | 2 | |
+ *  | `parts` of `DeltaDelta_*`, `DeltaDeltaMul_*` | is | 3 | |
+ *  | `lookBack` of `Delta_Win1_*`, `DeltaMul_Win1_*` | is | 2 | B |
+ *  | `lookBack` of `Delta_Win2_*`, `DeltaMul_Win2_*` | is | 4 | |
+ *  | `lookBack` of `DeltaDelta*_Win1_*` | is | 3 | |
+ *  | `lookBack` of `DeltaDelta*_Win2_*` | is | 6 | |
+ *  | `lookBack` of `DeltaDelta*_Aurora_*` | is | 8 | |
  *
- *  Statuses of `EvalDelta`, in order: null (buffer, table); height, width or windowSize below 1, offset below 0, or height below
- *  2 windowSize (#qorStatusBadSize); step below offset + 2 width (#qorStatusBadStride).
+ *  | Status of the streaming members, in order | When |
+ *  |---|---|
+ *  | #qorStatusNullPointer | source, destination or table is null |
+ *  | #qorStatusBadSize | width below 1 or height below 0; height 0 without end |
+ *  | #qorStatusBadStride | step below 2 width (`Delta`), 3 width (`DeltaDelta`) or 39 (`Aurora`) |
+ *  | #qorStatusBadSize | begin with a height below B |
+ *
+ *  | Status of `EvalDelta`, in order | When |
+ *  |---|---|
+ *  | #qorStatusNullPointer | buffer or table is null |
+ *  | #qorStatusBadSize | height, width or windowSize below 1, offset below 0, or height below 2 windowSize |
+ *  | #qorStatusBadStride | step below offset + 2 width |
+ *
+ *  @warning A stream ends with #qorDeltaEnd; a call with height 0 does it, but `source` must not be null then either.
+ *
+ *  @warning Without #qorDeltaBegin the destination begins B rows before the first new one. These rows must be as the call before
+ *  left them.
+ *
+ *  @warning The edge rows of `EvalDelta`, required: they subtract, or take, the edge row in every term, so they are no regression
+ *  and differ from those of the streaming members.
+ *
+ *  **Exact arithmetic**
+ *  - Columns of rows that still wait, and gaps, are not touched.
+ *  - Float sums are taken in the order written; those of `Aurora` from the left, of `EvalDelta` with k in ascending order.
+ *  - 16-bit `Win1`, `Win2`: differences and window sums wrap to 16 bits; their exact product with the multiplier is shifted and
+ *    limited. Features are copied, or in `Mul` members multiplied, shifted and limited in the same way.
+ *  - `DeltaDelta_Aurora_16s`: features are shifted and limited (feature 12: truncated first); four times the delta, an exact
+ *    integer, is shifted by scaleFactor + 2 and limited; the acceleration's float sum is truncated, shifted and limited.
+ *  - `DeltaDeltaMul_Aurora_16s`: features, deltas (the exact sum shifted right by 2) and accelerations (truncated) are limited to
+ *    16 bits; their exact product with the table's entry is shifted and limited.
+ *  - `EvalDelta_16s`: differences wrap to 16 bits; the sum of their products with k, and its product with the multiplier, wrap to
+ *    32 bits; the latter is shifted and limited.
  *
  *  Source of the method: Furui, "Speaker-Independent Isolated Word Recognition Using Dynamic Features of Speech Spectrum", IEEE
  *  Transactions on Acoustics, Speech, and Signal Processing 34 (1986); the Aurora windows: ETSI ES 202 050. @{ */
@@ -1487,61 +2255,85 @@ enum {
   qorDeltaEnd = 2    /**< The block is the last of its utterance. */
 };
 
+/** Features and deltas of a block: float, Win1; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDelta_Win1_32f_D2(const float* source, int32_t width, float* destination, int32_t step, int32_t height,
                                           float multiplier, int32_t flags);
+/** Features and deltas of a block: float, Win2; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDelta_Win2_32f_D2(const float* source, int32_t width, float* destination, int32_t step, int32_t height,
                                           float multiplier, int32_t flags);
+/** Features and deltas of a block: float, Win1, table; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDeltaMul_Win1_32f_D2(const float* source, const float* multipliers, int32_t width, float* destination,
                                              int32_t step, int32_t height, int32_t flags);
+/** Features and deltas of a block: float, Win2, table; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDeltaMul_Win2_32f_D2(const float* source, const float* multipliers, int32_t width, float* destination,
                                              int32_t step, int32_t height, int32_t flags);
+/** Features, deltas, accelerations of a block: float, Win1; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDeltaDelta_Win1_32f_D2(const float* source, int32_t width, float* destination, int32_t step, int32_t height,
                                                float deltaMultiplier, float accelerationMultiplier, int32_t flags);
+/** Features, deltas, accelerations of a block: float, Win2; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDeltaDelta_Win2_32f_D2(const float* source, int32_t width, float* destination, int32_t step, int32_t height,
                                                float deltaMultiplier, float accelerationMultiplier, int32_t flags);
+/** Features, deltas, accelerations of a block: float, Win1, table; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDeltaDeltaMul_Win1_32f_D2(const float* source, const float* multipliers, int32_t width, float* destination,
                                                   int32_t step, int32_t height, int32_t flags);
+/** Features, deltas, accelerations of a block: float, Win2, table; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDeltaDeltaMul_Win2_32f_D2(const float* source, const float* multipliers, int32_t width, float* destination,
                                                   int32_t step, int32_t height, int32_t flags);
 
+/** Features and deltas of a block: 16-bit, Win1; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDelta_Win1_16s_D2Sfs(const int16_t* source, int32_t width, int16_t* destination, int32_t step,
                                              int32_t height, int16_t multiplier, int32_t flags, int32_t scaleFactor);
+/** Features and deltas of a block: 16-bit, Win2; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDelta_Win2_16s_D2Sfs(const int16_t* source, int32_t width, int16_t* destination, int32_t step,
                                              int32_t height, int16_t multiplier, int32_t flags, int32_t scaleFactor);
+/** Features and deltas of a block: 16-bit, Win1, table; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDeltaMul_Win1_16s_D2Sfs(const int16_t* source, const int16_t* multipliers, int32_t width,
                                                 int16_t* destination, int32_t step, int32_t height, int32_t flags,
                                                 int32_t scaleFactor);
+/** Features and deltas of a block: 16-bit, Win2, table; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDeltaMul_Win2_16s_D2Sfs(const int16_t* source, const int16_t* multipliers, int32_t width,
                                                 int16_t* destination, int32_t step, int32_t height, int32_t flags,
                                                 int32_t scaleFactor);
+/** Features, deltas, accelerations of a block: 16-bit, Win1; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDeltaDelta_Win1_16s_D2Sfs(const int16_t* source, int32_t width, int16_t* destination, int32_t step,
                                                   int32_t height, int16_t deltaMultiplier, int16_t accelerationMultiplier,
                                                   int32_t flags, int32_t scaleFactor);
+/** Features, deltas, accelerations of a block: 16-bit, Win2; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDeltaDelta_Win2_16s_D2Sfs(const int16_t* source, int32_t width, int16_t* destination, int32_t step,
                                                   int32_t height, int16_t deltaMultiplier, int16_t accelerationMultiplier,
                                                   int32_t flags, int32_t scaleFactor);
+/** Features, deltas, accelerations of a block: 16-bit, Win1, table; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDeltaDeltaMul_Win1_16s_D2Sfs(const int16_t* source, const int16_t* multipliers, int32_t width,
                                                      int16_t* destination, int32_t step, int32_t height, int32_t flags,
                                                      int32_t scaleFactor);
+/** Features, deltas, accelerations of a block: 16-bit, Win2, table; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDeltaDeltaMul_Win2_16s_D2Sfs(const int16_t* source, const int16_t* multipliers, int32_t width,
                                                      int16_t* destination, int32_t step, int32_t height, int32_t flags,
                                                      int32_t scaleFactor);
 
+/** Features, deltas, accelerations of a block: float, Aurora; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDeltaDelta_Aurora_32f_D2(const float* source, float* destination, int32_t step, int32_t height,
                                                  int32_t flags);
+/** Features, deltas, accelerations of a block: float, Aurora, table; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDeltaDeltaMul_Aurora_32f_D2(const float* source, const float* multipliers, float* destination, int32_t step,
                                                     int32_t height, int32_t flags);
+/** Features, deltas, accelerations of a block: 16-bit, Aurora; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDeltaDelta_Aurora_16s_D2Sfs(const int16_t* source, int16_t* destination, int32_t step, int32_t height,
                                                     int32_t flags, int32_t scaleFactor);
+/** Features, deltas, accelerations of a block: 16-bit, Aurora, table; destination is read and written. @see @ref delta */
 QORSR_API QorStatus qorsDeltaDeltaMul_Aurora_16s_D2Sfs(const int16_t* source, const int16_t* multipliers, int16_t* destination,
                                                        int32_t step, int32_t height, int32_t flags, int32_t scaleFactor);
 
+/** Deltas of an utterance, written behind its features in buffer: float, one multiplier. @see @ref delta */
 QORSR_API QorStatus qorsEvalDelta_32f_D2(float* buffer, int32_t height, int32_t step, int32_t width, int32_t offset,
                                          int32_t windowSize, float multiplier);
+/** Deltas of an utterance, written behind its features in buffer: float, table of multipliers. @see @ref delta */
 QORSR_API QorStatus qorsEvalDeltaMul_32f_D2(float* buffer, int32_t height, int32_t step, const float* multipliers, int32_t width,
                                             int32_t offset, int32_t windowSize);
+/** Deltas of an utterance, written behind its features in buffer: 16-bit, one multiplier. @see @ref delta */
 QORSR_API QorStatus qorsEvalDelta_16s_D2Sfs(int16_t* buffer, int32_t height, int32_t step, int32_t width, int32_t offset,
                                             int32_t windowSize, int16_t multiplier, int32_t scaleFactor);
+/** Deltas of an utterance, written behind its features in buffer: 16-bit, table of multipliers. @see @ref delta */
 QORSR_API QorStatus qorsEvalDeltaMul_16s_D2Sfs(int16_t* buffer, int32_t height, int32_t step, const int16_t* multipliers,
                                                int32_t width, int32_t offset, int32_t windowSize, int32_t scaleFactor);
 /** @} */
@@ -1694,6 +2486,27 @@ QORSR_API QorStatus qorsSchur_16s_Sfs(const int16_t* autocorrelations, int16_t* 
  *  too; what stood above is overwritten. Factor 1 keeps running sums over several calls. source: height rows of width elements;
  *  result: width rows of width elements.
  *
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `source` of `UpdateMean_*`, `MeanVarAcc_*` | in | length | |
+ *  | `source` of `AccCovarianceMatrix_*` | in | height x width, sourceStride apart | |
+ *  | `rows` | in | height x width | row pointers |
+ *  | `destination` | out | length | |
+ *  | `destination` of `UpdateMean_*` | in, out | length | the old means, and the new ones |
+ *  | `first`, `second`, `floors`, `counts` | in | length | |
+ *  | `sum` | out | 1 | |
+ *  | `means`, `squares` | in | length | |
+ *  | `squares` of `NewVar_*I*` | in, out | length | |
+ *  | `mean` | in | length | |
+ *  | `mean` of `AccCovarianceMatrix_*` | in | width | |
+ *  | `accumulatedMean`, `accumulatedVariance` | in, out | length | |
+ *  | `result` of `AccCovarianceMatrix_*_D2` | in, out | width x width, resultStride apart | |
+ *  | `result` of `AccCovarianceMatrix_*_D2L` | in, out | width x width | row pointers |
+ *  | `length`, `height`, `width` | value | at least 1 | |
+ *  | `sourceStride`, `resultStride` | value | at least width | |
+ *  | `occupancy`, `firstOccupancy`, `secondOccupancy`, `total` | value | at least 0 | |
+ *  | `floor`, `a`, `b`, `weight`, `factor`, `scaleFactor` | value | any | |
+ *
  *  Statuses, in order:
  *  - `UpdateMean`, `UpdateVar`, `UpdateWeight`: null; length below 1; any occupancy (total) negative, #qorStatusBadStatistic; any
  *    occupancy of magnitude up to the smallest normal number, #qorStatusZeroOccupancy, a warning with nothing written. A NaN
@@ -1770,6 +2583,20 @@ QORSR_API QorStatus qorsAccCovarianceMatrix_32f64f_D2L(const float* const* rows,
  *  an element a negative one decides before a zero. A NaN gives a NaN with #qorStatusOk, unless an element with a warning comes
  *  before it (in `GaussianDist` below 13, in double 11, elements, and in qorsGaussianMerge_32f: wherever such an element stands).
  *
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `mean1`, `variance1`, `mean2`, `variance2` | in | length | variances, not inverted |
+ *  | `mean`, `variance` of `GaussianMerge_*` | out | length | |
+ *  | `mean` of `GaussianSplit_*` | in, out | length | |
+ *  | `variance` of `GaussianSplit_*` | in | length | |
+ *  | `mean2`, `variance2` of `GaussianSplit_*` | out | length | |
+ *  | `result`, `det` | out | 1 | |
+ *  | `length` | value | at least 1 | |
+ *  | `weight1`, `weight2` | value | any | occupancies |
+ *  | `det1`, `det2` | value | any | n log(2 pi) - sum of log v |
+ *  | `logs1`, `logs2` | value | any | sums of log v |
+ *  | `factor` | value | any | 0.2 is usual |
+ *
  *  Statuses, in order: `GaussianDist`, `GaussianMerge`, qorsGaussianSplit_32f: length below 1, then null; qorsGaussianSplit_64f,
  *  `BhatDist`: null, then length. Nothing is allocated.
  *
@@ -1818,6 +2645,16 @@ QORSR_API QorStatus qorsBhatDistSLog_32f64f(const float* mean1, const float* var
  *  **Likelihood** (`DcsClustLCompute`). With N = occupancy, D = length and variances (N squares - sum^2) / N^2, in double:
  *  result = -N/2 (D (1 + log 2 pi) + sum of log variances) = N/2 (D ((log N - 1 - log 2 pi) + log N) - sum of log d),
  *  d = squares[i] * N - sum[i]^2.
+ *
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `mean`, `variance` | in | length | variances inverted, but with `DirectVar` |
+ *  | `sum`, `squares` | out | length | |
+ *  | `sum`, `squares` of `DcsClustLCompute_*` | in | length | |
+ *  | `result` | out | 1 | |
+ *  | `length` | value | at least 1 | |
+ *  | `occupancy` | value | any | |
+ *  | `occupancy` of `DcsClustLCompute_*` | value | at least 0 | |
  *
  *  Statuses, in order: null; length below 1; `DcsClustLCompute`: a negative occupancy, #qorStatusBadStatistic. Then warnings, with
  *  the result written: an occupancy of exactly zero, -1.0e10 and #qorStatusZeroOccupancy; the first d that is zero, minus infinity
@@ -1872,6 +2709,19 @@ QORSR_API QorStatus qorsDcsClustLCompute_64f(const double* sum, const double* sq
  *    converted to 32 bits with the scale factor: times 2^-sf in float, to nearest, ties to even, saturated. The sentinel is scaled
  *    too. `L2Low` computes the same as `L2`.
  *
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `source1` | in | height1 x width, stride apart | one vector a row |
+ *  | `source2` | in | height2 x width, stride apart | |
+ *  | `rows1` | in | height1 x width | row pointers |
+ *  | `rows2` | in | height2 x width | |
+ *  | `distance` | out | 1 | |
+ *  | `height1`, `height2`, `width` | value | at least 1 | |
+ *  | `stride` | value | at least width | |
+ *  | `delta` | value | any | rows |
+ *  | `beam` | value | any | distance |
+ *  | `scaleFactor` | value | any | |
+ *
  *  Statuses: a null sequence or distance (row pointers are not tested); a height or the width below 1, in `_D2` also a stride below
  *  the width (#qorStatusBadSize, required); #qorStatusNoMemory. Integer members always allocate, float ones where
  *  2 floor4(M + 8) + 2 ceil4(N) is above 512 (floor4, ceil4: down and up to a multiple of 4).
@@ -1916,6 +2766,22 @@ QORSR_API QorStatus qorsDTW_L2Low_16s32s_D2Sfs(const int16_t* source1, int32_t h
  *    results that hold NaN, always within the limit; so may a matrix whose values have
  *    squares outside the range of a double.
  *  - Both layouts give the same bits. Sums are grouped in four and eight lanes.
+ *
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `source` of `*_D2` | in | height x width, stride apart | A |
+ *  | `source` of `*_D2L` | in | height x width | A, row pointers |
+ *  | `matrix` | in, out | height x width, stride apart | A, then U |
+ *  | `rows` | in, out | height x width | A, then U, row pointers |
+ *  | `u` of `*_D2` | out | height x width, stride apart | |
+ *  | `u` of `*_D2L` | out | height x width | row pointers |
+ *  | `w` | out | width | singular values |
+ *  | `v` of `*_D2`, `*_D2_I` | out | width x width, stride apart | |
+ *  | `v` of `*_D2L`, `*_D2L_I` | out | width x width | row pointers |
+ *  | `height`, `width`, `limit` | value | at least 1 | |
+ *  | `stride` | value | at least width | |
+ *  | `firstColumn`, `secondColumn` | value | 0 to width - 1 | |
+ *  | `c`, `s` | value | any | cosine and sine |
  *
  *  Statuses, in order: null; height, width or limit below 1, in `_D2` also a stride below width (#qorStatusBadSize, required);
  *  #qorStatusNoMemory with nothing written (scratch is about width (height + width) doubles, less than 2^31 bytes);

@@ -1,4 +1,4 @@
-"""call_tables.py HEADER OUTPUT [--pending FAMILY,...]: the description of the interface as C++ tables, for tests/interface/calls.h."""
+"""call_tables.py HEADER OUTPUT: the description of the interface as C++ tables, for tests/interface/calls.h."""
 import argparse
 
 import description
@@ -135,7 +135,6 @@ class Tables:
 arguments = argparse.ArgumentParser()
 arguments.add_argument("header")
 arguments.add_argument("output")
-arguments.add_argument("--pending", default="", help="families whose table is still to be written, with commas between")
 options = arguments.parse_args()
 with open(options.output, "w", encoding="utf-8") as output:
-    output.write(Tables(description.read(options.header, options.pending.split(","))).text())
+    output.write(Tables(description.read(options.header)).text())

@@ -1,4 +1,4 @@
-"""check.py HEADER [--pending FAMILY,...] [--names]: says what the description of the interface lacks; with --names lists the functions."""
+"""check.py HEADER [--names]: says what the description of the interface lacks; with --names lists the functions."""
 import argparse
 import sys
 
@@ -6,11 +6,10 @@ import description
 
 arguments = argparse.ArgumentParser()
 arguments.add_argument("header")
-arguments.add_argument("--pending", default="", help="families whose table is still to be written, with commas between")
 arguments.add_argument("--names", action="store_true", help="list the functions, one a line, in the header's order")
 options = arguments.parse_args()
 
-interface = description.read(options.header, options.pending.split(","))
+interface = description.read(options.header)
 if options.names:
     print("\n".join(f.name for f in interface.header.functions))
     sys.exit()

@@ -206,14 +206,13 @@ def describe(parameter, line, records):
 
 
 def choose(lines, function, name, isa):
-    """The line for a parameter (or, if isa, for a named number) of a function."""
+    """The line for a parameter (or, if isa, a named number) of a function: one with patterns before one without, then the last."""
     fitting = [l for l in lines if name in l.parameters and (l.use == "is") == isa and l.fits(function)]
-    chosen = [l for l in fitting if l.patterns] or fitting
-    if len(chosen) > 1:
-        raise Mistake(f"{function.name}: two lines describe {name}: '{chosen[0].text}' and '{chosen[1].text}'")
-    for line in chosen:
-        line.used.add(name)
-    return chosen[0] if chosen else None
+    if not fitting:
+        return None
+    chosen = ([l for l in fitting if l.patterns] or fitting)[-1]
+    chosen.used.add(name)
+    return chosen
 
 
 def in_order(call):
@@ -223,6 +222,8 @@ def in_order(call):
         read = set().union(*(formula.names(t) for t in p.formulas())) if p.formulas() else set()
         if p.shape and p.shape.each:
             read = (read - {p.shape.each_name}) | {p.shape.each}
+        if p.kind == "block":  # its size follows from the numbers
+            read = {q.parameter.name for q in call.parameters if q.kind == "value"}
         needs[p.parameter.name] = read
     needs.update({name: formula.names(tree) for name, tree in call.names.items()})
     for name, read in needs.items():
@@ -262,7 +263,7 @@ def describe_family(family, records):
     if not mistakes:
         for line in lines:
             for name in set(line.parameters) - line.used:
-                mistakes.append(f"{family.name}: no function has the {name} that this line describes: {line.text}")
+                mistakes.append(f"{family.name}: no function has a {name} for this line (or other lines go before it): {line.text}")
             for pattern in line.patterns:
                 if not any(fnmatch.fnmatchcase(f.short, pattern) for f in family.functions):
                     mistakes.append(f"{family.name}: no function fits `{pattern}` in {line.text}")
@@ -272,21 +273,20 @@ def describe_family(family, records):
 class Description:
     """All calls by the name of their function, the mistakes, and how records come and go."""
 
-    def __init__(self, path, pending=()):
+    def __init__(self, path):
         self.header = header.read(path)
         self.calls, self.mistakes = {}, []
         for family in self.header.families:
-            if family.name in pending:
-                continue
             calls, mistakes = describe_family(family, self.header.records)
             self.calls.update({c.function.name: c for c in calls})
             self.mistakes += mistakes
         self.check_records()
 
     def made_by(self, call, record):
-        """The calls that make what the record parameter of a call may be."""
+        """The calls that make what the record parameter of a call may be. What lies in the caller's memory is not freed."""
+        kinds = ("makes",) if record.kind == "frees" else ("makes", "block")
         makers = [c for c in self.calls.values() for p in c.parameters
-                  if p.kind in ("makes", "block") and p.parameter.base == record.parameter.base]
+                  if p.kind in kinds and p.parameter.base == record.parameter.base]
         if record.patterns:
             makers = [m for m in makers if any(fnmatch.fnmatchcase(m.function.short, p) for p in record.patterns)]
         return makers
@@ -338,5 +338,5 @@ class Description:
                     raise Mistake(f"{maker.function.name} may have made {record}, and has no {name}")
 
 
-def read(path, pending=()):
-    return Description(path, pending)
+def read(path):
+    return Description(path)

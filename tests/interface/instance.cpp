@@ -39,38 +39,56 @@ MadeRecord::~MadeRecord() {
 }
 
 const Numbers& MadeRecord::numbers() const { return maker_->numbers_; }
-bool MadeRecord::blockTouched() const { return !maker_->touched(false).empty(); }
+bool MadeRecord::blockTouched() const {
+  return std::any_of(maker_->areas_.begin(), maker_->areas_.end(),
+                     [](const LaidArea& area) { return !area.touched(false).empty(); });
+}
 
-Instance::Instance(const Function& function, const Draw& draw, int depth)
-    : function_(&function), numbers_(nameCount()), arguments_(function.parameters.size()), records_(function.parameters.size()) {
+Instance::Instance(const Function& function, const Draw& draw, int depth) : function_(&function) {
   kit::Random random(draw.stream);
   if (draw.large && depth == 0 && !function.parameters.empty()) {
     const auto i = static_cast<std::size_t>(random.integer(0, static_cast<int64_t>(function.parameters.size()) - 1));
     largest_ = function.parameters[i].id;
   }
-  areas_.reserve(function.parameters.size());
-  for (const int item : function.order) {
+  int attempts = 0;
+  while (!drawAll(draw, random)) {
+    if (++attempts == 50) {
+      std::fprintf(stderr, "no numbers were found for %s\n", text().c_str());
+      std::abort();
+    }
+  }
+}
+
+// False if a number has no value, as what was drawn for others leaves none, or a block no size: one function may refuse what the other
+// accepts.
+bool Instance::drawAll(const Draw& draw, kit::Random& random) {
+  numbers_.assign(nameCount(), {});
+  arguments_.assign(function_->parameters.size(), {});
+  records_.clear();
+  records_.resize(function_->parameters.size());
+  areas_.clear();
+  areas_.reserve(function_->parameters.size());
+  for (const int item : function_->order) {
     if (item >= 0) {
-      this->draw(function.parameters[static_cast<std::size_t>(item)], draw, random, depth);
+      if (!this->draw(function_->parameters[static_cast<std::size_t>(item)], draw, random)) return false;
     } else {
-      const Named& named = function.names[static_cast<std::size_t>(-1 - item)];
+      const Named& named = function_->names[static_cast<std::size_t>(-1 - item)];
       Number& number = numbers_[static_cast<std::size_t>(named.id)];
       number.whole = named.formula(numbers_);
       number.real = static_cast<double>(number.whole);
     }
   }
-  coreBefore_ = kit::Core::contents();
+  return true;
 }
 
 Instance::~Instance() = default;
 
-void Instance::draw(const Parameter& parameter, const Draw& draw, kit::Random& random, int depth) {
+bool Instance::draw(const Parameter& parameter, const Draw& draw, kit::Random& random) {
   const auto index = static_cast<std::size_t>(&parameter - function_->parameters.data());
   Number& number = numbers_[static_cast<std::size_t>(parameter.id)];
   switch (parameter.kind) {
     case Kind::kValue:
-      drawValue(parameter, draw, random);
-      return;
+      return drawValue(parameter, draw, random);
     case Kind::kArea:
     case Kind::kRows:
       areas_.emplace_back(parameter, numbers_, draw, random);
@@ -80,26 +98,30 @@ void Instance::draw(const Parameter& parameter, const Draw& draw, kit::Random& r
       areas_.emplace_back(parameter, sizeof(void*), sizeof(void*), draw, random);
       break;
     case Kind::kBlock:
-      areas_.emplace_back(parameter, blockBytes(functionAt(parameter.partner)), sizeof(float), draw, random);
-      break;
+      if (const auto bytes = blockBytes(functionAt(parameter.partner))) {
+        areas_.emplace_back(parameter, *bytes, sizeof(float), draw, random);
+        break;
+      }
+      return false;
     case Kind::kRecord:
     case Kind::kFrees:
       records_[index] = std::make_unique<MadeRecord>(parameter, draw, random);
       number.record = &records_[index]->numbers();
       arguments_[index].pointer = records_[index]->record();
-      return;
+      return true;
   }
   arguments_[index].pointer = areas_.back().argument();
-  static_cast<void>(depth);
+  return true;
 }
 
-void Instance::drawValue(const Parameter& parameter, const Draw& draw, kit::Random& random) {
+bool Instance::drawValue(const Parameter& parameter, const Draw& draw, kit::Random& random) {
   const auto index = static_cast<std::size_t>(&parameter - function_->parameters.data());
   Number& number = numbers_[static_cast<std::size_t>(parameter.id)];
   const int64_t span = parameter.id == largest_ ? 300 : draw.large || random.integer(0, 1) == 0 ? 9 : 40;
-  withElement(parameter.element, [&](auto zero) {
+  return withElement(parameter.element, [&](auto zero) {
     using T = decltype(zero);
     const Domain& domain = parameter.domain;
+    if (const auto [low, high] = range<T>(domain, numbers_); low > high) return false;
     const T value = !domain.choices.empty() ? drawElement<T>(domain, numbers_, draw, random)
                     : domain.any()          ? drawAny<T>(draw, random)
                                             : drawWithin<T>(domain, numbers_, span, random);
@@ -109,10 +131,11 @@ void Instance::drawValue(const Parameter& parameter, const Draw& draw, kit::Rand
     } else {
       number.whole = arguments_[index].whole = value;
     }
+    return true;
   });
 }
 
-std::size_t Instance::blockBytes(const Function& sizer) const {
+std::optional<std::size_t> Instance::blockBytes(const Function& sizer) const {
   std::vector<Argument> arguments(sizer.parameters.size());
   int32_t size = 0;
   for (std::size_t i = 0; i < sizer.parameters.size(); ++i) {
@@ -126,11 +149,7 @@ std::size_t Instance::blockBytes(const Function& sizer) const {
       arguments[i].whole = number.whole;
     }
   }
-  const QorStatus status = sizer.invoke(arguments.data());
-  if (status < 0) {
-    std::fprintf(stderr, "%s refused what %s accepts: status %d\n%s\n", sizer.name, function_->name, status, text().c_str());
-    std::abort();
-  }
+  if (sizer.invoke(arguments.data()) < 0) return std::nullopt;
   return static_cast<std::size_t>(size);
 }
 
@@ -155,6 +174,7 @@ std::string Instance::text() const {
 }
 
 QorStatus Instance::call() {
+  coreBefore_ = kit::Core::contents();
   const QorStatus status = function_->invoke(arguments_.data());
   if (status < 0) return status;
   for (std::size_t i = 0; i < arguments_.size(); ++i) {

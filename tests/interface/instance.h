@@ -95,9 +95,10 @@ class Instance {
 
  private:
   friend class MadeRecord;
-  void draw(const Parameter& parameter, const Draw& draw, kit::Random& random, int depth);
-  void drawValue(const Parameter& parameter, const Draw& draw, kit::Random& random);
-  std::size_t blockBytes(const Function& sizer) const;
+  bool drawAll(const Draw& draw, kit::Random& random);
+  bool draw(const Parameter& parameter, const Draw& draw, kit::Random& random);
+  bool drawValue(const Parameter& parameter, const Draw& draw, kit::Random& random);
+  std::optional<std::size_t> blockBytes(const Function& sizer) const;
 
   const Function* function_;
   Numbers numbers_;

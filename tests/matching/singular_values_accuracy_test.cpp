@@ -85,8 +85,8 @@ TEST(SvdAccuracy, ValuesProductAndOrthogonality) {
     addDistanceFromOrthogonal(left, &orthogonal);
     addDistanceFromOrthogonal(right, &orthogonal);
   }
-  values.expectDocumented(1e-15L);
-  product.expectDocumented(3.3e-15L);
+  values.expectDocumented(3.3e-15L);
+  product.expectDocumented(1e-15L);
   orthogonal.expectDocumented(4.3e-15L);
 }
 
