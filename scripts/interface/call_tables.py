@@ -123,11 +123,14 @@ class Tables:
         rows = [self.function(c) for c in self.calls]
         mistakes = [f'    "{m}",'.replace("\\", "\\\\") for m in
                     (mistake.replace('"', "'") for mistake in self.interface.mistakes)]
+        statuses = [f'    {{"{name}", {value}, "{words}"}},' for name, value, words in self.interface.header.statuses]
         return "\n".join([
             "// Made from the tables in the public header by scripts/interface/call_tables.py.",
             '#include "interface/calls.h"', "", "namespace interface_calls {", "namespace {", *self.definitions, "",
             "constexpr Function kFunctions[] = {", *rows, "};", "const std::vector<std::string> kMistakes = {", *mistakes, "};",
+            "constexpr Status kStatuses[] = {", *statuses, "};",
             "}  // namespace", "std::span<const Function> functions() { return kFunctions; }",
+            "std::span<const Status> statuses() { return kStatuses; }",
             "const std::vector<std::string>& mistakes() { return kMistakes; }",
             f"std::size_t nameCount() {{ return {len(self.ids)}; }}", "}  // namespace interface_calls", ""])
 

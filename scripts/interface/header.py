@@ -4,6 +4,7 @@ from dataclasses import dataclass, field
 
 DECLARATION = re.compile(r"QORSR_API\s+(?P<result>[\w\s*]+?)(?P<name>qors\w+)\((?P<parameters>[^;{]*?)\)\s*;")
 COMMENT = re.compile(r"/\*\*(?P<text>.*?)\*/", re.S)
+STATUS = re.compile(r"(?P<name>qorStatus\w+)\s*=\s*(?P<value>-?\d+),?\s*/\*\*<\s*(?P<text>.*?)\s*\*/")
 OPAQUE = re.compile(r"typedef\s+struct\s+(\w+)\s+\1\s*;")
 
 
@@ -57,6 +58,7 @@ class Family:
 class Header:
     families: list
     records: set  # names of the opaque state records
+    statuses: list  # (name, value, text)
 
     @property
     def functions(self):
@@ -111,4 +113,4 @@ def read(path):
                 Function(item["name"], re.sub(r"\s*\*", "*", item["result"]).strip(), parameters(item["parameters"]), current,
                          comment, line))
             last_comment_end = item.end()
-    return Header(families, set(OPAQUE.findall(text)))
+    return Header(families, set(OPAQUE.findall(text)), STATUS.findall(text))

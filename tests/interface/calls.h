@@ -82,7 +82,14 @@ struct Function {
   QorStatus (*invoke)(const Argument*);
 };
 
+struct Status {  // a value of QorStatus, with its comment in the header
+  const char* name;
+  QorStatus value;
+  const char* text;
+};
+
 std::span<const Function> functions();
+std::span<const Status> statuses();
 const std::vector<std::string>& mistakes();  // of the description; what they concern is not among the functions
 
 }  // namespace interface_calls

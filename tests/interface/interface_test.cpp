@@ -6,6 +6,7 @@
 
 #include "interface/instance.h"
 #include "kit/core.h"
+#include "qorsr_status.h"
 
 namespace interface_calls {
 namespace {
@@ -104,6 +105,17 @@ TEST_P(Described, RefusesOtherValues) {
 
 std::string name(const testing::TestParamInfo<std::size_t>& info) { return functions()[info.param].name; }
 INSTANTIATE_TEST_SUITE_P(Interface, Described, testing::Range<std::size_t>(0, functions().size()), name);
+
+// qorsr_status.h has the words of the public header.
+TEST(Status, HasItsWords) {
+  EXPECT_GT(statuses().size(), 30u);
+  for (const Status& status : statuses()) {
+    EXPECT_STREQ(qorStatusName(status.value), status.name);
+    EXPECT_STREQ(qorStatusText(status.value), status.text);
+  }
+  EXPECT_STREQ(qorStatusName(12345), "unknown");
+  EXPECT_STREQ(qorStatusText(12345), "No status of this library.");
+}
 
 TEST(Description, IsWhole) {
   for (const std::string& mistake : mistakes()) ADD_FAILURE() << mistake;
