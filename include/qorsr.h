@@ -30,6 +30,8 @@
 
 #include <stdint.h>
 
+/** @def QORSR_API
+ *  Marks what the library exports. */
 #if defined(__GNUC__)
 #define QORSR_API __attribute__((visibility("default")))
 #else
@@ -2401,29 +2403,30 @@ QORSR_API QorStatus qorsEvalDeltaMul_16s_D2Sfs(int16_t* buffer, int32_t height, 
  *  Source: Makhoul, "Linear Prediction: A Tutorial Review", Proc. IEEE 63 (1975); Markel and Gray, "Linear Prediction of Speech"
  *  (1976); Le Roux and Gueguen, IEEE Trans. ASSP 25 (1977) for the recursion of Schur. @{ */
 
-/** Error filter of a float signal by its autocorrelations. */
+/** Error filter of a float signal by its autocorrelations. @see @ref linear_prediction */
 QORSR_API QorStatus qorsLinearPrediction_Auto_32f(const float* source, int32_t length, float* destination, int32_t order);
-/** Error filter of a 16-bit signal by its autocorrelations, times 2^-scaleFactor. */
+/** Error filter of a 16-bit signal by its autocorrelations, times 2^-scaleFactor. @see @ref linear_prediction */
 QORSR_API QorStatus qorsLinearPrediction_Auto_16s_Sfs(const int16_t* source, int32_t length, int16_t* destination, int32_t order,
                                                       int32_t scaleFactor);
-/** Predictor of a float signal by its autocorrelations: the error filter's coefficients, negated. */
+/** Predictor of a float signal by its autocorrelations: the error filter's coefficients, negated. @see @ref linear_prediction */
 QORSR_API QorStatus qorsLinearPredictionNeg_Auto_32f(const float* source, int32_t length, float* destination, int32_t order);
-/** Predictor of a 16-bit signal by its autocorrelations, times 2^-scaleFactor. */
+/** Predictor of a 16-bit signal by its autocorrelations, times 2^-scaleFactor. @see @ref linear_prediction */
 QORSR_API QorStatus qorsLinearPredictionNeg_Auto_16s_Sfs(const int16_t* source, int32_t length, int16_t* destination, int32_t order,
                                                          int32_t scaleFactor);
-/** Predictor of a float signal by the covariance method. */
+/** Predictor of a float signal by the covariance method. @see @ref linear_prediction */
 QORSR_API QorStatus qorsLinearPrediction_Cov_32f(const float* source, int32_t length, float* destination, int32_t order);
-/** Predictor of a 16-bit signal by the covariance method, times 2^-scaleFactor. */
+/** Predictor of a 16-bit signal by the covariance method, times 2^-scaleFactor. @see @ref linear_prediction */
 QORSR_API QorStatus qorsLinearPrediction_Cov_16s_Sfs(const int16_t* source, int32_t length, int16_t* destination, int32_t order,
                                                      int32_t scaleFactor);
-/** Error filter from float autocorrelations, and the energy of its error (Levinson and Durbin). */
+/** Error filter from float autocorrelations, and the energy of its error (Levinson and Durbin). @see @ref linear_prediction */
 QORSR_API QorStatus qorsDurbin_32f(const float* autocorrelations, float* destination, int32_t order, float* residual);
-/** Error filter from 16-bit autocorrelations, times 2^-scaleFactor, and the energy of its error. */
+/** Error filter from 16-bit autocorrelations, times 2^-scaleFactor, and the energy of its error. @see @ref linear_prediction */
 QORSR_API QorStatus qorsDurbin_16s_Sfs(const int16_t* autocorrelations, int16_t* destination, int32_t order, float* residual,
                                        int32_t scaleFactor);
-/** Reflection coefficients from float autocorrelations, and the energy of the error (Schur). */
+/** Reflection coefficients from float autocorrelations, and the energy of the error (Schur). @see @ref linear_prediction */
 QORSR_API QorStatus qorsSchur_32f(const float* autocorrelations, float* destination, int32_t order, float* residual);
-/** Reflection coefficients from 16-bit autocorrelations, times 2^-scaleFactor, and the energy of the error. */
+/** Reflection coefficients from 16-bit autocorrelations, times 2^-scaleFactor, and the energy of the error.
+ *  @see @ref linear_prediction */
 QORSR_API QorStatus qorsSchur_16s_Sfs(const int16_t* autocorrelations, int16_t* destination, int32_t order, float* residual,
                                       int32_t scaleFactor);
 /** @} */
@@ -2454,37 +2457,20 @@ QORSR_API QorStatus qorsSchur_16s_Sfs(const int16_t* autocorrelations, int16_t* 
 
 /** @defgroup re_estimation Model re-estimation
  *  New Gaussian parameters and mixture weights from accumulated statistics: the maximisation step of Baum-Welch training, and the
- *  accumulation of moments that feeds it. Vectors have `length` elements; all arithmetic runs in the element type, each operation
- *  rounded on its own.
+ *  accumulation of moments that feeds it.
  *
- *  **Means** (`UpdateMean`). destination[i] += source[i] / occupancy: with source the sum of occ (x - mean), the old mean becomes
- *  the new one. float multiplies by the reciprocal, formed once; double divides. The destination is not cleared. It may overlap the
- *  source: elements are then updated one by one, upwards.
- *
- *  **Variances** (`UpdateVar`). m = first[i] / firstOccupancy, v = second[i] / secondOccupancy - m^2, and destination[i] is v where
- *  floors[i] < v, else floors[i]: a value equal to its floor, and a NaN, take the floor. float multiplies by reciprocals, double
- *  divides. #qorStatusAllFloored when every element took its floor; all are written.
- *
- *  **Weights** (`UpdateWeight`). w = counts[i] * (1 / total), and destination[i] is w where floor < w, else the floor. sum: the sum
- *  of the weights as stored, by which the caller normalises (nothing is normalised here). It runs in four lanes of float, element
- *  4k + j in lane j, joined as (l0 + l2) + (l1 + l3), or in two lanes of double; up to three (one) last elements go to lane 0.
- *  #qorStatusAllFloored when every weight is at the floor; all are written, the sum too.
- *
- *  **New variances** (`NewVar`). (squares[i] - means[i]^2 * a) * b, from sums with a and b the reciprocals of counts; no floor, no
- *  clamp: a negative result is stored.
- *  - `32f`: means[i]^2 is rounded to float, all else runs in double and is rounded once. The destination may overlap the sources:
- *    elements are then computed one by one, upwards. `32f_I`, required: all in float, so the last bits of the two differ.
- *  - `32s`: data are rounded to float, the formula runs in float, and the result is scaled by 2^-sf. required: with means and
- *    squares on 16-byte boundaries it is rounded to nearest even, saturated, and a NaN gives 0; otherwise it is truncated, and a
- *    NaN or a value out of range gives -2147483648.
- *
- *  **Moments** (`MeanVarAcc`). d = source[i] - mean[i], e = d * weight; accumulatedMean[i] += e, accumulatedVariance[i] += d * e.
- *
- *  **Covariances** (`AccCovarianceMatrix`). For each row in order, with d = row - mean: S[i][j] += d[i] * d[j] for j up to i, in
- *  double (16-bit differences are exact, float ones are rounded to float). Then the lower triangle, diagonal included, is
- *  multiplied by `factor`, and copied to the upper one. What stood in the lower triangle before is part of the sum and multiplied
- *  too; what stood above is overwritten. Factor 1 keeps running sums over several calls. source: height rows of width elements;
- *  result: width rows of width elements.
+ *  - **Means** (`UpdateMean`): destination[i] += source[i] / occupancy. With source the sum of occ (x - mean), the old mean
+ *    becomes the new one.
+ *  - **Variances** (`UpdateVar`): m = first[i] / firstOccupancy, v = second[i] / secondOccupancy - m^2, and destination[i] =
+ *    max(v, floors[i]).
+ *  - **Weights** (`UpdateWeight`): destination[i] = max(counts[i] / total, floor); sum is the sum of the weights as stored, by
+ *    which the caller normalises.
+ *  - **New variances** (`NewVar`): (squares[i] - means[i]^2 * a) * b, from sums with a and b the reciprocals of counts. `32s`
+ *    results are scaled by 2^-sf.
+ *  - **Moments** (`MeanVarAcc`): d = source[i] - mean[i], e = d * weight; accumulatedMean[i] += e, accumulatedVariance[i] += d *
+ *    e.
+ *  - **Covariances** (`AccCovarianceMatrix`): with S what result holds, result = factor * (S + sum over rows of (row - mean)(row -
+ *    mean)^T). Factor 1 keeps running sums over several calls.
  *
  *  | Parameter | Use | Elements, or values | |
  *  |---|---|---|---|
@@ -2507,81 +2493,106 @@ QORSR_API QorStatus qorsSchur_16s_Sfs(const int16_t* autocorrelations, int16_t* 
  *  | `occupancy`, `firstOccupancy`, `secondOccupancy`, `total` | value | at least 0 | |
  *  | `floor`, `a`, `b`, `weight`, `factor`, `scaleFactor` | value | any | |
  *
- *  Statuses, in order:
- *  - `UpdateMean`, `UpdateVar`, `UpdateWeight`: null; length below 1; any occupancy (total) negative, #qorStatusBadStatistic; any
- *    occupancy of magnitude up to the smallest normal number, #qorStatusZeroOccupancy, a warning with nothing written. A NaN
- *    passes.
- *  - `NewVar`, `MeanVarAcc`: null; length below 1.
- *  - `AccCovarianceMatrix`: null; height or width below 1; a stride below width (`_D2`); #qorStatusNoMemory, for widths above 512.
+ *  | Members | Statuses, in order |
+ *  |---|---|
+ *  | `UpdateMean`, `UpdateVar`, `UpdateWeight` | null; length below 1; an occupancy (total) negative, #qorStatusBadStatistic |
+ *  | `NewVar`, `MeanVarAcc` | null; length below 1 |
+ *  | `AccCovarianceMatrix` | null; height or width below 1; a stride below width (`_D2`); #qorStatusNoMemory for widths above 512 |
+ *
+ *  Warnings of `UpdateMean`, `UpdateVar`, `UpdateWeight`: #qorStatusZeroOccupancy for an occupancy of magnitude up to the smallest
+ *  normal number, with nothing written; #qorStatusAllFloored when every variance or weight took its floor, with all written. A NaN
+ *  occupancy passes.
+ *
+ *  @warning `UpdateMean`, `MeanVarAcc` and `AccCovarianceMatrix` add to what stands in their destinations: fill these first.
+ *
+ *  @warning `UpdateWeight` normalises nothing: with a floor the weights add up to `sum`, not to 1.
+ *
+ *  @warning `NewVar` has no floor: a negative result is stored.
+ *
+ *  **Exact arithmetic**
+ *  - All arithmetic runs in the element type, each operation rounded on its own.
+ *  - `UpdateMean`, `UpdateVar`: float multiplies by the reciprocal of an occupancy, formed once; double divides. The destination
+ *    of `UpdateMean` may overlap the source: elements are then updated one by one, upwards.
+ *  - Floors: a value is taken where floor < value, else the floor; so a value equal to its floor, and a NaN, take the floor.
+ *  - `UpdateWeight` multiplies counts by 1 / total. The sum runs in four lanes of float, element 4k + j in lane j, joined as (l0 +
+ *    l2) + (l1 + l3), or in two lanes of double; up to three (one) last elements go to lane 0.
+ *  - `NewVar_32f`: means[i]^2 is rounded to float, all else runs in double and is rounded once. The destination may overlap the
+ *    sources: elements are then computed one by one, upwards. `NewVar_32f_I`, required: all in float, so the last bits of the two
+ *    differ.
+ *  - `NewVar_32s`: data are rounded to float, the formula runs in float. required: with means and squares on 16-byte boundaries
+ *    the result is rounded to nearest even, saturated, and a NaN gives 0; otherwise it is truncated, and a NaN or a value out of
+ *    range gives -2147483648.
+ *  - `AccCovarianceMatrix`: for each row in order S[i][j] += d[i] * d[j] for j up to i, in double (16-bit differences are exact,
+ *    float ones are rounded to float). Then the lower triangle, diagonal included, is multiplied by `factor`, and copied to the
+ *    upper one; what stood above the diagonal is overwritten.
  *
  *  Source of the method: L. R. Rabiner, "A Tutorial on Hidden Markov Models and Selected Applications in Speech Recognition",
  *  Proc. IEEE 77 (1989); S. Young et al., The HTK Book, on variance floors and parameter updates. @{ */
 
+/** destination += source / occupancy: new means; destination is read and written: float. @see @ref re_estimation */
 QORSR_API QorStatus qorsUpdateMean_32f(const float* source, float* destination, int32_t length, float occupancy);
+/** destination += source / occupancy: new means; destination is read and written: double. @see @ref re_estimation */
 QORSR_API QorStatus qorsUpdateMean_64f(const double* source, double* destination, int32_t length, double occupancy);
 
+/** New variances from first and second moments, with floors: float. @see @ref re_estimation */
 QORSR_API QorStatus qorsUpdateVar_32f(const float* first, const float* second, const float* floors, float* destination,
                                       int32_t length, float firstOccupancy, float secondOccupancy);
+/** New variances from first and second moments, with floors: double. @see @ref re_estimation */
 QORSR_API QorStatus qorsUpdateVar_64f(const double* first, const double* second, const double* floors, double* destination,
                                       int32_t length, double firstOccupancy, double secondOccupancy);
 
+/** New mixture weights from counts, with a floor, and their sum: float. @see @ref re_estimation */
 QORSR_API QorStatus qorsUpdateWeight_32f(const float* counts, float* destination, int32_t length, float* sum, float total,
                                          float floor);
+/** New mixture weights from counts, with a floor, and their sum: double. @see @ref re_estimation */
 QORSR_API QorStatus qorsUpdateWeight_64f(const double* counts, double* destination, int32_t length, double* sum, double total,
                                          double floor);
 
+/** destination = (squares - means^2 * a) * b: float. @see @ref re_estimation */
 QORSR_API QorStatus qorsNewVar_32f(const float* means, const float* squares, float* destination, int32_t length, float a, float b);
+/** squares = (squares - means^2 * a) * b, in place: float. @see @ref re_estimation */
 QORSR_API QorStatus qorsNewVar_32f_I(const float* means, float* squares, int32_t length, float a, float b);
+/** destination = (squares - means^2 * a) * b: 32-bit, scaled. @see @ref re_estimation */
 QORSR_API QorStatus qorsNewVar_32s_Sfs(const int32_t* means, const int32_t* squares, int32_t* destination, int32_t length, float a,
                                        float b, int32_t scaleFactor);
+/** squares = (squares - means^2 * a) * b, in place: 32-bit, scaled. @see @ref re_estimation */
 QORSR_API QorStatus qorsNewVar_32s_ISfs(const int32_t* means, int32_t* squares, int32_t length, float a, float b,
                                         int32_t scaleFactor);
 
+/** Adds the weighted first and second moments of a frame; both are read and written: float. @see @ref re_estimation */
 QORSR_API QorStatus qorsMeanVarAcc_32f(const float* source, const float* mean, float* accumulatedMean, float* accumulatedVariance,
                                        int32_t length, float weight);
+/** Adds the weighted first and second moments of a frame; both are read and written: double. @see @ref re_estimation */
 QORSR_API QorStatus qorsMeanVarAcc_64f(const double* source, const double* mean, double* accumulatedMean,
                                        double* accumulatedVariance, int32_t length, double weight);
 
+/** Adds outer products of frames to result, read and written: 16-bit to double. @see @ref re_estimation */
 QORSR_API QorStatus qorsAccCovarianceMatrix_16s64f_D2(const int16_t* source, int32_t sourceStride, int32_t height,
                                                       const int16_t* mean, double* result, int32_t width, int32_t resultStride,
                                                       double factor);
+/** Adds outer products of frames to result, read and written: 16-bit to double, row pointers. @see @ref re_estimation */
 QORSR_API QorStatus qorsAccCovarianceMatrix_16s64f_D2L(const int16_t* const* rows, int32_t height, const int16_t* mean,
                                                        double* const* result, int32_t width, double factor);
+/** Adds outer products of frames to result, read and written: float data, in double. @see @ref re_estimation */
 QORSR_API QorStatus qorsAccCovarianceMatrix_32f64f_D2(const float* source, int32_t sourceStride, int32_t height, const float* mean,
                                                       double* result, int32_t width, int32_t resultStride, double factor);
+/** Adds outer products of frames to result, read and written: float data, in double, row pointers. @see @ref re_estimation */
 QORSR_API QorStatus qorsAccCovarianceMatrix_32f64f_D2L(const float* const* rows, int32_t height, const float* mean,
                                                        double* const* result, int32_t width, double factor);
 /** @} */
 
 /** @defgroup gaussian_operations Gaussian distance, merging and splitting
  *  Operations on pairs of diagonal Gaussians: mean vectors mx, my and variance vectors vx, vy (variances themselves, not inverted)
- *  of n = `length` elements, with weights wx, wy, which are occupancies. det of a Gaussian is n log(2 pi) - sum of log v, with
- *  log(2 pi) = 1.8378770664093.
+ *  of n = `length` elements, with weights wx, wy, which are occupancies.
  *
- *  **Pooling.** With W = wx + wy: m = (wx mx + wy my) / W and v = ((mx^2 + vx) wx + (my^2 + vy) wy) / W - m^2, in double (W is
- *  added in the element type). Weights that sum to zero give infinities or NaN.
- *
- *  **Distance** (`GaussianDist`). The loss in log-likelihood (times two) when the pooled Gaussian takes the place of the pair:
- *  result = wx det1 + wy det2 - W (n log(2 pi) - sum of log v). In `32f` the first two products and their sum are formed in float,
- *  and the result is rounded to float.
- *
- *  **Merge** (`GaussianMerge`). mean and variance receive m and v, det receives n log(2 pi) - sum of log v.
- *
- *  **Split** (`GaussianSplit`). e = sqrt(variance) * factor; the first Gaussian's mean becomes mean + e, in place, the second's is
- *  mean - e with a copy of the variance. required: `32f` computes e in float where all four vectors are on 16-byte boundaries,
- *  otherwise in double, rounded to float. A negative variance gives a NaN.
- *
- *  **Bhattacharyya distance** (`BhatDist`). With s = vx + vy and d = mx - my: 1/4 sum of d^2 / s + 1/4 sum of log(s^2 / (vx vy)) -
- *  1/4 n log 4, log 4 and log 2 taken as 1.386294 and 0.693147 (required). `SLog` members are given the sums of the logarithms of
- *  both variance vectors, logs1 and logs2. `32f` sums d^2 / s in float, and forms s^2 / (vx vy) as 2 + u + 1 / u with u = (1 / vx)
- *  vy; `32f64f` computes in double, with one logarithm for the product of four elements, and the term (logs1 + logs2) / 4 in float.
- *
- *  Warnings. A pooled variance of zero gives plus infinity in the result (in det) with #qorStatusLogZero, a negative one a NaN
- *  with #qorStatusLogNegative; the first such element decides. qorsGaussianMerge_32f stops there, required: elements up to it are
- *  written, later ones are not; qorsGaussianMerge_64f writes all elements. `BhatDist`, required: the same for elements of any of
- *  the four vectors, the means too; elements are taken in groups of four, then one by one, and within the first group with such
- *  an element a negative one decides before a zero. A NaN gives a NaN with #qorStatusOk, unless an element with a warning comes
- *  before it (in `GaussianDist` below 13, in double 11, elements, and in qorsGaussianMerge_32f: wherever such an element stands).
+ *  **Pooling.** With W = wx + wy: m = (wx mx + wy my) / W and v = ((mx^2 + vx) wx + (my^2 + vy) wy) / W - m^2.
+ *  - **Distance** (`GaussianDist`): result = wx det1 + wy det2 - W (n log(2 pi) - sum of log v): twice the loss in log likelihood
+ *    when the pooled Gaussian takes the place of the pair.
+ *  - **Merge** (`GaussianMerge`): mean and variance receive m and v, det receives n log(2 pi) - sum of log v.
+ *  - **Split** (`GaussianSplit`): e = sqrt(variance) * factor; the first Gaussian's mean becomes mean + e, in place, the second's
+ *    is mean - e with a copy of the variance.
+ *  - **Bhattacharyya distance** (`BhatDist`): with s = vx + vy and d = mx - my, 1/4 sum of d^2 / s + 1/4 sum of log(s^2 / (vx vy))
+ *    - 1/4 n log 4. `SLog` members are given the sums of the logarithms of both variance vectors, logs1 and logs2.
  *
  *  | Parameter | Use | Elements, or values | |
  *  |---|---|---|---|
@@ -2597,54 +2608,85 @@ QORSR_API QorStatus qorsAccCovarianceMatrix_32f64f_D2L(const float* const* rows,
  *  | `logs1`, `logs2` | value | any | sums of log v |
  *  | `factor` | value | any | 0.2 is usual |
  *
- *  Statuses, in order: `GaussianDist`, `GaussianMerge`, qorsGaussianSplit_32f: length below 1, then null; qorsGaussianSplit_64f,
- *  `BhatDist`: null, then length. Nothing is allocated.
+ *  | Members | Statuses, in order |
+ *  |---|---|
+ *  | `GaussianDist`, `GaussianMerge`, qorsGaussianSplit_32f() | length below 1; null |
+ *  | qorsGaussianSplit_64f(), `BhatDist` | null; length below 1 |
+ *
+ *  Warnings: a pooled variance of zero gives plus infinity in the result (in det) with #qorStatusLogZero, a negative one a NaN
+ *  with #qorStatusLogNegative; the first such element decides. `BhatDist`: the same for elements of any of the four vectors, the
+ *  means too (required).
+ *
+ *  @warning `det1` and `det2` are n log(2 pi) - sum of log v: what qorsGaussianMerge_32f() stores, or what qorsUpdateGConst_32f()
+ *  gives when it is handed the variances. qorsUpdateGConst_DirectVar_32f(), which looks natural, has the other sign in the sum:
+ *  the distance is then wrong, and the status #qorStatusOk.
+ *
+ *  @warning Weights that sum to zero give infinities or NaN. A negative variance gives a NaN in `GaussianSplit`.
+ *
+ *  **Exact arithmetic**
+ *  - log(2 pi) = 1.8378770664093. Pooling runs in double (W is added in the element type). In `GaussianDist_32f` the first two
+ *    products and their sum are formed in float, and the result is rounded to float.
+ *  - qorsGaussianMerge_32f() stops at an element with a warning, required: elements up to it are written, later ones are not;
+ *    qorsGaussianMerge_64f() writes all elements.
+ *  - qorsGaussianSplit_32f(), required: e is computed in float where all four vectors are on 16-byte boundaries, otherwise in
+ *    double, rounded to float.
+ *  - `BhatDist`: log 4 and log 2 are taken as 1.386294 and 0.693147 (required). `32f` sums d^2 / s in float, and forms s^2 / (vx
+ *    vy) as 2 + u + 1 / u with u = (1 / vx) vy; `32f64f` computes in double, with one logarithm for the product of four elements,
+ *    and the term (logs1 + logs2) / 4 in float. Elements are tested for a warning in groups of four, then one by one, and within
+ *    the first group with such an element a negative one decides before a zero.
+ *  - A NaN gives a NaN with #qorStatusOk, unless an element with a warning comes before it (in `GaussianDist` below 13, in double
+ *    11, elements, and in qorsGaussianMerge_32f(): wherever such an element stands).
+ *  - Nothing is allocated.
  *
  *  Source of the method: A. Bhattacharyya, "On a Measure of Divergence between Two Statistical Populations", Bull. Calcutta Math.
  *  Soc. 35 (1943); S. Young and P. Woodland, "State Clustering in HMM-based Continuous Speech Recognition", Computer Speech and
  *  Language 8 (1994), on likelihood loss; The HTK Book on splitting mixtures. @{ */
 
+/** Twice the loss in log likelihood when two Gaussians are pooled: float. @see @ref gaussian_operations */
 QORSR_API QorStatus qorsGaussianDist_32f(const float* mean1, const float* variance1, const float* mean2, const float* variance2,
                                          int32_t length, float* result, float weight1, float det1, float weight2, float det2);
+/** Twice the loss in log likelihood when two Gaussians are pooled: double. @see @ref gaussian_operations */
 QORSR_API QorStatus qorsGaussianDist_64f(const double* mean1, const double* variance1, const double* mean2, const double* variance2,
                                          int32_t length, double* result, double weight1, double det1, double weight2, double det2);
 
+/** The pooled Gaussian of two, and its det: float. @see @ref gaussian_operations */
 QORSR_API QorStatus qorsGaussianMerge_32f(const float* mean1, const float* variance1, const float* mean2, const float* variance2,
                                           float* mean, float* variance, int32_t length, float* det, float weight1, float weight2);
+/** The pooled Gaussian of two, and its det: double. @see @ref gaussian_operations */
 QORSR_API QorStatus qorsGaussianMerge_64f(const double* mean1, const double* variance1, const double* mean2,
                                           const double* variance2, double* mean, double* variance, int32_t length, double* det,
                                           double weight1, double weight2);
 
+/** Two Gaussians from one; mean is read and written: float. @see @ref gaussian_operations */
 QORSR_API QorStatus qorsGaussianSplit_32f(float* mean, const float* variance, float* mean2, float* variance2, int32_t length,
                                           float factor);
+/** Two Gaussians from one; mean is read and written: double. @see @ref gaussian_operations */
 QORSR_API QorStatus qorsGaussianSplit_64f(double* mean, const double* variance, double* mean2, double* variance2, int32_t length,
                                           double factor);
 
+/** Bhattacharyya distance of two Gaussians: float. @see @ref gaussian_operations */
 QORSR_API QorStatus qorsBhatDist_32f(const float* mean1, const float* variance1, const float* mean2, const float* variance2,
                                      int32_t length, float* result);
+/** Bhattacharyya distance of two Gaussians: float data, in double. @see @ref gaussian_operations */
 QORSR_API QorStatus qorsBhatDist_32f64f(const float* mean1, const float* variance1, const float* mean2, const float* variance2,
                                         int32_t length, double* result);
+/** Bhattacharyya distance, the sums of log variances given: float. @see @ref gaussian_operations */
 QORSR_API QorStatus qorsBhatDistSLog_32f(const float* mean1, const float* variance1, const float* mean2, const float* variance2,
                                          int32_t length, float* result, float logs1, float logs2);
+/** Bhattacharyya distance, the sums of log variances given: float data, in double. @see @ref gaussian_operations */
 QORSR_API QorStatus qorsBhatDistSLog_32f64f(const float* mean1, const float* variance1, const float* mean2, const float* variance2,
                                             int32_t length, double* result, float logs1, float logs2);
 /** @} */
 
 /** @defgroup state_clustering Decision-tree state clustering
- *  The log-likelihood of the pooled data of model states under one diagonal Gaussian, from sums alone: what a decision tree that
+ *  The log likelihood of the pooled data of model states under one diagonal Gaussian, from sums alone: what a decision tree that
  *  clusters states compares before and after each question.
  *
- *  **Statistics** (`DcsClustLAccumulate`). From the Gaussian and the occupancy of a state: sum[i] = mean[i] * occupancy, and
- *  squares[i] = (1 / variance[i] + mean[i]^2) * occupancy, the variance given inverted; with `DirectVar` (mean[i]^2 + variance[i])
- *  * occupancy. Despite the name the destinations are overwritten: pooling states is adding their sums, squares and occupancies,
- *  which the caller does. required: with an inverted variance, a length of at least 8 and all four vectors on 16-byte boundaries,
- *  squares[i] is (occupancy * mean) * mean plus, in float, (2 - v r) r * occupancy with r = 1 / v (by fours, and a last pair), in
- *  double v2 q with q = occupancy / (v0 v2), one division for elements 0 and 2 (1 and 3; a last pair), so that a product of two
- *  variances that overflows or underflows shows; a single last element: occupancy / v.
- *
- *  **Likelihood** (`DcsClustLCompute`). With N = occupancy, D = length and variances (N squares - sum^2) / N^2, in double:
- *  result = -N/2 (D (1 + log 2 pi) + sum of log variances) = N/2 (D ((log N - 1 - log 2 pi) + log N) - sum of log d),
- *  d = squares[i] * N - sum[i]^2.
+ *  - **Statistics** (`DcsClustLAccumulate`), from the Gaussian and the occupancy of a state: sum[i] = mean[i] * occupancy, and
+ *    squares[i] = (1 / variance[i] + mean[i]^2) * occupancy, the variance given inverted; with `DirectVar` (mean[i]^2 +
+ *    variance[i]) * occupancy.
+ *  - **Likelihood** (`DcsClustLCompute`), with N = occupancy, D = length and variances (N squares - sum^2) / N^2: result = -N/2 (D
+ *    (1 + log 2 pi) + sum of log variances).
  *
  *  | Parameter | Use | Elements, or values | |
  *  |---|---|---|---|
@@ -2656,24 +2698,46 @@ QORSR_API QorStatus qorsBhatDistSLog_32f64f(const float* mean1, const float* var
  *  | `occupancy` | value | any | |
  *  | `occupancy` of `DcsClustLCompute_*` | value | at least 0 | |
  *
- *  Statuses, in order: null; length below 1; `DcsClustLCompute`: a negative occupancy, #qorStatusBadStatistic. Then warnings, with
- *  the result written: an occupancy of exactly zero, -1.0e10 and #qorStatusZeroOccupancy; the first d that is zero, minus infinity
- *  and #qorStatusLogZero, or negative, a NaN and #qorStatusLogNegative.
+ *  | Status, in order | When |
+ *  |---|---|
+ *  | #qorStatusNullPointer | a pointer is null |
+ *  | #qorStatusBadSize | length below 1 |
+ *  | #qorStatusBadStatistic | `DcsClustLCompute`: a negative occupancy |
+ *  | #qorStatusZeroOccupancy | a warning: an occupancy of exactly zero; the result is -1.0e10 |
+ *  | #qorStatusLogZero | a warning: the first variance without a logarithm is zero; the result is minus infinity |
+ *  | #qorStatusLogNegative | a warning: the first variance without a logarithm is negative; the result is a NaN |
+ *
+ *  @warning `DcsClustLAccumulate` overwrites its destinations, despite its name: pooling states is adding their sums, squares and
+ *  occupancies, which the caller does.
+ *
+ *  **Exact arithmetic**
+ *  - `DcsClustLCompute`, in double: N/2 (D ((log N - 1 - log 2 pi) + log N) - sum of log d), d = squares[i] * N - sum[i]^2; the
+ *    tests are those of d.
+ *  - required: with an inverted variance, a length of at least 8 and all four vectors on 16-byte boundaries, squares[i] is
+ *    (occupancy * mean) * mean plus, in float, (2 - v r) r * occupancy with r = 1 / v (by fours, and a last pair), in double v2 q
+ *    with q = occupancy / (v0 v2), one division for elements 0 and 2 (1 and 3; a last pair), so that a product of two variances
+ *    that overflows or underflows shows; a single last element: occupancy / v.
  *
  *  Source of the method: S. Young, J. Odell and P. Woodland, "Tree-based State Tying for High Accuracy Acoustic Modelling", ARPA
  *  Human Language Technology Workshop (1994). @{ */
 
+/** Sums and sums of squares of a state, from its mean and inverse variance: float. @see @ref state_clustering */
 QORSR_API QorStatus qorsDcsClustLAccumulate_32f(const float* mean, const float* variance, float* sum, float* squares,
                                                 int32_t length, float occupancy);
+/** Sums and sums of squares of a state, from its mean and inverse variance: double. @see @ref state_clustering */
 QORSR_API QorStatus qorsDcsClustLAccumulate_64f(const double* mean, const double* variance, double* sum, double* squares,
                                                 int32_t length, double occupancy);
+/** Sums and sums of squares of a state, from its mean and variance: float. @see @ref state_clustering */
 QORSR_API QorStatus qorsDcsClustLAccumulate_DirectVar_32f(const float* mean, const float* variance, float* sum, float* squares,
                                                           int32_t length, float occupancy);
+/** Sums and sums of squares of a state, from its mean and variance: double. @see @ref state_clustering */
 QORSR_API QorStatus qorsDcsClustLAccumulate_DirectVar_64f(const double* mean, const double* variance, double* sum, double* squares,
                                                           int32_t length, double occupancy);
 
+/** Log likelihood of pooled states, from sums and sums of squares: float data, in double. @see @ref state_clustering */
 QORSR_API QorStatus qorsDcsClustLCompute_32f64f(const float* sum, const float* squares, int32_t length, double* result,
                                                 float occupancy);
+/** Log likelihood of pooled states, from sums and sums of squares: double. @see @ref state_clustering */
 QORSR_API QorStatus qorsDcsClustLCompute_64f(const double* sum, const double* squares, int32_t length, double* result,
                                              double occupancy);
 /** @} */
@@ -2693,21 +2757,13 @@ QORSR_API QorStatus qorsDcsClustLCompute_64f(const double* sum, const double* sq
  *  so each step advances the shorter sequence by 0, 1 or 2 rows. The result is the least D(N - 1, j) within the search region: a
  *  start and an end within delta are free, and the sum is not divided by a path length.
  *
- *  - **Search region.** A parallelogram of slopes 2 and 1/2, widened by delta (rows). In column i:
- *    upper = delta + 2 i if 3 i < 2 M - N, else M + delta + floor((i - N - 1) / 2), at most M - 1;
- *    lower = M - 2 N - delta + 2 i + 1 if 3 i > 4 N - 2 M - 2, else floor(i / 2) - delta, at least 0. A delta of M or more acts as
- *    M - 1.
+ *  - **Search region.** A parallelogram of slopes 2 and 1/2, widened by delta (rows). In column i: upper = delta + 2 i if 3 i < 2
+ *    M - N, else M + delta + floor((i - N - 1) / 2), at most M - 1; lower = M - 2 N - delta + 2 i + 1 if 3 i > 4 N - 2 M - 2, else
+ *    floor(i / 2) - delta, at least 0. A delta of M or more acts as M - 1.
  *  - **Beam.** Behind column 0, cells above (least of the column) + beam + 1.1920929e-7 are dropped from the top, then from the
  *    bottom, up to the first cell that is not above; one always stays. A negative beam, or a NaN, acts as 0.
- *  - **Sentinel.** Where no path reaches the end the distance is 3.4028235e38, and the status #qorStatusOk. So it is for a negative
- *    delta, for N much above 2 M with a small delta, and, required, for two sequences of one row each, whatever they hold. Where
- *    every cell of a column is infinite the distance is infinity. No path leads through a distance that is a NaN.
- *  - **Arithmetic.** Float. Up to a width of 13 the sum of squares, taken in pairs of elements, and the root are float; above, the
- *    squares are summed in double, in four lanes over blocks of eight elements joined as (l0 + l2) + (l1 + l3), the rest one by one,
- *    and the root is a double that is rounded to float.
- *  - **Integer members** convert both sequences to float, exactly, and the beam from 32-bit integer to float; the distance is
- *    converted to 32 bits with the scale factor: times 2^-sf in float, to nearest, ties to even, saturated. The sentinel is scaled
- *    too. `L2Low` computes the same as `L2`.
+ *  - **Integer members** compute in float; the distance is scaled by 2^-sf, rounded to nearest and saturated. `L2Low` computes the
+ *    same as `L2`.
  *
  *  | Parameter | Use | Elements, or values | |
  *  |---|---|---|---|
@@ -2722,27 +2778,51 @@ QORSR_API QorStatus qorsDcsClustLCompute_64f(const double* sum, const double* sq
  *  | `beam` | value | any | distance |
  *  | `scaleFactor` | value | any | |
  *
- *  Statuses: a null sequence or distance (row pointers are not tested); a height or the width below 1, in `_D2` also a stride below
- *  the width (#qorStatusBadSize, required); #qorStatusNoMemory. Integer members always allocate, float ones where
- *  2 floor4(M + 8) + 2 ceil4(N) is above 512 (floor4, ceil4: down and up to a multiple of 4).
+ *  **Error** of a distance, relative to it, with sequences of 2 to 200 rows: 4.3e-7 up to a width of 13, 5.8e-7 above.
  *
- *  H. Sakoe, S. Chiba, "Dynamic programming algorithm optimization for spoken word recognition", IEEE Trans. ASSP 26 (1978); L.
- *  Rabiner, A. Rosenberg, S. Levinson, "Considerations in dynamic time warping algorithms for discrete word recognition", ibid.
- *  (free ends).
- *  @{ */
+ *  | Status, in order | When |
+ *  |---|---|
+ *  | #qorStatusNullPointer | a sequence or distance is null; row pointers are not tested |
+ *  | #qorStatusBadSize | a height or the width below 1, in `_D2` also a stride below the width (required) |
+ *  | #qorStatusNoMemory | integer members always allocate, float ones for long sequences |
+ *
+ *  @warning Where no path reaches the end the distance is the sentinel 3.4028235e38, and the status #qorStatusOk. So it is for a
+ *  negative delta, for N much above 2 M with a small delta, and, required, for two sequences of one row each, whatever they hold.
+ *  Integer members scale and saturate the sentinel too.
+ *
+ *  @warning Distances of pairs of different lengths are not comparable as they stand: divide by the length of the longer sequence.
+ *
+ *  **Exact arithmetic**
+ *  - Float. Up to a width of 13 the sum of squares, taken in pairs of elements, and the root are float; above, the squares are
+ *    summed in double, in four lanes over blocks of eight elements joined as (l0 + l2) + (l1 + l3), the rest one by one, and the
+ *    root is a double that is rounded to float.
+ *  - Where every cell of a column is infinite the distance is infinity. No path leads through a distance that is a NaN.
+ *  - Integer members convert both sequences to float, exactly, and the beam from 32-bit integer to float; the distance is
+ *    converted to 32 bits with the scale factor: times 2^-sf in float, to nearest, ties to even, saturated.
+ *  - Float members allocate where 2 floor4(M + 8) + 2 ceil4(N) is above 512 (floor4, ceil4: down and up to a multiple of 4).
+ *
+ *  Source of the method: H. Sakoe, S. Chiba, "Dynamic programming algorithm optimization for spoken word recognition", IEEE Trans.
+ *  ASSP 26 (1978); L. Rabiner, A. Rosenberg, S. Levinson, "Considerations in dynamic time warping algorithms for discrete word
+ *  recognition", ibid. (free ends). @{ */
+/** Warping distance of two sequences of vectors: float, row pointers. @see @ref dtw */
 QORSR_API QorStatus qorsDTW_L2_32f_D2L(const float* const* rows1, int32_t height1, const float* const* rows2, int32_t height2,
                                        int32_t width, float* distance, int32_t delta, float beam);
+/** Warping distance of two sequences of vectors: float. @see @ref dtw */
 QORSR_API QorStatus qorsDTW_L2_32f_D2(const float* source1, int32_t height1, const float* source2, int32_t height2, int32_t width,
                                       int32_t stride, float* distance, int32_t delta, float beam);
+/** Warping distance of two sequences of vectors: bytes to 32-bit, row pointers, scaled. @see @ref dtw */
 QORSR_API QorStatus qorsDTW_L2_8u32s_D2LSfs(const uint8_t* const* rows1, int32_t height1, const uint8_t* const* rows2,
                                             int32_t height2, int32_t width, int32_t* distance, int32_t delta, int32_t beam,
                                             int32_t scaleFactor);
+/** Warping distance of two sequences of vectors: bytes to 32-bit, scaled. @see @ref dtw */
 QORSR_API QorStatus qorsDTW_L2_8u32s_D2Sfs(const uint8_t* source1, int32_t height1, const uint8_t* source2, int32_t height2,
                                            int32_t width, int32_t stride, int32_t* distance, int32_t delta, int32_t beam,
                                            int32_t scaleFactor);
+/** Warping distance of two sequences of vectors: 16 to 32 bits, row pointers, scaled. @see @ref dtw */
 QORSR_API QorStatus qorsDTW_L2Low_16s32s_D2LSfs(const int16_t* const* rows1, int32_t height1, const int16_t* const* rows2,
                                                 int32_t height2, int32_t width, int32_t* distance, int32_t delta, int32_t beam,
                                                 int32_t scaleFactor);
+/** Warping distance of two sequences of vectors: 16 to 32 bits, scaled. @see @ref dtw */
 QORSR_API QorStatus qorsDTW_L2Low_16s32s_D2Sfs(const int16_t* source1, int32_t height1, const int16_t* source2, int32_t height2,
                                                int32_t width, int32_t stride, int32_t* distance, int32_t delta, int32_t beam,
                                                int32_t scaleFactor);
@@ -2750,22 +2830,15 @@ QORSR_API QorStatus qorsDTW_L2Low_16s32s_D2Sfs(const int16_t* source1, int32_t h
 
 /** @defgroup singular_values Singular value decomposition
  *  A = U diag(w) V' for a matrix A of `height` m rows and `width` n columns, m below, at or above n. U has the shape of A, w holds
- * n values, V is n x n and not transposed: its column k is the right singular vector of w[k].
- *
- *  Householder reduction to bidiagonal form, accumulation of the reflections, then implicit-shift QR sweeps. An element counts as
- *  zero when its magnitude plus the norm of the bidiagonal form equals that norm. Values are nonnegative: the sign goes to V. With
- * m below n, n - m values are zero and so are n - m columns of U. A zero matrix gives w = 0, V the identity and ones on the
- * diagonal of U.
+ *  n values, V is n x n and not transposed: its column k is the right singular vector of w[k].
  *
  *  - `SVD` leaves the values in the order in which the sweeps find them; `SVDSort` orders them downward, the first found of equal
  *    values first, and the columns of U and V with them.
  *  - `_I`: U takes the place of A; otherwise the source stays as it is. In `_D2` A, U and V share `stride`; nothing is written
  *    between the rows.
- *  - `limit`: of attempts for each value; a value that needs a sweep needs a limit of 2 or more, 30 is usual. When it is reached:
- *    #qorStatusNoConvergence, with the partial state in w, U and V, unsorted. A NaN or an infinity in A ends in that status or in
- *    results that hold NaN, always within the limit; so may a matrix whose values have
- *    squares outside the range of a double.
- *  - Both layouts give the same bits. Sums are grouped in four and eight lanes.
+ *  - Values are nonnegative: the sign goes to V. With m below n, n - m values are zero and so are n - m columns of U. A zero
+ *    matrix gives w = 0, V the identity and ones on the diagonal of U.
+ *  - `limit`: of attempts for each value; a value that needs a sweep needs a limit of 2 or more, 30 is usual.
  *
  *  | Parameter | Use | Elements, or values | |
  *  |---|---|---|---|
@@ -2783,33 +2856,55 @@ QORSR_API QorStatus qorsDTW_L2Low_16s32s_D2Sfs(const int16_t* source1, int32_t h
  *  | `firstColumn`, `secondColumn` | value | 0 to width - 1 | |
  *  | `c`, `s` | value | any | cosine and sine |
  *
- *  Statuses, in order: null; height, width or limit below 1, in `_D2` also a stride below width (#qorStatusBadSize, required);
- *  #qorStatusNoMemory with nothing written (scratch is about width (height + width) doubles, less than 2^31 bytes);
- *  #qorStatusNoConvergence.
+ *  **Error**, the largest of random matrices from 2 x 2 to 64 x 64 and 300 x 26: of a value 3.3e-15 and of an element of U diag(w)
+ *  V' 1e-15, both relative to the largest value; of an element of U'U and V'V 4.3e-15.
+ *
+ *  | Status, in order | When |
+ *  |---|---|
+ *  | #qorStatusNullPointer | a pointer is null |
+ *  | #qorStatusBadSize | height, width or limit below 1, in `_D2` also a stride below width (required) |
+ *  | #qorStatusNoMemory | scratch is about width (height + width) doubles, less than 2^31 bytes; nothing is written |
+ *  | #qorStatusNoConvergence | the limit was reached; w, U and V hold the partial state, unsorted |
+ *
+ *  @warning A NaN or an infinity in A ends in #qorStatusNoConvergence or in results that hold NaN, always within the limit; so may
+ *  a matrix whose values have squares outside the range of a double.
+ *
+ *  **Exact arithmetic**
+ *  - Householder reduction to bidiagonal form, accumulation of the reflections, then implicit-shift QR sweeps. An element counts
+ *    as zero when its magnitude plus the norm of the bidiagonal form equals that norm.
+ *  - Both layouts give the same bits. Sums are grouped in four and eight lanes.
  *
  *  Source of the method: G. Golub, C. Reinsch, "Singular Value Decomposition and Least Squares Solutions", Numer. Math. 14 (1970).
  *  @{ */
 
+/** Singular values and vectors of a matrix: double. @see @ref singular_values */
 QORSR_API QorStatus qorsSVD_64f_D2(const double* source, double* u, int32_t height, double* w, double* v, int32_t width,
                                    int32_t stride, int32_t limit);
+/** Singular values and vectors of a matrix: double, row pointers. @see @ref singular_values */
 QORSR_API QorStatus qorsSVD_64f_D2L(const double* const* source, double* const* u, int32_t height, double* w, double* const* v,
                                     int32_t width, int32_t limit);
+/** Singular values and vectors of a matrix, U in its place: double. @see @ref singular_values */
 QORSR_API QorStatus qorsSVD_64f_D2_I(double* matrix, int32_t height, double* w, double* v, int32_t width, int32_t stride,
                                      int32_t limit);
+/** Singular values and vectors of a matrix, U in its place: double, row pointers. @see @ref singular_values */
 QORSR_API QorStatus qorsSVD_64f_D2L_I(double* const* rows, int32_t height, double* w, double* const* v, int32_t width,
                                       int32_t limit);
+/** Singular values, downward, and vectors of a matrix: double. @see @ref singular_values */
 QORSR_API QorStatus qorsSVDSort_64f_D2(const double* source, double* u, int32_t height, double* w, double* v, int32_t width,
                                        int32_t stride, int32_t limit);
+/** Singular values, downward, and vectors of a matrix: double, row pointers. @see @ref singular_values */
 QORSR_API QorStatus qorsSVDSort_64f_D2L(const double* const* source, double* const* u, int32_t height, double* w, double* const* v,
                                         int32_t width, int32_t limit);
+/** Singular values, downward, and vectors of a matrix, U in its place: double. @see @ref singular_values */
 QORSR_API QorStatus qorsSVDSort_64f_D2_I(double* matrix, int32_t height, double* w, double* v, int32_t width, int32_t stride,
                                          int32_t limit);
+/** Singular values, downward, and vectors of a matrix, U in its place: double, row pointers. @see @ref singular_values */
 QORSR_API QorStatus qorsSVDSort_64f_D2L_I(double* const* rows, int32_t height, double* w, double* const* v, int32_t width,
                                           int32_t limit);
 
-/** Turns two columns of a matrix (Givens): with a = row[secondColumn], b = row[firstColumn] of each row, row[secondColumn] = c a +
- * s b and row[firstColumn] = b c - a s. Statuses: null; width or height below 1 or a column outside 0 to width - 1
- * (#qorStatusBadSize). */
+/** Turns two columns of a matrix in place (Givens). With a = row[secondColumn], b = row[firstColumn] of each row,
+ *  row[secondColumn] = c a + s b and row[firstColumn] = b c - a s. Statuses: null; width or height below 1 or a column outside
+ *  0 to width - 1 (#qorStatusBadSize). @see @ref singular_values */
 QORSR_API QorStatus qorsQRTransColumn_64f_D2L(double* const* rows, int32_t width, int32_t height, int32_t firstColumn,
                                               int32_t secondColumn, double c, double s);
 /** @} */
@@ -2903,36 +2998,36 @@ QORSR_API QorStatus qorsQRTransColumn_64f_D2L(double* const* rows, int32_t width
  *  Source: Medan, Yair and Chazan, "Super Resolution Pitch Determination of Speech Signals", IEEE Trans. Signal Processing 39 (1991);
  *  Wise, Caprio and Parks, "Maximum Likelihood Pitch Estimation", IEEE Trans. ASSP 24 (1976). @{ */
 
-/** Normalised cross-correlation of two pieces of a signal. */
+/** Normalised cross-correlation of two pieces of a signal. @see @ref pitch */
 QORSR_API QorStatus qorsCrossCorrCoeff_16s32f(const int16_t* first, const int16_t* second, int32_t length, float* result);
-/** Normalised cross-correlation where the energy of the first piece is given. */
+/** Normalised cross-correlation where the energy of the first piece is given. @see @ref pitch */
 QORSR_API QorStatus qorsCrossCorrCoeffPartial_16s32f(const int16_t* first, const int16_t* second, int32_t length, float energy,
                                                      float* result);
-/** Normalised cross-correlations over growing lengths, every step-th sample. */
+/** Normalised cross-correlations over growing lengths, every step-th sample. @see @ref pitch */
 QORSR_API QorStatus qorsCrossCorrCoeffDecim_16s32f(const int16_t* first, const int16_t* second, int32_t maximumLength,
                                                    int32_t minimumLength, float* results, int32_t step);
-/** Peak of the cross-correlation between two neighbouring lags; coefficient is written only where there is one. */
+/** Peak of the cross-correlation between two neighbouring lags; coefficient is written only where there is one. @see @ref pitch */
 QORSR_API QorStatus qorsCrossCorrCoeffInterpolation_16s32f(const int16_t* first, const int16_t* second, int32_t length,
                                                            float* position, float* coefficient);
-/** Period of a float frame by least squares. */
+/** Period of a float frame by least squares. @see @ref pitch */
 QORSR_API QorStatus qorsPeriodicityLSPE_32f(const float* source, int32_t length, float* value, int32_t* period,
                                             int32_t maximumPeriod, int32_t minimumPeriod);
-/** Period of a 16-bit frame by least squares; the value in Q15. */
+/** Period of a 16-bit frame by least squares; the value in Q15. @see @ref pitch */
 QORSR_API QorStatus qorsPeriodicityLSPE_16s(const int16_t* source, int32_t length, int16_t* value, int32_t* period,
                                             int32_t maximumPeriod, int32_t minimumPeriod);
-/** Period of the largest mean over up to six periods of a float contour that is not negative. */
+/** Period of the largest mean over up to six periods of a float contour that is not negative. @see @ref pitch */
 QORSR_API QorStatus qorsPeriodicity_32f(const float* source, int32_t length, float* value, int32_t* period, int32_t maximumPeriod,
                                         int32_t minimumPeriod);
-/** Period of the largest mean over up to six periods of a 32-bit contour that is not negative; the value in Q15. */
+/** Period of the largest mean over up to six periods of a 32-bit contour that is not negative; the value in Q15. @see @ref pitch */
 QORSR_API QorStatus qorsPeriodicity_32s16s(const int32_t* source, int32_t length, int16_t* value, int32_t* period,
                                            int32_t maximumPeriod, int32_t minimumPeriod);
-/** Frequencies from the times of pitch marks. */
+/** Frequencies from the times of pitch marks. @see @ref pitch */
 QORSR_API QorStatus qorsPitchmarkToF0Cand_32f(const float* marks, float* candidates, int32_t length);
-/** Frequencies from the times of 16-bit pitch marks, times 2^-scaleFactor. */
+/** Frequencies from the times of 16-bit pitch marks, times 2^-scaleFactor. @see @ref pitch */
 QORSR_API QorStatus qorsPitchmarkToF0Cand_16s_Sfs(const int16_t* marks, int16_t* candidates, int32_t length, int32_t scaleFactor);
-/** Marks the peaks of a float contour. */
+/** Marks the peaks of a float contour. @see @ref pitch */
 QORSR_API QorStatus qorsFindPeaks_32f8u(const float* source, uint8_t* flags, int32_t length, int32_t searchSize, int32_t halfWidth);
-/** Marks the peaks of a 32-bit contour. */
+/** Marks the peaks of a 32-bit contour. @see @ref pitch */
 QORSR_API QorStatus qorsFindPeaks_32s8u(const int32_t* source, uint8_t* flags, int32_t length, int32_t searchSize,
                                         int32_t halfWidth);
 /** @} */

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # header_documented.sh COMPILER HEADER: every function is declared once, marked as exported, and stands in a documentation group
-# (between @{ and @}) that has a title and a text.
+# (between @{ and @}) that has a title and a text; and each has a line of its own in front of it.
 set -euo pipefail
 here=$(dirname "$0")
 names=$("$here/declared_names.sh" "$1" "$2")
@@ -47,6 +47,8 @@ if ! diff <(echo "$names" | sort) <(echo "$grouped" | sort); then
   echo "< is declared but stands in no documentation group, > the other way round"
   exit 1
 fi
+bare=$(awk '/^QORSR_API / && (before !~ /\*\/$/ || before ~ /@[{}] *\*\/$/) { print FNR ": " $0 } { before = $0 }' "$2")
+[ -z "$bare" ] || { echo "functions without a line of their own:"; echo "$bare"; exit 1; }
 groups=$(grep -oE '@defgroup +[a-z0-9_]+' "$2" | sort | uniq -d)
 [ -z "$groups" ] || { echo "two groups share a name: $groups"; exit 1; }
 echo "$(echo "$names" | wc -l) functions in $(grep -c '@defgroup' "$2") groups"
