@@ -2,28 +2,57 @@
  *  libqorsr: numeric primitives for speech recognition.
  *
  *  Plain functions on plain buffers, for C11 and C++. Every function checks its arguments, runs to completion on the caller's
- *  thread and returns a #QorStatus. The library has no state, starts no thread, opens no file, and allocates only through qorMalloc
- *  and qorFree of libqorcore.
+ *  thread and returns a #QorStatus. The library has no state, starts no thread, opens no file, and allocates only through
+ *  qorMalloc and qorFree of libqorcore.
  *
- *  ## Reading a name
- *  `qors`, the operation, then words for variant, element types, layout and scaling: `qorsMeanVarColumn_16s32s_D2LSfs`.
- *  - Types: `16s`, `32s`, `64s` signed integers, `8u` bytes, `1u` packed bits, `32f` float, `64f` double. One type word: source and
- *    result alike. Two: source, result. Three: source, first result, second result.
+ *  Functions come in families (the groups of this reference). A family's text tells meaning, formula and scales, then all
+ *  parameters in a table (what is read and written, how many elements), then errors, statuses and traps; how sums are grouped and
+ *  which quirks are kept stands last, under "Exact arithmetic".
+ *
+ *  ## Reading a name `qors`, the operation, then words for variant, element types, layout and scaling:
+ *  `qorsMeanVarColumn_16s32s_D2LSfs`.
+ *  - Types: `16s`, `32s`, `64s` signed integers, `8u` bytes, `1u` packed bits, `32f` float, `64f` double. One type word: source
+ *    and result alike. Two: source, result. Three: source, first result, second result.
  *  - `_D2`: a matrix is one block; row r begins at base + r * stride. A stride counts elements of the source type, never bytes.
  *  - `_D2L`: a matrix is an array of row pointers, in any order and at any address. The row pointers are not checked for null.
- *  - `I`: in place. `Sfs`: the last argument is a scale factor sf: the exact result times 2^-sf is rounded and saturated.
+ *  - `I`: in place. `Sfs`: the last argument is a scale factor.
+ *  - Variant words are told by their families.
+ *
+ *  @warning The order of arguments is each family's own. qorsSumColumn_32f_D2() takes source, stride, height, result, width;
+ *  qorsMeanColumn_32f_D2() source, height, stride, result, width; qorsSumRow_32f_D2() source, width, stride, result, height. All
+ *  are 32-bit integers, so a compiler does not see a mistake: look at the declaration.
+ *
+ *  ## Scale factors The exact result times 2^-sf is rounded and saturated: a positive sf makes results smaller, a negative one
+ *  larger, 0 leaves them. Where a product of data with a and b fraction bits is to have q, sf = a + b - q. How a family rounds
+ *  stands with it; scorers scale as told in @ref gaussian_single.
  *
  *  ## What every function promises
- *  - A negative status: a fault in the arguments (or no memory); no result was written, unless the function says otherwise. A
- *    positive one: a warning, with all results written. The checks run in the order in which a family lists them, and the first
- *    that fails decides.
- *  - Heights, widths and lengths are at least 1 unless a family says otherwise (#qorStatusBadSize). A required pointer that is null
- *    gives #qorStatusNullPointer, a stride below the width #qorStatusBadStride.
- *  - Data are not searched for NaN or infinity; these pass through float arithmetic by the rules of IEEE 754.
- *  - Sources and destinations do not overlap, unless a function is defined to work in place.
- *  - The caller's rounding mode, exception masks and raised exception flags are as before when a call returns.
- *  - The same call gives the same bits at every instruction level and for every alignment, but for the payload and sign of a NaN.
- *  - Functions are re-entrant. A state record that a function changes serves one call at a time.
+ *  - **Statuses.** A negative status: a fault in the arguments (or no memory); no result was written, unless the function says
+ *    otherwise. A positive one: a warning, with all results written. The checks run in the order in which a family lists them, and
+ *    the first that fails decides. "Null" in such a list: a required pointer is null (#qorStatusNullPointer); a size below its
+ *    minimum, 1 unless a family says otherwise, is #qorStatusBadSize, a stride below the width #qorStatusBadStride.
+ *  - **No crash.** No value of a number makes a call crash or hang: sizes are computed in 64 bits. What stays the caller's: memory
+ *    that is smaller than described, not initialised or released; null row pointers, unless the family tests them; records that
+ *    were never made, were freed, or serve two calls at a time.
+ *  - **Data** are not searched for NaN or infinity; these pass through float arithmetic by the rules of IEEE 754.
+ *  - **Sources and destinations** do not overlap, unless a function is defined to work in place.
+ *  - **Environment.** Rounding mode and exception masks are as before when a call returns, and a raised exception flag still is. A
+ *    call may raise flags as any arithmetic does (a float sum raises inexact); they tell nothing of its result. Results are
+ *    defined for rounding to nearest and for denormals that are not flushed.
+ *  - **The same bits.** The same call gives the same bits at every instruction level, with either compiler and for every
+ *    alignment, but for the payload and sign of a NaN. These functions alone are defined to differ where the vectors that are
+ *    named are not all on 16-byte boundaries:
+ *
+ *    | Functions | aligned | not aligned |
+ *    |---|---|---|
+ *    | qorsMeanColumn_16s_D2L(), qorsVarColumn_16s_D2LSfs(), qorsMeanVarColumn_16s_D2LSfs(): rows | rounded | truncated |
+ *    | qorsMahDistSingle_16s32s_Sfs(): x, mean, variance | not scaled | exact sum, scaled |
+ *    | qorsOutProbPreCalc_32s(), qorsOutProbPreCalc_32s_I(): all vectors | a last pair rounds down | it rounds up |
+ *    | qorsGaussianSplit_32f(): all vectors | root in float | root in double |
+ *    | qorsNewVar_32s_Sfs(), qorsNewVar_32s_ISfs(): means, squares | rounded, saturated | truncated |
+ *    | qorsDcsClustLAccumulate_32f(), qorsDcsClustLAccumulate_64f(): all vectors, length at least 8 | shared divisions | plain |
+ *
+ *  - **Threads.** Functions are re-entrant. A state record that a function changes serves one call at a time.
  */
 #ifndef QORSR_H
 #define QORSR_H
