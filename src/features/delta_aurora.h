@@ -48,6 +48,14 @@ inline float auroraEnergy(const T* sourceRow) {
   return static_cast<float>(sourceRow[12]) * 0.6F / 23.0F + static_cast<float>(sourceRow[13]) * 0.4F;
 }
 
+// Columns of a width that is known when compiling, in blocks of kLanes; the last block overlaps the one before it.
+template <int kWidth, int kLanes, class Body>
+[[gnu::always_inline]] inline void coverKnownColumns(const Body& body) {
+  static_assert(kWidth >= kLanes);
+  for (int32_t c = 0; c < kWidth - kLanes; c += kLanes) body(c, LaneCount<kLanes>());
+  body(kWidth - kLanes, LaneCount<kLanes>());
+}
+
 // The rows of a window, at some column, as lanes.
 template <class As, int N>
 struct AuroraFrames {

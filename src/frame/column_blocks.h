@@ -1,12 +1,20 @@
-// Walks the columns of a matrix in blocks of lanes.
+// Walks the columns of a matrix, or the elements of a vector, in blocks of lanes; and what is left of a width.
 //
 // Columns are independent of each other, so the width of a block never shows in a result: each lane keeps the scalar order of its
-// column, and one kernel serves blocks of any width and a last column alone.
+// column, and one kernel serves blocks of any width and a last column alone. A kernel names its way:
+//
+//   way                    serves                                           the last columns
+//   coverColumns           results that stand apart from all that is read   the last block overlaps the one before it
+//   coverLastFirst         one result, which may replace an input           the last register is computed first and stored last
+//   coverColumnsOnce       several results that are read and written        narrower and narrower blocks: each column once
+//   coverColumnsInTiles    sums down a matrix that no cache holds           as coverColumns, in tiles as coverColumnsOnce
+//   Tail (lanes/tail.h)    a sum along a row whose grouping is free         one partial load
+//   a loop in the kernel   a sum along a row whose tail is defined          as defined, mostly element by element into lane 0
+//   chunksOf (chunks.h)    more elements than scratch holds                 a shorter chunk
 #pragma once
 
 #include <cstdint>
 #include <type_traits>
-#include <utility>
 
 #include "frame/lanes.h"
 #include "frame/tuning.h"
@@ -35,68 +43,61 @@ inline void coverFrom(int32_t column, int32_t width, const Body& body) {
   }
 }
 
-// So many columns at most, each alone.
-template <class Body, int... I>
-[[gnu::always_inline]] inline void coverSingles(int32_t column, int32_t width, const Body& body, std::integer_sequence<int, I...>) {
-  (void)((column + I < width && (body(column + I, LaneCount<1>()), true)) && ...);
-}
-
-// Fewer than 2 N columns, none twice. Written out: a loop over the last columns would cost as much as all others.
+// Fewer than 2 N columns, none twice.
 template <class T, int N, class Body>
-[[gnu::always_inline]] inline void coverRest(int32_t column, int32_t width, const Body& body) {
-  if (width - column >= N) {
-    body(column, LaneCount<N>());
-    column += N;
-  }
-  if constexpr (1 < kNarrower<T, N>) {
-    coverRest<T, kNarrower<T, N>>(column, width, body);
+inline void coverRestOnce(int32_t column, int32_t width, const Body& body) {
+  if constexpr (N == 1) {
+    for (; column < width; ++column) body(column, LaneCount<1>());
   } else {
-    coverSingles(column, width, body, std::make_integer_sequence<int, N - 1>());
+    if (width - column >= N) {
+      body(column, LaneCount<N>());
+      column += N;
+    }
+    coverRestOnce<T, kNarrower<T, N>>(column, width, body);
   }
 }
 
 }  // namespace detail
 
-// Calls body(column, LaneCount<N>) for blocks that cover columns 0 to width - 1, of at most `Widest` lanes. The last block may
-// overlap the one before it, so the body must not read what it writes.
+// Calls body(column, LaneCount<N>) for blocks that cover columns 0 to width - 1, of at most `Widest` lanes. The body must not read
+// what it writes.
 template <class T, int Widest = kWidestBlock<T>, class Body>
 inline void coverColumns(int32_t width, const Body& body) {
   detail::coverFrom<T, Widest>(0, width, body);
 }
 
-// The same for a body that works in place: no column is visited twice. Such bodies are short: where a call for each block would
-// cost as much as the block, the body is to be always inlined.
+// The same for a body that reads what it writes: no column is visited twice.
 template <class T, int Widest = kWidestBlock<T>, class Body>
-[[gnu::always_inline]] inline void coverColumnsOnce(int32_t width, const Body& body) {
+inline void coverColumnsOnce(int32_t width, const Body& body) {
   int32_t column = 0;
   for (; width - column >= Widest; column += Widest) body(column, LaneCount<Widest>());
-  if constexpr (1 < detail::kNarrower<T, Widest>) {
-    detail::coverRest<T, detail::kNarrower<T, Widest>>(column, width, body);
+  detail::coverRestOnce<T, detail::kNarrower<T, Widest>>(column, width, body);
+}
+
+// Calls body(LaneCount<N>) with the widest N up to Widest that `width` elements fill; below 128 bits, 1.
+template <class T, int Widest, class Body>
+inline void withWidestBlock(int32_t width, const Body& body) {
+  if constexpr (Widest == 1) {
+    body(LaneCount<1>());
   } else {
-    detail::coverSingles(column, width, body, std::make_integer_sequence<int, Widest - 1>());
+    if (width >= Widest) return body(LaneCount<Widest>());
+    withWidestBlock<T, detail::kNarrower<T, Widest>>(width, body);
   }
 }
 
-// In place, in registers of N lanes where there are as many columns: `at(column, LaneCount)` computes, `store(column, value)` writes.
-// The last register is computed first and stored last, so it may overlap the one before it, also when a result replaces an input.
-template <class T, int N, class At, class Store>
-[[gnu::always_inline]] inline void coverLastFirst(int32_t width, const At& at, const Store& store) {
-  if (width < N) {
-    coverColumnsOnce<T, N>(
-        width, [&](int32_t c, auto n) __attribute__((always_inline)) { store(c, at(c, n)); });
-    return;
-  }
+// at(column, LaneCount<N>) computes, store(column, value) writes; the width is at least N. What a store writes may be an input of the
+// same column.
+template <int N, class At, class Store>
+inline void lastFirst(int32_t width, const At& at, const Store& store) {
   const auto last = at(width - N, LaneCount<N>());
   for (int32_t c = 0; c < width - N; c += N) store(c, at(c, LaneCount<N>()));
   store(width - N, last);
 }
 
-// The same for a width that is known when compiling, in blocks of kLanes columns.
-template <int kWidth, int kLanes, class Body>
-[[gnu::always_inline]] inline void coverKnownColumns(const Body& body) {
-  static_assert(kWidth >= kLanes);
-  for (int32_t c = 0; c < kWidth - kLanes; c += kLanes) body(c, LaneCount<kLanes>());
-  body(kWidth - kLanes, LaneCount<kLanes>());
+// The same in the widest blocks that the width fills, of at most `Widest` lanes.
+template <class T, int Widest = kOneRegister<T>, class At, class Store>
+inline void coverLastFirst(int32_t width, const At& at, const Store& store) {
+  withWidestBlock<T, Widest>(width, [&](auto n) { lastFirst<n>(width, at, store); });
 }
 
 // A column needs all rows, but a wide, tall matrix does not stay in the cache while each block of columns walks down it: it is

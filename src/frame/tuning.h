@@ -15,6 +15,11 @@ namespace qorsr {
 template <class T>
 inline constexpr int kWidestBlock = 4 * kNativeLanes<T>;
 
+// Elements that are each computed alone have no chain of additions, so one register is enough: wider blocks only leave a longer rest
+// (re_estimation, row_edits).
+template <class T>
+inline constexpr int kOneRegister = kNativeLanes<T>;
+
 // A wide, tall matrix of more bytes than kTiledBytes is taken in tiles of about kTileBytes (column_statistics, 512 columns).
 inline constexpr int64_t kTiledBytes = 256 * 1024, kTileBytes = 32 * 1024;
 

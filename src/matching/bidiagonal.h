@@ -16,7 +16,7 @@
 
 #include "frame/column_blocks.h"
 #include "frame/lanes.h"
-#include "frame/matrix/column_sums.h"
+#include "frame/reduce.h"
 
 namespace qorsr {
 

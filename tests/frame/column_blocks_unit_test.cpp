@@ -3,8 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <vector>
+
+#include "frame/chunks.h"
 
 namespace {
 
@@ -34,6 +37,43 @@ TEST(ColumnBlocks, CoverEveryColumn) {
   expectCover<int16_t>();
   expectCover<float>();
   expectCover<double>();
+}
+
+// In place: every element is edited once, whatever overlaps.
+template <class T>
+void expectLastFirst() {
+  for (int32_t width = 1; width <= 3 * kOneRegister<T> + 5; ++width) {
+    std::vector<T> values(static_cast<std::size_t>(width) + 1, T(7)), expected(values.size(), T(8));
+    expected.back() = T(7);
+    coverLastFirst<T>(
+        width, [&](int32_t c, auto n) { return Lanes<T, n>::load(values.data() + c) + Lanes<T, n>(T(1)); },
+        [&](int32_t c, const auto& v) { v.store(values.data() + c); });
+    EXPECT_EQ(values, expected) << "width " << width;
+  }
+}
+
+TEST(ColumnBlocks, LastFirstEditsEachElementOnce) {
+  expectLastFirst<int16_t>();
+  expectLastFirst<float>();
+  expectLastFirst<double>();
+}
+
+TEST(ColumnBlocks, ChunksMakeUpTheWhole) {
+  for (const int32_t most : {1, 2, 128, INT32_MAX}) {
+    for (const int32_t count : {INT32_MIN, -1, 0, 1, 127, 128, 129, 1000}) {
+      int32_t next = 0;
+      for (const Chunk chunk : chunksOf(count, most)) {
+        ASSERT_EQ(chunk.first, next);
+        ASSERT_TRUE(chunk.count == most || (chunk.count < most && chunk.first + chunk.count == count));
+        next += chunk.count;
+      }
+      EXPECT_EQ(next, std::max(count, 0)) << count << " by " << most;
+    }
+  }
+  int32_t chunks = 0, last = 0;
+  for (const Chunk chunk : chunksOf(INT32_MAX, 1 << 30)) ++chunks, last = chunk.first + (chunk.count - 1);
+  EXPECT_EQ(chunks, 2);
+  EXPECT_EQ(last, INT32_MAX - 1);
 }
 
 // Whatever the tiles: each column sees all rows in order, once, and every tile but the last has an even number of rows.

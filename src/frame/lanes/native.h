@@ -145,10 +145,14 @@ template <int W>
 inline Vector<int32_t, W> widenInt16(const int16_t* p) {
   if constexpr (W == 1) {
     return *p;
-#if defined(__SSE3__) && !defined(__SSE4_1__)
+#if defined(__SSE3__)
   } else if constexpr (W == 4) {
     const __m128i packed = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p));
+#if defined(__SSE4_1__)
+    return Vector<int32_t, 4>(_mm_cvtepi16_epi32(packed));
+#else
     return Vector<int32_t, 4>(_mm_srai_epi32(_mm_unpacklo_epi16(packed, packed), 16));
+#endif
 #endif
   } else {
     return converted<Vector<int32_t, W>>(load<Vector<int16_t, W>>(p));

@@ -91,6 +91,27 @@ inline Lanes<T, 2 * N> concatenated(const Lanes<T, N>& a, const Lanes<T, N>& b) 
   return permuted<order::from<0>, 2 * N>(a, b);
 }
 
+// N / 2 numbers from p on in both halves of one register: one load, where a concatenation takes two (1.1 to 1.35 times faster,
+// MatVecMul 16s of products).
+template <class T, int N>
+inline Lanes<T, N> loadTwice(const T* p) {
+  using L = Lanes<T, N>;
+  static_assert(L::kParts == 1);
+  constexpr std::size_t kBytes [[maybe_unused]] = sizeof(L);
+  L v;
+#if defined(__AVX512F__)
+  if constexpr (kBytes == 64) return v.part[0] = typename L::Part(_mm512_broadcast_i64x4(native::load<__m256i>(p))), v;
+#endif
+#if defined(__AVX2__)
+  if constexpr (kBytes == 32) return v.part[0] = typename L::Part(_mm256_broadcastsi128_si256(native::load<__m128i>(p))), v;
+#endif
+#if defined(__SSE3__)
+  if constexpr (kBytes == 16) return v.part[0] = typename L::Part(__m128i(_mm_set1_pd(native::load<double>(p)))), v;
+#endif
+  const auto half = Lanes<T, N / 2>::load(p);
+  return concatenated(half, half);
+}
+
 // ---- Lanes of two sets in turn ----
 
 namespace order {

@@ -11,7 +11,7 @@
 
 #include "frame/checks.h"
 #include "frame/lanes.h"
-#include "frame/matrix/column_sums.h"
+#include "frame/reduce.h"
 #include "frame/rows.h"
 
 namespace qorsr {

@@ -15,11 +15,12 @@
 
 #include "frame/bits.h"
 #include "frame/checks.h"
+#include "frame/chunks.h"
 #include "frame/column_blocks.h"
 #include "frame/convert.h"
 #include "frame/lanes.h"
-#include "frame/matrix/column_sums.h"
 #include "frame/memory.h"
+#include "frame/row_pairs.h"
 #include "frame/rows.h"
 
 namespace qorsr {
@@ -31,43 +32,13 @@ inline float reciprocalInFloat(int32_t n) { return 1.0F / static_cast<float>(n);
 
 // ---- Float road ----
 
-template <int N>
-struct Moments {
-  Lanes<float, N> sum, squares;
-};
-
-// Sum and sum of squares in one pass, both in pairs of rows; with first > 0, going on from the sums in `sums` and `squares`.
-template <int N, class Rows>
-inline Moments<N> columnMoments(const Rows& rows, int32_t first, int32_t end, int32_t column, const float* sums,
-                                const float* squares) {
-  const auto row = [&](int32_t r) { return loadAs<float, N>(rows[r] + column); };
-  Moments<N> m;
-  int32_t r = first;
-  if (first > 0) {
-    m = {Lanes<float, N>::load(sums + column), Lanes<float, N>::load(squares + column)};
-  } else {
-    const Lanes<float, N> x0 = row(0), x1 = row(1);
-    m = {x0 + x1, x0 * x0 + x1 * x1};
-    r = 2;
-  }
-  for (; r < end - 1; r += 2) {
-    const Lanes<float, N> a = row(r), b = row(r + 1);
-    m.sum += a + b;
-    m.squares += a * a + b * b;
-  }
-  if (r < end) {
-    const Lanes<float, N> last = row(r);
-    m.sum += last;
-    m.squares += last * last;
-  }
-  return m;
-}
-
 template <class Rows>
 void meanColumns(const Rows& rows, int32_t height, float* means, int32_t width, float r) {
   coverColumnsInTiles<float>(width, height, sizeof(*rows[0]), [&](int32_t c, auto n, int32_t first, int32_t end) {
-    const Lanes<float, n> sum = columnSum<float, n>(rows, first, end, c, means);
-    (end == height ? sum * Lanes<float, n>(r) : sum).store(means + c);
+    using L = Lanes<float, n>;
+    const auto row = [&](int32_t i) { return loadAs<float, n>(rows[i] + c); };
+    const L sum = sumInPairs(first, end, row, [&] { return L::load(means + c); });
+    (end == height ? sum * L(r) : sum).store(means + c);
   });
 }
 
@@ -89,13 +60,16 @@ template <class Rows>
 void meanVarColumns(const Rows& rows, int32_t height, float* means, float* variances, int32_t width, float r, float q) {
   coverColumnsInTiles<float>(width, height, sizeof(*rows[0]), [&](int32_t c, auto n, int32_t first, int32_t end) {
     using L = Lanes<float, n>;
-    Moments<n> m = columnMoments<n>(rows, first, end, c, means, variances);
+    const auto terms = [&](int32_t i) {
+      const L x = loadAs<float, n>(rows[i] + c);
+      return TwoSums<L>{x, x * x};
+    };
+    TwoSums<L> sums = sumInPairs(first, end, terms, [&] { return TwoSums<L>::load(means + c, variances + c); });
     if (end == height) {
-      m.sum *= L(r);
-      m.squares = (m.squares + m.sum * m.sum * L(-static_cast<float>(height))) * L(q);
+      const L mean = sums.first * L(r);
+      sums = {mean, (sums.second + mean * mean * L(-static_cast<float>(height))) * L(q)};
     }
-    m.sum.store(means + c);
-    m.squares.store(variances + c);
+    sums.store(means + c, variances + c);
   });
 }
 
@@ -187,10 +161,10 @@ inline DoubleMoments<N> momentsInIntegers(const Rows& rows, int32_t height, int3
   const Elements ones(1), zeros(0);
   Squares squares[4] = {Squares(0), Squares(0), Squares(0), Squares(0)};
   int64_t total[N] = {};
-  for (int32_t first = 0; first < height; first += kRowsPerFlush) {
-    const int32_t end = std::min(height - first, kRowsPerFlush) + first;
+  for (const Chunk chunk : chunksOf(height, kRowsPerFlush)) {
+    const int32_t end = chunk.first + chunk.count;
     Sums lower(0), upper(0);
-    for (int32_t r = first; r < end; r += 2) {
+    for (int32_t r = chunk.first; r < end; r += 2) {
       const Elements a = Elements::load(rows[r] + column);
       const Elements b = r + 1 < end ? Elements::load(rows[r + 1] + column) : zeros;
       const auto [low, high] = interleaved(a, b);

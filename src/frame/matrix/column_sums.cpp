@@ -57,36 +57,16 @@ QorStatus qorsSumRow_64f_D2L(const double* const* rows, int32_t width, double* r
   return sumRow(listed(rows), width, result, height);
 }
 
-QorStatus qorsSumRowAbs_64f(const double* source, int32_t length, double* result) {
-  if (QorStatus bad = Checks().null(source, result).size(length)) return bad;
-  *result = rowReduce(length, [&](int32_t i, auto n) { return abs(Lanes<double, n>::load(source + i)); });
-  return qorStatusOk;
-}
-
+QorStatus qorsSumRowAbs_64f(const double* source, int32_t length, double* result) { return sumRowAbs(source, length, result); }
 QorStatus qorsSumRowSqr_64f(double* source, int32_t length, double* result, double scale) {
-  if (QorStatus bad = Checks().null(source, result).size(length)) return bad;
-  *result = rowReduce(length, [&](int32_t i, auto n) {
-    const auto scaled = Lanes<double, n>::load(source + i) * Lanes<double, n>(scale);
-    scaled.store(source + i);
-    return scaled * scaled;
-  });
-  return qorStatusOk;
+  return sumRowSqr(source, length, result, scale);
 }
 
 QorStatus qorsSumColumnAbs_64f_D2L(const double* const* rows, int32_t width, int32_t height, double* result, int32_t column,
                                    int32_t firstRow) {
-  if (QorStatus bad = Checks().null(rows, result).size(width, height).index(column, width).index(firstRow, height)) return bad;
-  *result = columnReduce(firstRow, height, [&](int32_t r) { return __builtin_fabs(rows[r][column]); });
-  return qorStatusOk;
+  return sumOneColumnAbs(listed(rows), width, height, result, column, firstRow);
 }
-
 QorStatus qorsSumColumnSqr_64f_D2L(double* const* rows, int32_t width, int32_t height, double* result, int32_t column,
                                    int32_t firstRow, double scale) {
-  if (QorStatus bad = Checks().null(rows, result).size(width, height).index(column, width).index(firstRow, height)) return bad;
-  *result = columnReduce(firstRow, height, [&](int32_t r) {
-    const double scaled = rows[r][column] * scale;
-    rows[r][column] = scaled;
-    return scaled * scaled;
-  });
-  return qorStatusOk;
+  return sumOneColumnSqr(listed(rows), width, height, result, column, firstRow, scale);
 }

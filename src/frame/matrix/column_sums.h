@@ -16,6 +16,8 @@
 #include "frame/column_blocks.h"
 #include "frame/convert.h"
 #include "frame/lanes.h"
+#include "frame/reduce.h"
+#include "frame/row_pairs.h"
 #include "frame/rows.h"
 #include "frame/tuning.h"
 
@@ -30,38 +32,16 @@ inline T joinNeighbours(const Lanes<T, 4>& a) {
   return joinHalves(sums);
 }
 // Of four sets at once: lane i of the result is that of set i.
-inline Lanes<float, 4> joinNeighbours(const Lanes<float, 4> (&sets)[4]) {
-  const Transposed t = transposed(sets[0], sets[1], sets[2], sets[3]);
+inline Lanes<float, 4> joinNeighbours(const Lanes<float, 4>& a, const Lanes<float, 4>& b, const Lanes<float, 4>& c,
+                                      const Lanes<float, 4>& d) {
+  const Transposed t = transposed(a, b, c, d);
   return (t.lane[0] + t.lane[1]) + (t.lane[2] + t.lane[3]);
 }
 
-// The sum of rows 0 to end - 1 of one block of columns; with first > 0, going on from `running`, the sum of those above.
-template <class Acc, int N, class Rows>
-inline Lanes<Acc, N> columnSum(const Rows& rows, int32_t first, int32_t end, int32_t column, const Acc* running) {
-  const auto row = [&](int32_t r) { return loadAs<Acc, N>(rows[r] + column); };
-  Lanes<Acc, N> total;
-  int32_t r = first;
-  if (first > 0) {
-    total = Lanes<Acc, N>::load(running + column);
-  } else if (end == 1) {
-    return row(0);
-  } else {
-    total = row(0) + row(1);
-    r = 2;
-  }
-  for (; r < end - 1; r += 2) total += row(r) + row(r + 1);
-  if (r < end) total += row(r);
-  return total;
-}
-
-// The lanes of one row without its last width mod 4 elements; c is where they begin.
-template <class Acc, int R, class Rows>
-[[gnu::always_inline]] inline int32_t wholeGroups(const Rows& rows, int32_t first, int32_t width, Lanes<Acc, 4> (&lanes)[R]) {
-  decltype(&rows[0][0]) row[R];
-  for (int i = 0; i < R; ++i) {
-    row[i] = rows[first + i];
-    lanes[i] = Lanes<Acc, 4>(Acc(0));
-  }
+// The lanes of R rows without their last width mod 4 elements; where these begin.
+template <class Acc, int R, class T>
+[[gnu::always_inline]] inline int32_t wholeGroups(const T* const (&row)[R], int32_t width, Lanes<Acc, 4> (&lanes)[R]) {
+  for (auto& l : lanes) l = Lanes<Acc, 4>(Acc(0));
   int32_t c = 0;
   for (; c <= width - 8; c += 8) {
     for (int i = 0; i < R; ++i) lanes[i] += loadAs<Acc, 4>(row[i] + c) + loadAs<Acc, 4>(row[i] + c + 4);
@@ -85,63 +65,41 @@ template <class Acc, int kRest, class T>
 }
 
 // Sums of R rows (4 or 1) at once, so that their chains of additions overlap and their lanes are joined together.
-template <class Acc, int R, int kRest, class Rows>
-inline void rowSums(const Rows& rows, int32_t first, int32_t width, Acc* result) {
+template <class Acc, int kRest, int R, class T>
+inline void rowSums(const T* const (&row)[R], int32_t width, Acc* result) {
   Lanes<Acc, 4> lanes[R];
-  wholeGroups<Acc, R>(rows, first, width, lanes);
+  wholeGroups<Acc>(row, width, lanes);
   if constexpr (kRest > 0) {
-    for (int i = 0; i < R; ++i) lanes[i] += restOfRow<Acc, kRest>(rows[first + i] + width, width);
+    for (int i = 0; i < R; ++i) lanes[i] += restOfRow<Acc, kRest>(row[i] + width, width);
   }
   if constexpr (R == 4 && std::is_same_v<Acc, float>) {
-    joinNeighbours(lanes).store(result + first);
+    joinNeighbours(lanes[0], lanes[1], lanes[2], lanes[3]).store(result);
   } else {
-    for (int i = 0; i < R; ++i) result[first + i] = joinNeighbours(lanes[i]);
+    for (int i = 0; i < R; ++i) result[i] = joinNeighbours(lanes[i]);
   }
 }
 
 // Required: in the last row of an odd height the rest joins lane 0, one by one.
-template <class Acc, class Rows>
-inline Acc sumOfLastRow(const Rows& rows, int32_t last, int32_t width) {
+template <class Acc, class T>
+inline Acc sumOfLastRow(const T* last, int32_t width) {
   using L = Lanes<Acc, 4>;
+  const T* const row[1] = {last};
   L lanes[1];
-  for (int32_t c = wholeGroups<Acc, 1>(rows, last, width, lanes); c < width; ++c) {
-    lanes[0] += L::of(static_cast<Acc>(rows[last][c]), 0, 0, 0);
-  }
+  for (int32_t c = wholeGroups<Acc>(row, width, lanes); c < width; ++c) lanes[0] += L::of(static_cast<Acc>(last[c]), 0, 0, 0);
   return joinNeighbours(lanes[0]);
 }
 
 // Four rows at a time; one after the other where they are long and come from memory, which is read fastest in its order.
 template <class Acc, int kRest, class Rows>
-void sumRows(const Rows& rows, int32_t width, Acc* result, int32_t height) {
+void sumRows(Rows rows, int32_t width, Acc* result, int32_t height) {
   const bool far = width >= kFarColumns && static_cast<int64_t>(sizeof(rows[0][0])) * width * height > kFarBytes;
   const int32_t paired = height - height % 2;
   int32_t r = 0;
-  for (; !far && r <= paired - 4; r += 4) rowSums<Acc, 4, kRest>(rows, r, width, result);
-  for (; r < paired; ++r) rowSums<Acc, 1, kRest>(rows, r, width, result);
-  if (r < height) result[r] = sumOfLastRow<Acc>(rows, r, width);
-}
-
-// Sum of f(element) over one row. `f` works on lanes of any width and may store what it loads.
-template <class F>
-inline double rowReduce(int32_t length, F f) {
-  Lanes<double, 8> lanes(0.0);
-  int32_t i = 0;
-  for (; i <= length - 8; i += 8) lanes += f(i, LaneCount<8>());
-  double first = 0.0;
-  for (; i < length; ++i) first += f(i, LaneCount<1>()).part[0];
-  return joinHalves(lanes) + first;
-}
-
-// Sum of f(row) over rows firstRow to height - 1, in four running sums joined as (s0 + s2) + (s1 + s3).
-template <class F>
-inline double columnReduce(int32_t firstRow, int32_t height, F f) {
-  double s[4] = {};
-  int32_t r = firstRow;
-  for (; r < height - 3; r += 4) {
-    for (int i = 0; i < 4; ++i) s[i] += f(r + i);
+  for (; !far && r <= paired - 4; r += 4) {
+    rowSums<Acc, kRest, 4>({rows[r], rows[r + 1], rows[r + 2], rows[r + 3]}, width, result + r);
   }
-  for (int i = 0; r < height; ++r, ++i) s[i] += f(r);
-  return (s[0] + s[2]) + (s[1] + s[3]);
+  for (; r < paired; ++r) rowSums<Acc, kRest, 1>({rows[r]}, width, result + r);
+  if (r < height) result[r] = sumOfLastRow<Acc>(rows[r], width);
 }
 
 // ---- Family bodies ----
@@ -150,7 +108,8 @@ template <class Rows, class Acc>
 QorStatus sumColumn(Rows rows, int32_t height, Acc* result, int32_t width) {
   if (QorStatus bad = Checks().null(rows, result).size(height, width).stride(rows, width)) return bad;
   coverColumnsInTiles<Acc>(width, height, sizeof(*rows[0]), [&](int32_t c, auto n, int32_t first, int32_t end) {
-    columnSum<Acc, n>(rows, first, end, c, result).store(result + c);
+    const auto row = [&](int32_t r) { return loadAs<Acc, n>(rows[r] + c); };
+    sumInPairs(first, end, row, [&] { return Lanes<Acc, n>::load(result + c); }).store(result + c);
   });
   return qorStatusOk;
 }
@@ -171,6 +130,40 @@ QorStatus sumRow(Rows rows, int32_t width, Acc* result, int32_t height) {
     default:
       sumRows<Acc, 3>(rows, width, result, height);
   }
+  return qorStatusOk;
+}
+
+inline QorStatus sumRowAbs(const double* source, int32_t length, double* result) {
+  if (QorStatus bad = Checks().null(source, result).size(length)) return bad;
+  *result = rowReduce(length, [&](int32_t i, auto n) { return abs(Lanes<double, n>::load(source + i)); });
+  return qorStatusOk;
+}
+
+inline QorStatus sumRowSqr(double* source, int32_t length, double* result, double scale) {
+  if (QorStatus bad = Checks().null(source, result).size(length)) return bad;
+  *result = rowReduce(length, [&](int32_t i, auto n) {
+    const auto scaled = Lanes<double, n>::load(source + i) * Lanes<double, n>(scale);
+    scaled.store(source + i);
+    return scaled * scaled;
+  });
+  return qorStatusOk;
+}
+
+inline QorStatus sumOneColumnAbs(ListedRows<const double> rows, int32_t width, int32_t height, double* result, int32_t column,
+                                 int32_t firstRow) {
+  if (QorStatus bad = Checks().null(rows, result).size(width, height).index(column, width).index(firstRow, height)) return bad;
+  *result = columnReduce(firstRow, height, [&](int32_t r) { return __builtin_fabs(rows[r][column]); });
+  return qorStatusOk;
+}
+
+inline QorStatus sumOneColumnSqr(ListedRows<double> rows, int32_t width, int32_t height, double* result, int32_t column,
+                                 int32_t firstRow, double scale) {
+  if (QorStatus bad = Checks().null(rows, result).size(width, height).index(column, width).index(firstRow, height)) return bad;
+  *result = columnReduce(firstRow, height, [&](int32_t r) {
+    const double scaled = rows[r][column] * scale;
+    rows[r][column] = scaled;
+    return scaled * scaled;
+  });
   return qorStatusOk;
 }
 

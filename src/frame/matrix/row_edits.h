@@ -18,38 +18,14 @@
 
 namespace qorsr {
 
-// ---- Blocks of a row that is edited in place ----
-
-// Calls body(LaneCount<N>) with the widest N up to Most that `width` elements fill; below 128 bits, 1.
-template <class T, int Most, class Body>
-inline void withRowLanes(int32_t width, const Body& body) {
-  if constexpr (Most == 1) {
-    body(LaneCount<1>());
-  } else {
-    if (width >= Most) return body(LaneCount<Most>());
-    withRowLanes<T, detail::kNarrower<T, Most>>(width, body);
-  }
-}
-
-// row[c] = f(row + c, c) in blocks of N; width is at least N. The last block, which may overlap the one before it, is computed
-// first and stored last: no element is edited twice.
-template <int N, class T, class F>
-inline void editRow(T* row, int32_t width, const F& f) {
-  const int32_t tail = width - N;
-  const Lanes<T, N> last = f(row + tail, tail);
-  for (int32_t c = 0; c < tail; c += N) {
-    const Lanes<T, N> block = f(row + c, c);
-    block.store(row + c);
-  }
-  last.store(row + tail);
-}
-
-// Edits every row with f(pointer, column, LaneCount<N>).
+// Every row edited in place: row[c] = edited(row + c, c, LaneCount<N>).
 template <class T, class Rows, class F>
-void editRows(const Rows& rows, int32_t height, int32_t width, const F& f) {
-  withRowLanes<T, kNativeLanes<T>>(width, [&](auto n) {
+void editRows(const Rows& rows, int32_t height, int32_t width, const F& edited) {
+  withWidestBlock<T, kOneRegister<T>>(width, [=](auto lanes) {
     for (int32_t r = 0; r < height; ++r) {
-      editRow<n>(rows[r], width, [&](const T* x, int32_t c) { return f(x, c, n); });
+      T* const row = rows[r];
+      lastFirst<lanes>(
+          width, [=](int32_t c, auto n) { return edited(row + c, c, n); }, [=](int32_t c, const auto& v) { v.store(row + c); });
     }
   });
 }
@@ -72,10 +48,12 @@ QorStatus normalizeColumnsScaled(Rows rows, int32_t height, const int16_t* means
                                  int32_t scaleFactor) {
   if (QorStatus bad = Checks().null(rows, means, scales).size(height, width).stride(rows, width)) return bad;
   const auto normalize = [&](auto shift) {
-    editRows<int16_t>(rows, height, width, [=](const int16_t* x, int32_t c, auto n) {
-      const auto product = (loadAs<int32_t, n>(x) - loadAs<int32_t, n>(means + c)) * loadAs<int32_t, n>(scales + c);
-      return saturated(shift(product));
-    });
+    // Inlined by force: 1.15 to 1.2 times faster at x86-64-v4 (row_edits, NormalizeColumn 16s, 39 and 40 columns).
+    editRows<int16_t>(
+        rows, height, width, [=](const int16_t* x, int32_t c, auto n) __attribute__((always_inline)) {
+          const auto product = (loadAs<int32_t, n>(x) - loadAs<int32_t, n>(means + c)) * loadAs<int32_t, n>(scales + c);
+          return saturated(shift(product));
+        });
   };
   const auto magnitude = static_cast<uint32_t>(scaleFactor < 0 ? -static_cast<int64_t>(scaleFactor) : scaleFactor);
   const int count = static_cast<int>(magnitude % 32);
@@ -107,13 +85,12 @@ QorStatus subtractRow(const T* row, int32_t width, Rows rows, int32_t height) {
 template <class Rows>
 QorStatus addAllRows(Rows rows, int32_t height, float* sum, int32_t width) {
   if (QorStatus bad = Checks().null(rows, sum).size(height, width).stride(rows, width)) return bad;
-  withRowLanes<float, kWidestBlock<float>>(width, [&](auto n) {
-    editRow<n>(sum, width, [&](const float* start, int32_t c) {
-      auto total = Lanes<float, n>::load(start);
-      for (int32_t r = 0; r < height; ++r) total += Lanes<float, n>::load(rows[r] + c);
-      return total;
-    });
-  });
+  const auto total = [&](int32_t c, auto n) {
+    auto sums = Lanes<float, n>::load(sum + c);
+    for (int32_t r = 0; r < height; ++r) sums += Lanes<float, n>::load(rows[r] + c);
+    return sums;
+  };
+  coverLastFirst<float, kWidestBlock<float>>(width, total, [=](int32_t c, const auto& sums) { sums.store(sum + c); });
   return qorStatusOk;
 }
 
@@ -154,10 +131,11 @@ inline QorStatus addIndexedRows(IndexedRows chosen, int32_t height, int32_t offs
 
 inline QorStatus addScaledRow(const double* source, double* destination, int32_t length, double factor) {
   if (QorStatus bad = Checks().null(source, destination).size(length)) return bad;
-  withRowLanes<double, kNativeLanes<double>>(length, [&](auto n) {
+  const auto added = [=](int32_t i, auto n) {
     using L = Lanes<double, n>;
-    editRow<n>(destination, length, [&](const double* y, int32_t i) { return L::load(y) + L::load(source + i) * L(factor); });
-  });
+    return L::load(destination + i) + L::load(source + i) * L(factor);
+  };
+  coverLastFirst<double>(length, added, [=](int32_t i, const auto& y) { y.store(destination + i); });
   return qorStatusOk;
 }
 

@@ -19,27 +19,52 @@ namespace qorsr {
 
 // ---- Rows times a vector ----
 
-// N / 2 numbers from p on in both halves of one register.
-template <int N>
-inline Lanes<int16_t, N> loadTwice(const int16_t* p) {
-  const auto half = Lanes<int16_t, N / 2>::load(p);
-  return concatenated(half, half);
-}
-
-// Sets of 2 G lanes, R of them: sums of their lower halves, and of their upper ones.
+// Sums over the halves of R sets. Eight halves take far fewer steps together than eight joins: they are transposed within 128 bits,
+// where shuffles are cheap, before they are folded (1.2 to 1.45 times faster than folded sets, MatVecMul 16s of products, 13 to 64
+// columns). The sums are modulo 2^32 and so the same in any order.
 template <int R>
 struct SumsOfHalves {
   Lanes<uint32_t, R> lower, upper;
 };
+
+// Within each 128 bits: the sums of four lanes of a, b, c and d.
+template <int N>
+inline Lanes<uint32_t, N> sumsOfFours(const Lanes<uint32_t, N>& a, const Lanes<uint32_t, N>& b, const Lanes<uint32_t, N>& c,
+                                      const Lanes<uint32_t, N>& d) {
+  const auto ab = permuted<order::inTurnOfEach<4, 1, 0>>(a, b) + permuted<order::inTurnOfEach<4, 1, 2>>(a, b);
+  const auto cd = permuted<order::inTurnOfEach<4, 1, 0>>(c, d) + permuted<order::inTurnOfEach<4, 1, 2>>(c, d);
+  return permuted<order::inTurnOfEach<4, 2, 0>>(ab, cd) + permuted<order::inTurnOfEach<4, 2, 2>>(ab, cd);
+}
+
+// The sums of lanes First and First + 1 of four sets.
+template <int First>
+inline Lanes<uint32_t, 4> sumsOfPairs(const Lanes<uint32_t, 4> (&sets)[4]) {
+  const auto ab = permuted<order::inTurnOfEach<4, 1, First>>(sets[0], sets[1]);
+  const auto cd = permuted<order::inTurnOfEach<4, 1, First>>(sets[2], sets[3]);
+  return permuted<order::inTurnOfEach<4, 2, 0>>(ab, cd) + permuted<order::inTurnOfEach<4, 2, 2>>(ab, cd);
+}
+
 template <int N>
 inline SumsOfHalves<4> sumsOfHalves(const Lanes<uint32_t, N> (&sets)[4]) {
-  const auto all = foldedSets<N / 2, 1>(concatenated(concatenated(sets[0], sets[1]), concatenated(sets[2], sets[3])));
-  return {permuted<order::everySecond<0>, 4>(all), permuted<order::everySecond<1>, 4>(all)};
+  if constexpr (N == 4) {
+    return {sumsOfPairs<0>(sets), sumsOfPairs<2>(sets)};
+  } else {
+    const auto all = sumsOfFours(sets[0], sets[1], sets[2], sets[3]);
+    return {joinedTo<4>(lowerHalf(all)), joinedTo<4>(upperHalf(all))};
+  }
 }
+
+// Eight sets, where eight lanes are in one register.
 template <int N>
 inline SumsOfHalves<8> sumsOfHalves(const Lanes<uint32_t, N> (&sets)[8]) {
-  const auto a = sumsOfHalves({sets[0], sets[1], sets[2], sets[3]}), b = sumsOfHalves({sets[4], sets[5], sets[6], sets[7]});
-  return {concatenated(a.lower, b.lower), concatenated(a.upper, b.upper)};
+  if constexpr (N == 16) {
+    const auto a = sumsOfFours(sets[0], sets[1], sets[2], sets[3]), b = sumsOfFours(sets[4], sets[5], sets[6], sets[7]);
+    const auto all = permuted<order::inTurnOfEach<8, 4, 0>>(a, b) + permuted<order::inTurnOfEach<8, 4, 4>>(a, b);
+    return {lowerHalf(all), upperHalf(all)};
+  } else {
+    const auto a = sumsOfHalves({sets[0], sets[1], sets[2], sets[3]}), b = sumsOfHalves({sets[4], sets[5], sets[6], sets[7]});
+    return {concatenated(a.lower, b.lower), concatenated(a.upper, b.upper)};
+  }
 }
 
 // N zeros, then N ones.
@@ -61,7 +86,8 @@ class ExactDots {
       for (int32_t b = 0; b < blocks_ - 1; ++b) parts_[b] = partsAt(b * kBlock);
     }
     const int32_t counted = blocks_ * kBlock - width;  // elements of the last block
-    last_ = partsOf(loadTwice<N>(vector + width - kBlock) * loadTwice<N>(kZerosAndOnes<kBlock>.data() + (kBlock - counted)));
+    last_ = partsOf(loadTwice<int16_t, N>(vector + width - kBlock) *
+                    loadTwice<int16_t, N>(kZerosAndOnes<kBlock>.data() + (kBlock - counted)));
   }
 
   template <int R>
@@ -102,7 +128,7 @@ class ExactDots {
       for (auto& s : sums) s = Sums(0);
     }
     [[gnu::always_inline]] void add(const RowGroup<int16_t, R>& rows, int32_t column, const Elements& parts) {
-      for (int i = 0; i < R; ++i) sums[i] += std::bit_cast<Sums>(pairDots(loadTwice<N>(rows[i] + column), parts));
+      for (int i = 0; i < R; ++i) sums[i] += std::bit_cast<Sums>(pairDots(loadTwice<int16_t, N>(rows[i] + column), parts));
     }
     [[gnu::always_inline]] Lanes<double, R> joined() const {
       const SumsOfHalves<R> all = sumsOfHalves(sums);
@@ -116,7 +142,7 @@ class ExactDots {
     const Elements high = v >> 8, low = v - shiftLeft(high, 8);
     return low + (high - low) * Elements::load(kZerosAndOnes<kBlock>.data());
   }
-  Elements partsAt(int32_t column) const { return partsOf(loadTwice<N>(vector_ + column)); }
+  Elements partsAt(int32_t column) const { return partsOf(loadTwice<int16_t, N>(vector_ + column)); }
 
   const int16_t* vector_;
   int32_t width_, blocks_;

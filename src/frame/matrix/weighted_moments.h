@@ -13,28 +13,10 @@
 #include "frame/checks.h"
 #include "frame/column_blocks.h"
 #include "frame/lanes.h"
+#include "frame/row_pairs.h"
 #include "frame/rows.h"
 
 namespace qorsr {
-
-// Adds terms of rows first to end - 1, in pairs: add(term(r) + term(r + 1)). `first` is even.
-template <class Term, class Sum>
-[[gnu::always_inline]] inline void sumInPairs(int32_t first, int32_t end, const Term& term, Sum& sum) {
-  int32_t r = first;
-  for (; r < end - 1; r += 2) sum += term(r) + term(r + 1);
-  if (r < end) sum += term(r);
-}
-
-// Sums and sums of squares side by side.
-template <class L>
-struct TwoSums {
-  L first, second;
-
-  [[gnu::always_inline]] friend TwoSums operator+(const TwoSums& a, const TwoSums& b) {
-    return {a.first + b.first, a.second + b.second};
-  }
-  [[gnu::always_inline]] TwoSums& operator+=(const TwoSums& b) { return *this = *this + b; }
-};
 
 template <class T, class Rows>
 QorStatus weightedMeanColumn(Rows rows, const T* weights, int32_t height, T* means, int32_t width) {
@@ -42,7 +24,7 @@ QorStatus weightedMeanColumn(Rows rows, const T* weights, int32_t height, T* mea
   coverColumnsInTiles<T>(width, height, sizeof(T), [&](int32_t c, auto n, int32_t first, int32_t end) {
     using L = Lanes<T, n>;
     L sum = first > 0 ? L::load(means + c) : L(T(0));
-    sumInPairs(
+    addInPairs(
         first, end, [&](int32_t r) __attribute__((always_inline)) { return L::load(rows[r] + c) * L(weights[r]); }, sum);
     sum.store(means + c);
   });
@@ -59,7 +41,7 @@ QorStatus weightedVarColumn(Rows rows, const T* weights, int32_t height, const T
       const L x = L::load(rows[r] + c);
       return x * x * L(weights[r]);
     };
-    sumInPairs(first, end, term, sum);
+    addInPairs(first, end, term, sum);
     const L mean = L::load(means + c);
     (end == height ? sum - mean * mean : sum).store(variances + c);
   });
@@ -71,15 +53,14 @@ QorStatus weightedMeanVarColumn(Rows rows, const T* weights, int32_t height, T* 
   if (QorStatus bad = Checks().null(rows, weights, means, variances).stride(rows, width).size(width, height)) return bad;
   const auto block = [&]<int N>(int32_t c, LaneCount<N>, int32_t first, int32_t end) __attribute__((always_inline)) {
     using L = Lanes<T, N>;
-    TwoSums<L> sums = first > 0 ? TwoSums<L>{L::load(means + c), L::load(variances + c)} : TwoSums<L>{L(T(0)), L(T(0))};
+    TwoSums<L> sums = first > 0 ? TwoSums<L>::load(means + c, variances + c) : TwoSums<L>{L(T(0)), L(T(0))};
     const auto terms = [&](int32_t r) __attribute__((always_inline)) {
       const L x = L::load(rows[r] + c), weighted = x * L(weights[r]);
       return TwoSums<L>{weighted, weighted * x};
     };
-    sumInPairs(first, end, terms, sums);
+    addInPairs(first, end, terms, sums);
     if (end == height) sums.second -= sums.first * sums.first;
-    sums.first.store(means + c);
-    sums.second.store(variances + c);
+    sums.store(means + c, variances + c);
   };
   coverColumnsInTiles<T>(width, height, sizeof(T), [&](int32_t c, auto n, int32_t first, int32_t end) {
     if constexpr (Lanes<T, n>::kParts > 2) {  // two sums and two rows of terms: the registers hold half of the widest block
