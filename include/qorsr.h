@@ -581,14 +581,14 @@ QORSR_API QorStatus qorsDotProdColumn_64f_D2L(const double* const* rows, int32_t
  *  | #qorStatusBadStride | stride below width (`_D2`) |
  *
  *  **Exact arithmetic**
- *  - **`MatVecMul_32f`.** In float: groups of 16 elements in 16 lanes, joined by halves to four; groups of four in these; up to
+ *  - `MatVecMul_32f`: In float: groups of 16 elements in 16 lanes, joined by halves to four; groups of four in these; up to
  *    three last elements in lane 0; (l0 + l2) + (l1 + l3).
- *  - **`MatVecMul_16s`, `_16s32s`.** The sum is exact (64 bits). A scale factor above 0 shifts it right without rounding, toward
+ *  - `MatVecMul_16s`, `_16s32s`: The sum is exact (64 bits). A scale factor above 0 shifts it right without rounding, toward
  *    minus infinity (64 and more: 0 or -1); below 0 it is multiplied by the power of two; then saturated to the result's type.
- *  - **`VecMatMul_32f`.** In float, row after row.
- *  - **`VecMatMul_16s`, `_16s32s`.** The sum in double, times 2^-sf, limited to the result's range, rounded to nearest, ties to
+ *  - `VecMatMul_32f`: In float, row after row.
+ *  - `VecMatMul_16s`, `_16s32s`: The sum in double, times 2^-sf, limited to the result's range, rounded to nearest, ties to
  *    even. That one of the two 16-bit families truncates and the other rounds is required.
- *  - **`_32s`.** Products and sums in double (`MatVecMul`: even and odd elements in two sums, joined at the end; `VecMatMul`: row
+ *  - `_32s`: Products and sums in double (`MatVecMul`: even and odd elements in two sums, joined at the end; `VecMatMul`: row
  *    after row), times 2^-sf, limited to 32 bits, rounded to nearest, ties to even.
  *  - Nothing is allocated. @{ */
 /** Matrix times vector, a result a row: float. @see @ref products */
@@ -1017,21 +1017,21 @@ QORSR_API QorStatus qorsBuildSignTable_Var_8u1u(const int32_t* indices, const in
  *    and alignment. `DirectVar_32f` and the 16-bit `DirectVar` members form the reciprocals of the variances in float first; the
  *    double ones divide term by term. `BlockDVar` sums in 8 lanes (doubles: 4); the last step of `BlockDVar_32f` is in double,
  *    rounded once.
- *  - **`16s32s`, `Scaled_16s32f`.** For each group of eight elements d = x - m is saturated to 16 bits, d^2 * v is formed in
+ *  - `16s32s`, `Scaled_16s32f`: For each group of eight elements d = x - m is saturated to 16 bits, d^2 * v is formed in
  *    float, the eight are added as ((p0 + p4) + (p2 + p6)) + ((p1 + p5) + (p3 + p7)), and that joins one float total. The last
  *    zero to seven elements follow one at a time, without saturation (required). `16s32s`: Q / 2^(sf + 1) exactly, then float(val)
  *    minus that, limited to -2^31 ... 2^31 and rounded in the caller's rounding mode. `Scaled`: in float, with the power of two
  *    limited to 2^128 (infinity) above and 0 below 2^-149.
- *  - **`Low_16s32s`, `LowScaled_16s32f`.** 32-bit integers that wrap. d is saturated throughout; d^2 = 65536 u + w; H = -sum of u
- *    v and L = -sum of (w / 2) v run in four lanes of neighbouring pairs over all groups of eight; each lane then gives H * 2^(15
- *    - sf) + L / 2^sf by shifts, and each pair of the remainder, or a last odd element, gives its own. The lanes and val are added
+ *  - `Low_16s32s`, `LowScaled_16s32f`: 32-bit integers that wrap. d is saturated throughout; d^2 = 65536 u + w; H = -sum of u
+ *    v and L = -sum of (w / 2) v run in four lanes of neighbouring pairs over all groups of eight; each lane then gives H * 2^(15 -
+ *    sf) + L / 2^sf by shifts, and each pair of the remainder, or a last odd element, gives its own. The lanes and val are added
  *    (`LowScaled`: as floats). With sf above 15, H is shifted right by sf - 15 and L by 15 (required). A negative sf takes the
  *    float sums instead, truncated toward zero in `Low` (out of range: the most negative value).
- *  - **`IdVarLow_16s32s`.** The same with v = 1; a negative sf shifts left. The last odd element is a plain difference, not
+ *  - `IdVarLow_16s32s`: The same with v = 1; a negative sf shifts left. The last odd element is a plain difference, not
  *    saturated.
- *  - **`IdVarLowScaled_16s32f`.** Squares of neighbouring elements are added as 32-bit integers that wrap, converted to float and
+ *  - `IdVarLowScaled_16s32f`: Squares of neighbouring elements are added as 32-bit integers that wrap, converted to float and
  *    summed in four lanes; a last odd element is a plain difference whose 32-bit square wraps.
- *  - **`BlockDVar_16s32s`** truncates, and saturates above 2^31. **`DirectVar_16s32s`** rounds Q / 2^(sf + 1) to nearest,
+ *  - `BlockDVar_16s32s` truncates, and saturates above 2^31. `DirectVar_16s32s` rounds Q / 2^(sf + 1) to nearest,
  *    saturates it, and saturates the difference.
  *  - **16-bit distances.** `16s32f`: Q in the float arithmetic above. qorsMahDistSingle_16s32s_Sfs() has two roads (required):
  *    with all three vectors 16-byte aligned that float Q, limited and rounded, and the scale factor has no effect; else the exact
@@ -1776,8 +1776,8 @@ QORSR_API QorStatus qorsMahDistMultiMix_64f_D2L(const double* const* meanRows, c
  *  **Exact arithmetic**
  *  - Bins outside 0 to L/2 do not exist: sections are cut there, and an empty section adds nothing.
  *  - Float evaluation, with eight lanes a filter: a section's bins go to lanes 0 to 7 in blocks of eight, and the bins that remain
- *    to lane 0; the first bin of a rising section (filter 1 apart) goes to lane 0 ahead of the blocks. The sum is ((l0 + l4) + (l2
- *    + l6)) + ((l1 + l5) + (l3 + l7)).
+ *    to lane 0; the first bin of a rising section (filter 1 apart) goes to lane 0 ahead of the blocks. The sum is ((l0 + l4) +
+ *    (l2 + l6)) + ((l1 + l5) + (l3 + l7)).
  *  - 16-bit evaluation is exact: the sum of the products in 64 bits is shifted right (arithmetically, without rounding) by
  *    scaleFactor + 14, or left when that is negative, and saturated. With a transform front, the transform runs in float; its
  *    values are rounded to integers with three fraction bits, the magnitudes of those again to integers with three more (to
@@ -1934,8 +1934,8 @@ QORSR_API QorStatus qorsEvalFBank_32s_Sfs(const int32_t* source, int32_t* result
  *  **Exact arithmetic**
  *  - All is computed in double; m[i] and the position are rounded to float; Q14 weights are
  *    truncated. Negative weights become 0.
- *  - required: with #qorFBankMelShaped, the falling side of filter T of a mixed bank compares mel values with bin numbers, (c[T+1]
- *    - mel(j)) / (c[T+1] - c[T]).
+ *  - required: with #qorFBankMelShaped, the falling side of filter T of a mixed bank compares mel values with bin numbers,
+ *    (c[T+1] - mel(j)) / (c[T+1] - c[T]).
  *  - qorsMelFBankInit_32s(): no floating-point arithmetic takes place. Mel values have 22 fraction bits; logarithms and
  *    exponentials are taken by shifts and multiplications (Muller, "Elementary Functions"), and centres are rounded half up.
  *
@@ -2173,8 +2173,8 @@ QORSR_API QorStatus qorsDCTLifter_32s16s_Sfs(const int32_t* source, int16_t* des
  *  - `Win2`: d(t) = (x(t+1) - x(t-1) + p + p) q with p = x(t+2) - x(t-2): ten times the slope of a regression over five frames.
  *  - a(t) is the same window over d.
  *  - `Mul`: a table in place of multipliers, one entry for each element of a destination row: features are stored as x(t)[i] *
- *    table[i], the window over the stored features is multiplied by table[width + i], that over the stored deltas by table[2 width
- *    + i].
+ *    table[i], the window over the stored features is multiplied by table[width + i], that over the stored deltas by table[2
+ *    width + i].
  *  - `Aurora`: width 13. A source row has 14 elements: 12 coefficients, then c0 and the log energy, which become feature 12: (c0 *
  *    0.6) / 23 + logE * 0.4. Both windows span nine frames of features:
  *
@@ -2620,8 +2620,8 @@ QORSR_API QorStatus qorsAccCovarianceMatrix_32f64f_D2L(const float* const* rows,
  *  - **Merge** (`GaussianMerge`): mean and variance receive m and v, det receives n log(2 pi) - sum of log v.
  *  - **Split** (`GaussianSplit`): e = sqrt(variance) * factor; the first Gaussian's mean becomes mean + e, in place, the second's
  *    is mean - e with a copy of the variance.
- *  - **Bhattacharyya distance** (`BhatDist`): with s = vx + vy and d = mx - my, 1/4 sum of d^2 / s + 1/4 sum of log(s^2 / (vx vy))
- *    - 1/4 n log 4. `SLog` members are given the sums of the logarithms of both variance vectors, logs1 and logs2.
+ *  - **Bhattacharyya distance** (`BhatDist`): with s = vx + vy and d = mx - my, 1/4 sum of d^2 / s + 1/4 sum of log(s^2 / (vx
+ *    vy)) - 1/4 n log 4. `SLog` members are given the sums of the logarithms of both variance vectors, logs1 and logs2.
  *
  *  | Parameter | Use | Elements, or values | |
  *  |---|---|---|---|
