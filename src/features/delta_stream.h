@@ -23,8 +23,6 @@
 
 namespace qorsr {
 
-inline constexpr int32_t kBeginFlag = 1, kEndFlag = 2;
-
 // 0: the features, 1: the delta, 2: the acceleration.
 template <int K>
 using Derivative = std::integral_constant<int, K>;
@@ -54,7 +52,7 @@ template <class Step, int... kEach>
 template <class Member>
 void streamRows(const Member& member, int32_t height, int32_t flags) {
   constexpr std::ptrdiff_t kGroup = 64, kLookBack = Member::kLookBack;
-  const bool begin = (flags & kBeginFlag) != 0, end = (flags & kEndFlag) != 0;
+  const bool begin = (flags & qorDeltaBegin) != 0, end = (flags & qorDeltaEnd) != 0;
   const std::ptrdiff_t first = begin ? 0 : kLookBack, rows = first + height;
   if (begin) member.startUp(rows - 1);
   for (std::ptrdiff_t row = kLookBack; row < rows; row += kGroup) member.steady(first, row, std::min(row + kGroup, rows));
@@ -71,9 +69,9 @@ QorStatus streamDelta(const Member& member, const T* source, const T* destinatio
                           .require(member.given(), qorStatusNullPointer)
                           .size(width)
                           .atLeast(0, height)
-                          .require(height > 0 || (flags & kEndFlag) != 0, qorStatusBadSize)
+                          .require(height > 0 || (flags & qorDeltaEnd) != 0, qorStatusBadSize)
                           .require(step >= kParts * width, qorStatusBadStride)
-                          .require((flags & kBeginFlag) == 0 || height >= Member::kLookBack, qorStatusBadSize))
+                          .require((flags & qorDeltaBegin) == 0 || height >= Member::kLookBack, qorStatusBadSize))
     return bad;
   streamRows(member, height, flags);
   return qorStatusOk;

@@ -21,7 +21,7 @@ QorStatus initEmpty(Bank** state, int32_t* order, int32_t length, int32_t n, int
   const TransformSize size = transformSize(length);
   *order = size.order;
   // required: the flags word makes the transform's areas but is not kept, so the bank evaluates spectra.
-  Bank* bank = allocateFilterBank<Bank>(n, size, (flags & kTransformFront) != 0);
+  Bank* bank = allocateFilterBank<Bank>(n, size, (flags & qorFBankTransform) != 0);
   if (bank == nullptr) return qorStatusNoMemory;
   *state = bank;
   return qorStatusOk;
@@ -138,7 +138,7 @@ struct TransformFront {
 
 QorStatus evaluate(const float* source, float* result, const FBankState_32f* state) {
   if (QorStatus bad = checkEvaluation(source, result, state)) return bad;
-  if (state->flags & kTransformFront) {
+  if (state->flags & qorFBankTransform) {
     const TransformFront front(state);
     front.setup.magnitudes(source, front.spectrum, front.work);
     source = front.spectrum;
@@ -170,7 +170,7 @@ const int32_t* wholeMagnitudes(const int16_t* frame, const FBankState_16s* state
 template <class Result>
 QorStatus evaluate(const int16_t* source, Result* result, const FBankState_16s* state, int32_t scaleFactor) {
   if (QorStatus bad = checkEvaluation(source, result, state)) return bad;
-  const bool front = (state->flags & kTransformFront) != 0;
+  const bool front = (state->flags & qorFBankTransform) != 0;
   const int64_t shift = int64_t{scaleFactor} + state->coeffScale + (front ? 6 : 0);
   const auto store = [&](int64_t sum) { return saturate<Result>(shiftByScale(sum, shift)); };
   if (front) {

@@ -55,7 +55,6 @@ static_assert(sizeof(FBankState_32f) == 52 && sizeof(FBankState_16s) == 56, "par
 
 namespace qorsr {
 
-inline constexpr int32_t kMelShaped = 1, kIndexShaped = 2, kTransformFront = 4;
 inline constexpr int32_t kWeightFractionBits = 14;
 
 template <class Bank>
@@ -124,7 +123,7 @@ void placeFilterBank(Bank* bank, int32_t n, TransformSize size, bool withTransfo
   };
   const auto length = static_cast<int32_t>(size.length), half = length / 2;
   std::memset(bank, 0, sizeof(Bank));
-  bank->flags = kMelShaped;
+  bank->flags = qorFBankMelShaped;
   bank->fftLength = length;
   bank->filterCount = bank->linearFilterCount = n;
   bank->melDiv = 1.0F;

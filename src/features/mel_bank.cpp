@@ -10,8 +10,8 @@ using namespace qorsr;
 namespace {
 
 bool validFlags(int32_t flags) {
-  const int32_t shape = flags & ~kTransformFront;
-  return shape == kMelShaped || shape == kIndexShaped;
+  const int32_t shape = flags & ~qorFBankTransform;
+  return shape == qorFBankMelShaped || shape == qorFBankIndexShaped;
 }
 bool below(float a, float b) { return a < b; }  // a NaN passes every test
 bool notAboveZero(float a) { return a <= 0.0F; }
@@ -21,7 +21,7 @@ bool halfIsBelow(float sampleFrequency, float high) { return sampleFrequency * 0
 
 template <class Bank>
 QorStatus melBankSize(int32_t length, int32_t n, int32_t flags, int32_t* size) {
-  const bool withTransform = (flags & kTransformFront) != 0;
+  const bool withTransform = (flags & qorFBankTransform) != 0;
   if (QorStatus bad =
           Checks()
               .null(size)
@@ -112,7 +112,7 @@ QorStatus qorsMelFBankGetSize_32s(int32_t length, int32_t filterCount, int32_t f
                           .null(size)
                           .size(filterCount)
                           .require(within(length, 32, 8192), qorStatusBadSize)
-                          .require(flags == kIndexShaped, qorStatusBadFBankFlag)
+                          .require(flags == qorFBankIndexShaped, qorStatusBadFBankFlag)
                           .require([&] { return filterCount <= transformSize(length).length / 2; }, qorStatusBadSize)) {
     return bad;
   }
@@ -146,7 +146,7 @@ QorStatus qorsMelFBankInit_32s(FBankState_32s* state, int32_t* order, int32_t le
                           .null(state, order)
                           .size(filterCount, highFrequency)
                           .require(within(length, 32, 8192), qorStatusBadSize)
-                          .require(flags == kIndexShaped, qorStatusBadFBankFlag)
+                          .require(flags == qorFBankIndexShaped, qorStatusBadFBankFlag)
                           .require(within(sampleFrequency, 1, 48000) && lowFrequency >= 0, qorStatusBadSize)
                           .require(highFrequency > lowFrequency && highFrequency <= 24000, qorStatusBadFBankFrequency)
                           .require(within(melDiv, 0x80001, 0xFFFFFFF) && within(melMul, 0x80001, 0x3FFFFFFF), qorStatusBadArgument)

@@ -33,8 +33,8 @@ struct MelSpec {
   int32_t flags;
 
   MelLaw law() const { return {static_cast<double>(melMul), static_cast<double>(melDiv)}; }
-  bool indexShaped() const { return (flags & kIndexShaped) != 0; }
-  bool withTransform() const { return (flags & kTransformFront) != 0; }
+  bool indexShaped() const { return (flags & qorFBankIndexShaped) != 0; }
+  bool withTransform() const { return (flags & qorFBankTransform) != 0; }
 };
 
 // The linear part of a mixed bank.

@@ -80,7 +80,7 @@ inline BankView<int32_t> placeFixedBank(FBankState_32s* bank, int32_t n, int32_t
   bank->centers = static_cast<int32_t>(centers - begin);
   bank->falling = static_cast<int32_t>(rows - begin);
   bank->rising = bank->falling + static_cast<int32_t>(4 * risingStart(half));
-  bank->flags = kIndexShaped;
+  bank->flags = qorFBankIndexShaped;
   bank->filterCount = n;
   bank->binCount = half + 1;
   bank->plan = 0;

@@ -41,9 +41,9 @@ inline Int limitAndTruncate(double value) {
 
 // Hint 1 is the fast form, 0 and 2 the accurate one. Any other hint does nothing (required).
 inline void logAddByHint(const float* source, float* result, int32_t length, int32_t hint) {
-  if (hint == 1) {
+  if (hint == qorLogAddFast) {
     logAddVectorFast(source, result, length);
-  } else if (hint == 0 || hint == 2) {
+  } else if (hint == qorLogAddAccurate || hint == 2) {
     logAddVector(source, result, length);
   }
 }
