@@ -2462,6 +2462,144 @@ QORSR_API QorStatus qorsSchur_16s_Sfs(const int16_t* autocorrelations, int16_t* 
 
 /* ---------------- Conversions of linear prediction ---------------- */
 
+/** @defgroup lp_conversions Conversions of linear prediction
+ *  One all-pole model in several representations: predictor coefficients (those of the error filter, as `Durbin` gives them: A(z) = 1 +
+ *  a[1] z^-1 + ... + a[p] z^-p), cepstrum, reflection coefficients, line spectral pairs, area ratios, tilts, and the model's spectrum.
+ *  Arrays hold element 1 first; all arithmetic is float.
+ *
+ *  | Function | Result |
+ *  |---|---|
+ *  | `LPToCepstrum` | c[m] = -(a[m] + 1/m sum of (m - k) a[k] c[m - k]), k = 1 to m - 1 |
+ *  | `CepstrumToLP` | the inverse |
+ *  | `LPToReflection` | k[m] = -a[m] of the model of order m, for m from p down (step-down) |
+ *  | `ReflectionToLP` | the inverse (step-up) |
+ *  | `LPToLSP` | cosines of the line frequencies, falling from 1 to -1, and how many were found |
+ *  | `LSPToLP` | the inverse, for even orders |
+ *  | `LPToSpectrum` | 1 / abs(S(k)) at 2^order frequencies up to half the sampling rate |
+ *  | `ReflectionToAR` | (1 - k) / (1 + k) |
+ *  | `ReflectionToTrueAR` | product of these up to each element: areas of a tube, each over the first |
+ *  | `ReflectionToLAR` | ln((1 - c) / (1 + c)), c = k limited to -limit to limit |
+ *  | `ReflectionToAbsTilt` | (abs(k1) - abs(k2)) / (abs(k1) + abs(k2)) |
+ *  | `ReflectionToTilt` | (abs(k1) - abs(k2)) / (k1 + k2) |
+ *
+ *  @warning `LPToLSP` and `LSPToLP` take odd orders with other signs than even ones (required): only even orders go there and back.
+ *
+ *  @warning In `LPToSpectrum` the transform runs over 0, source[0], ..., source[length - 1], and `value` reduces the real part of bin 0
+ *  alone. For the spectrum 1 / abs(A) of a model give -1 as the value and read bin 0, or transform 1, a[1], ... yourself.
+ *
+ *  Scale factors. Where there is one, 16-bit values are loaded times 2^scaleFactor and stored times 2^-scaleFactor: -12 is Q12 on both
+ *  sides. (Tilts load 16-bit values as they are.) With two, destinationScale stores times 2^-destinationScale, and
+ *
+ *  | Function | loads times |
+ *  |---|---|
+ *  | `LPToLSP`, `LSPToLP`, `ReflectionToLAR` | 2^-sourceScale: 12 is Q12 |
+ *  | `ReflectionToAR`, `ReflectionToTrueAR` | 2^+sourceScale: -12 is Q12 |
+ *
+ *  Exponents are limited to -150 (zero) to 128 (infinity). Results are rounded to nearest, ties to even (`ReflectionToLAR_16s`: toward
+ *  zero, required), and saturated; a NaN gives 0.
+ *
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `source` of `LPToSpectrum_*` | in | length | |
+ *  | `source` of `LSPToLP_*` | in | order; each 0 | cosines, falling, inside -1 to 1 |
+ *  | `source`, `first`, `second` | in | order | |
+ *  | `destination` of `LPToSpectrum_*` | out | exp2(order) | |
+ *  | `destination` of `LPToReflection_*`, `LPToLSP_*` | in, out | order | what is not reached stays as it was |
+ *  | `destination` | out | order | |
+ *  | `count` | out | 1 | roots found |
+ *  | `intervals` | value | at least order | of the grid over -1 to 1: 60 to 200 serve speech |
+ *  | `refinements` | value | at least 1 | two for each cut into quarters |
+ *  | `length` | value | 1 to 2 * exp2(order) - 1 | |
+ *  | `order` of `LPToSpectrum_*` | value | at least 0 | 2^order results |
+ *  | `order` | value | at least 1 | |
+ *  | `limit` | value | above 0, below 1 | |
+ *  | `value`, `sourceScale`, `destinationScale`, `scaleFactor` | value | any | |
+ *
+ *  | Status, in order | when |
+ *  |---|---|
+ *  | #qorStatusNullPointer | a pointer is null |
+ *  | #qorStatusBadSize | order, intervals or refinements below 1, order above intervals; `LPToSpectrum`: length below 1 or not below 2^(order + 1) |
+ *  | #qorStatusBadRange | `ReflectionToLAR`: limit not inside 0 to 1 |
+ *  | #qorStatusBadLspOrder | `LSPToLP`: source[0] at or above 1, an element above the one before it, the last at or below -1. Equal ones pass |
+ *  | #qorStatusNoMemory | no scratch: reflection from order 16 on, `LSPToLP` from 60 on, `LPToLSP` with a grid of some 200 intervals, `LPToSpectrum` from order 7 on, 16-bit measures of more than 100, other 16-bit members of more than 128 elements |
+ *  | #qorStatusUnstableReflection | `LPToReflection`: a coefficient of magnitude 1. Those of higher stages are written |
+ *  | #qorStatusLspRootsLost | `LPToLSP`: fewer roots than the order; count and those found are written |
+ *  | #qorStatusDivideByZero | a warning: a denominator of 0, or infinity over infinity, in a measure; a pole of `ReflectionToTrueAR`; a magnitude of 0 in `LPToSpectrum` |
+ *
+ *  **Exact arithmetic.** Sums run in the order of k.
+ *  - `LPToReflection`: d = 1 / (1 - k k), then a[i] = (a[i] + a[m - i] k) d. `ReflectionToLP`: a[i] = a[i] - k[m] a[m - i].
+ *  - `LPToLSP`: f[0] = g[0] = 1. Even orders: f[i] = a[i] + a[p + 1 - i] - f[i - 1], g[i] = a[i] - a[p + 1 - i] + g[i - 1], i to p / 2. Odd:
+ *    f[i] = -a[i] - a[p + 1 - i] below the degree m = (p + 1) / 2, f[m] = -2 a[m]; g[1] = a[p] - a[1], g[i] = g[i - 2] + a[p + 1 - i] -
+ *    a[i], i to m - 1. They are evaluated by the recurrence of Chebyshev, the last coefficient halved. The search goes from 1 to -1 and
+ *    begins with f; where the product of two values is not above 0, the bracket is cut into quarters while the count of refinements,
+ *    which falls by 2, is above 0; one secant step ends it, and the other polynomial goes on from the root to the same grid point.
+ *  - `ReflectionToTrueAR`: at the first -1 the product is infinite; behind it an element outside -1 to 1 makes it +infinity if it was
+ *    negative, any other +infinity if it was positive, else -infinity; 1 makes it and all behind it the NaN 0xFFC00000.
+ *  - `LPToSpectrum`: a magnitude of 0 gives 2139095040.
+ *  - `ReflectionToLAR_32f`: within 1.5e-6 for a limit of 0.999.
+ *
+ *  Source: Markel and Gray, "Linear Prediction of Speech" (1976); Kabal and Ramachandran, "The Computation of Line Spectral
+ *  Frequencies Using Chebyshev Polynomials", IEEE Trans. ASSP 34 (1986). @{ */
+
+/** Cepstrum of a predictor. */
+QORSR_API QorStatus qorsLPToCepstrum_32f(const float* source, float* destination, int32_t order);
+/** Cepstrum of a 16-bit predictor. */
+QORSR_API QorStatus qorsLPToCepstrum_16s_Sfs(const int16_t* source, int16_t* destination, int32_t order, int32_t scaleFactor);
+/** Predictor of a cepstrum. */
+QORSR_API QorStatus qorsCepstrumToLP_32f(const float* source, float* destination, int32_t order);
+/** Predictor of a 16-bit cepstrum. */
+QORSR_API QorStatus qorsCepstrumToLP_16s_Sfs(const int16_t* source, int16_t* destination, int32_t order, int32_t scaleFactor);
+/** Reflection coefficients of a predictor (step-down). */
+QORSR_API QorStatus qorsLPToReflection_32f(const float* source, float* destination, int32_t order);
+/** Reflection coefficients of a 16-bit predictor (step-down). */
+QORSR_API QorStatus qorsLPToReflection_16s_Sfs(const int16_t* source, int16_t* destination, int32_t order, int32_t scaleFactor);
+/** Predictor of reflection coefficients (step-up). */
+QORSR_API QorStatus qorsReflectionToLP_32f(const float* source, float* destination, int32_t order);
+/** Predictor of 16-bit reflection coefficients (step-up). */
+QORSR_API QorStatus qorsReflectionToLP_16s_Sfs(const int16_t* source, int16_t* destination, int32_t order, int32_t scaleFactor);
+/** Line spectral pairs of a predictor, as cosines. */
+QORSR_API QorStatus qorsLPToLSP_32f(const float* source, float* destination, int32_t order, int32_t* count, int32_t intervals,
+                                    int32_t refinements);
+/** Line spectral pairs of a 16-bit predictor, as cosines. */
+QORSR_API QorStatus qorsLPToLSP_16s_Sfs(const int16_t* source, int32_t sourceScale, int16_t* destination, int32_t order,
+                                        int32_t* count, int32_t intervals, int32_t refinements, int32_t destinationScale);
+/** Predictor of line spectral pairs. */
+QORSR_API QorStatus qorsLSPToLP_32f(const float* source, float* destination, int32_t order);
+/** Predictor of 16-bit line spectral pairs. */
+QORSR_API QorStatus qorsLSPToLP_16s_Sfs(const int16_t* source, int32_t sourceScale, int16_t* destination, int32_t order,
+                                        int32_t destinationScale);
+/** Spectrum of a model at 2^order frequencies. */
+QORSR_API QorStatus qorsLPToSpectrum_32f(const float* source, int32_t length, float* destination, int32_t order, float value);
+/** Spectrum of a 16-bit model at 2^order frequencies. */
+QORSR_API QorStatus qorsLPToSpectrum_16s_Sfs(const int16_t* source, int32_t length, int16_t* destination, int32_t order,
+                                             int32_t value, int32_t scaleFactor);
+/** Area ratios of reflection coefficients. */
+QORSR_API QorStatus qorsReflectionToAR_32f(const float* source, float* destination, int32_t order);
+/** Area ratios of 16-bit reflection coefficients. */
+QORSR_API QorStatus qorsReflectionToAR_16s_Sfs(const int16_t* source, int32_t sourceScale, int16_t* destination, int32_t order,
+                                               int32_t destinationScale);
+/** Areas of a tube from its reflection coefficients: the running product of area ratios. */
+QORSR_API QorStatus qorsReflectionToTrueAR_32f(const float* source, float* destination, int32_t order);
+/** Areas of a tube from 16-bit reflection coefficients. */
+QORSR_API QorStatus qorsReflectionToTrueAR_16s_Sfs(const int16_t* source, int32_t sourceScale, int16_t* destination, int32_t order,
+                                                   int32_t destinationScale);
+/** Logarithms of area ratios, of limited reflection coefficients. */
+QORSR_API QorStatus qorsReflectionToLAR_32f(const float* source, float* destination, int32_t order, float limit);
+/** Logarithms of area ratios, of limited 16-bit reflection coefficients; truncated. */
+QORSR_API QorStatus qorsReflectionToLAR_16s_Sfs(const int16_t* source, int32_t sourceScale, int16_t* destination, int32_t order,
+                                                float limit, int32_t destinationScale);
+/** Tilt of two reflection coefficients over the sum of their magnitudes. */
+QORSR_API QorStatus qorsReflectionToAbsTilt_32f(const float* first, const float* second, float* destination, int32_t order);
+/** Tilt of two 16-bit reflection coefficients over the sum of their magnitudes. */
+QORSR_API QorStatus qorsReflectionToAbsTilt_16s_Sfs(const int16_t* first, const int16_t* second, int16_t* destination,
+                                                    int32_t order, int32_t scaleFactor);
+/** Tilt of two reflection coefficients over their sum. */
+QORSR_API QorStatus qorsReflectionToTilt_32f(const float* first, const float* second, float* destination, int32_t order);
+/** Tilt of two 16-bit reflection coefficients over their sum. */
+QORSR_API QorStatus qorsReflectionToTilt_16s_Sfs(const int16_t* first, const int16_t* second, int16_t* destination, int32_t order,
+                                                 int32_t scaleFactor);
+/** @} */
+
 /* ---------------- Signal conditioning ---------------- */
 
 /* ================================ Robust front-ends ================================ */

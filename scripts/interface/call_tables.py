@@ -8,6 +8,15 @@ ELEMENTS = {"uint8_t": "k8u", "int16_t": "k16s", "uint16_t": "k16u", "int32_t": 
 REAL = ("float", "double")
 
 
+def is_exponent(call, name):
+    """Whether a size of the call is two to the power of this number, which is then drawn small."""
+    def within(tree):
+        if not isinstance(tree, (tuple, list)):
+            return False
+        return tuple(tree[:2]) == ("call", "exp2") and tree[2] == [("name", name)] or any(within(part) for part in tree)
+    return any(within(tree) for p in call.parameters for tree in p.formulas())
+
+
 class Tables:
     """Writes the tables. Every formula and every list of numbers stands once."""
 
@@ -98,7 +107,8 @@ class Tables:
         flags = [str(f).lower() for f in ("in" in p.use.split(", "), "out" in p.use, p.null)]
         return (f'{{"{p.parameter.name}", {self.id(p.parameter.name)}, Kind::k{p.kind.capitalize()}, '
                 f'Element::{ELEMENTS.get(base, "kRecord")}, {", ".join(flags)}, {self.shape(p.shape)}, '
-                f'{self.domain(p.domain, base in REAL)}, {self.list("int", makers)}, {partner}}}')
+                f'{self.domain(p.domain, base in REAL)}, {self.list("int", makers)}, {partner}, '
+                f'{str(is_exponent(call, p.parameter.name)).lower()}}}')
 
     def invocation(self, call):
         arguments = []

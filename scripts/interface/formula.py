@@ -11,7 +11,7 @@ TOKEN = re.compile(r"\s*(?:(?P<number>\d+(?:\.\d+)?(?:e-?\d+)?)|(?P<name>[A-Za-z
                    r"|(?P<sign><=|>=|==|!=|[-+*/&<>(),]))")
 # Operators that bind alike stand in one row; the weakest row comes first.
 ROWS = [("<", "<=", ">", ">=", "==", "!="), ("+", "-"), ("*", "/"), ("&",)]
-ARGUMENTS = {"ceil": 1, "min": 2, "max": 2, "pow2": 1, "if": 3, "sum": 1, "log2": 1}
+ARGUMENTS = {"ceil": 1, "min": 2, "max": 2, "pow2": 1, "if": 3, "sum": 1, "log2": 1, "exp2": 1}
 
 
 class Mistake(Exception):

@@ -11,6 +11,7 @@
 #include <cstring>
 
 #include "features/autocorrelation.h"
+#include "features/reflected.h"
 #include "frame/checks.h"
 #include "frame/column_blocks.h"
 #include "frame/convert.h"
@@ -38,15 +39,6 @@ inline float predictionError(const float* r, const float* a, int32_t m) {
   return i < m ? sum + a[i - 1] * r[m - i] : sum;
 }
 
-// a[i] -= k a[count - 1 - i]; `old` is scratch of as many elements.
-inline void reflectCoefficients(float* a, float* old, int32_t count, float k) {
-  std::memcpy(old, a, static_cast<std::size_t>(count) * sizeof(float));
-  coverColumns<float, kNativeLanes<float>>(count, [=](int32_t i, auto n) {
-    using L = Lanes<float, n>;
-    (L::load(old + i) - L(k) * reversed(L::load(old + count - i - n))).store(a + i);
-  });
-}
-
 // A residual energy that is a NaN is not refused.
 inline QorStatus levinsonDurbin(const float* r, float* a, int32_t order, float* residual) {
   const Scratch<float, kStackOrder + 1> old(int64_t{order} + 1);
@@ -60,7 +52,7 @@ inline QorStatus levinsonDurbin(const float* r, float* a, int32_t order, float* 
     energy = energy * (1.0F - k * k);
     a[m - 1] = -k;
     if (0.0F >= energy) return qorStatusUnstableFilter;
-    reflectCoefficients(a, old.get(), m - 1, k);
+    subtractReflected(a, old.get(), m - 1, k);
   }
   *residual = energy;
   return qorStatusOk;

@@ -26,6 +26,7 @@ std::size_t nameCount();
 
 inline int64_t divided(int64_t a, int64_t b) { return a / b - ((a % b != 0 && (a < 0) != (b < 0)) ? 1 : 0); }
 inline int64_t ceilDivided(int64_t a, int64_t b) { return -divided(-a, b); }
+inline int64_t exp2(int64_t n) { return n < 0 ? 0 : n > 40 ? int64_t{1} << 40 : int64_t{1} << n; }
 inline int64_t pow2(int64_t n) { return n < 1 ? 1 : static_cast<int64_t>(std::bit_ceil(static_cast<uint64_t>(n))); }
 inline int64_t log2(int64_t n) { return n < 1 ? 0 : std::bit_width(static_cast<uint64_t>(n)) - 1; }
 inline int64_t sum(const Number& array) {
@@ -64,6 +65,7 @@ struct Parameter {
   Domain domain;                // of the value, or of each element
   std::span<const int> makers;  // functions that make such a record
   int partner;                  // of kMakes: the function that frees; of kBlock: the function that tells the size
+  bool exponent;                // a size is two to the power of this number
 };
 struct Named {  // a number with a name
   int id;

@@ -117,7 +117,7 @@ bool Instance::draw(const Parameter& parameter, const Draw& draw, kit::Random& r
 bool Instance::drawValue(const Parameter& parameter, const Draw& draw, kit::Random& random) {
   const auto index = static_cast<std::size_t>(&parameter - function_->parameters.data());
   Number& number = numbers_[static_cast<std::size_t>(parameter.id)];
-  const int64_t span = parameter.id == largest_ ? 300 : draw.large || random.integer(0, 1) == 0 ? 9 : 40;
+  const int64_t span = parameter.exponent ? 9 : parameter.id == largest_ ? 300 : draw.large || random.integer(0, 1) == 0 ? 9 : 40;
   return withElement(parameter.element, [&](auto zero) {
     using T = decltype(zero);
     const Domain& domain = parameter.domain;
