@@ -3207,6 +3207,145 @@ QORSR_API QorStatus qorsFindPeaks_32s8u(const int32_t* source, uint8_t* flags, i
 
 /* ================================ Numeric vectors ================================ */
 
+/** @defgroup numeric_vectors Curves, roots, ranks, entropy and blends of vectors
+ *  Small functions of vectors that recognisers need around the main chain. Words `_I`: in place.
+ *
+ *  **Curves**, result[i] a function of x = source[i]:
+ *  - `ExpNegSqr`: exp(-x^2), an unnormalised Gaussian; `32f64f` squares in float.
+ *  - `SinC`: sin(x) / x, and 1 at 0. x as it stands, with no factor of pi.
+ *  - `UnitCurve`: a smooth step from 0 to 2: 0 below 0, x^2 up to 1, 2 - (2 - x)^2 up to 2, 2 beyond (a NaN too). `16s`: x has
+ *    fractionBits fraction bits, the result is the curve times 2^-scaleFactor, rounded down and limited to 32767.
+ *
+ *  **Reciprocal roots** (`RecSqrt`): 1 / sqrt(x) where x lies above the floor. `Sfs`: x is a 32-bit integer, and the result is
+ *  1 / sqrt(x) times 2^-scaleFactor, so that scaleFactor is negative as a rule.
+ *
+ *  **Rank** (`NthMaxElement`): the n-th largest element, 0 the largest; length / 2 gives a median. The source is not changed.
+ *
+ *  **Entropy**: the sum of x log2(x). required: it is not negated, so that of a distribution it is at or below 0, and the caller changes
+ *  the sign. `16s32s`: x = source[i] 2^-sourceScaleFactor, the result times 2^-scaleFactor, truncated.
+ *
+ *  **Blends**: with W = firstWeight + secondWeight,
+ *  - `WeightedSum`: result[i] = (first[i] firstWeight + second[i] secondWeight) / W;
+ *  - `WeightedSumHalf`: result[i] = (first[i] + second[i] secondWeight) / W. required: the first weight counts in W alone.
+ *
+ *  @warning `RecSqrt` stores the floor itself, not its root, where x does not lie above it. `RecSqrt_32f` does so where x equals the
+ *  floor too, the integer functions do not (required).
+ *  @warning Scale factors of `UnitCurve` and `Entropy` count modulo 32 (required): 32 is 0.
+ *  @warning `RecSqrt_32s_Sfs` rounds to nearest on addresses that are multiples of 16, and truncates on others. `WeightedSum_16s` and
+ *  `WeightedSumHalf_16s` round to nearest if all three addresses are such and length is at least 8, and truncate otherwise (required).
+ *
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `source` of `Entropy_*` | in | length; each at least 0 | |
+ *  | `source`, `first`, `second` | in | length | |
+ *  | `values` | in, out | length | |
+ *  | `result` of `NthMaxElement_*`, `Entropy_*` | out | 1 | |
+ *  | `result` | out | length | |
+ *  | `length` | value | at least 1 | |
+ *  | `floor` of `RecSqrt_32f` | value | above 0 | |
+ *  | `floor` | value | at least 1 | |
+ *  | `n` | value | 0 to length - 1 | |
+ *  | `fractionBits` | value | any | 0 to 14; any other: all results are 0 |
+ *  | `sourceScaleFactor`, `scaleFactor` | value | any | |
+ *  | `firstWeight`, `secondWeight` | value | any | |
+ *
+ *  | Status, in order | when |
+ *  |---|---|
+ *  | #qorStatusNullPointer | a pointer is null |
+ *  | #qorStatusBadSize | length below 1 |
+ *  | #qorStatusBadArgument | `RecSqrt`: a floor not above 0. `NthMaxElement`: n outside of the vector |
+ *  | #qorStatusNoMemory | `NthMaxElement`: no scratch for a copy of the vector |
+ *  | #qorStatusLogNegative | `Entropy`: an element below 0; the result is a NaN (bits FFC00000; `16s32s`: not written) |
+ *  | #qorStatusDegenerateInput | `RecSqrt`: a warning, no element reached the floor |
+ *  | #qorStatusDivideByZero | `WeightedSum`, `WeightedSumHalf`: a warning, W is 0 |
+ *
+ *  **Error.** `ExpNegSqr` of the square as it is rounded: 0.78 last places, `SinC` 1.7 in float and 2.2 in double; over the whole range,
+ *  of any angle.
+ *
+ *  **Exact arithmetic.** Exponential, sine and logarithm are the library's own; every other operation is rounded on its own, in the type
+ *  of the result.
+ *  - `SinC` divides sin |x| by |x|, in place as elsewhere. `UnitCurve_16s`: t with 2 fractionBits fraction bits in 32-bit integers; with s =
+ *    scaleFactor + 2 fractionBits, t is shifted right by s modulo 32 if s is at least 1, else left by -s modulo 32, losing high bits.
+ *  - `RecSqrt`: r = 1 / sqrt(x), then (3 - (x r) r) (r / 2), in float. `Sfs`: times the power of two; `16s` limited to -32768 to 32767
+ *    and truncated; `32s` limited to 32 bits, where 2^31 on an address that is no multiple of 16 gives the most negative value.
+ *  - `NthMaxElement` where elements have no order (NaN, zeros of both signs): what a quickselect finds whose pivot is the first
+ *    element of its range; that takes time in proportion to the square of length at worst, all else in proportion to length.
+ *  - `Entropy` adds x log(x) in the order of the elements, in float, and divides by 0.6931472. Zeros add nothing. `16s32s`: scale
+ *    factors are floats, the quotient is limited to 32 bits.
+ *  - Blends: r = 1 / W, result = first (firstWeight r) + second (secondWeight r), or first r + second (secondWeight r). `16s`: in float,
+ *    limited to -32768 to 32767. With W = 0 the sign of first firstWeight + second secondWeight decides: infinity above 0, minus infinity
+ *    below, a NaN elsewhere (16 bits: 32767, -32768, 0).
+ *
+ *  Source: Hoare, "Algorithm 65: Find", Communications of the ACM 4 (1961); Shannon, "A Mathematical Theory of Communication" (1948);
+ *  Cody and Waite, "Software Manual for the Elementary Functions" (1980). @{ */
+
+/** exp(-x^2) of floats. */
+QORSR_API QorStatus qorsExpNegSqr_32f(const float* source, float* result, int32_t length);
+/** exp(-x^2) of doubles. */
+QORSR_API QorStatus qorsExpNegSqr_64f(const double* source, double* result, int32_t length);
+/** exp(-x^2) of floats as doubles; the square is rounded to float. */
+QORSR_API QorStatus qorsExpNegSqr_32f64f(const float* source, double* result, int32_t length);
+/** exp(-x^2) of floats, in place. */
+QORSR_API QorStatus qorsExpNegSqr_32f_I(float* values, int32_t length);
+/** exp(-x^2) of doubles, in place. */
+QORSR_API QorStatus qorsExpNegSqr_64f_I(double* values, int32_t length);
+/** sin(x) / x of floats. */
+QORSR_API QorStatus qorsSinC_32f(const float* source, float* result, int32_t length);
+/** sin(x) / x of doubles. */
+QORSR_API QorStatus qorsSinC_64f(const double* source, double* result, int32_t length);
+/** sin(x) / x of floats as doubles. */
+QORSR_API QorStatus qorsSinC_32f64f(const float* source, double* result, int32_t length);
+/** sin(x) / x of floats, in place. */
+QORSR_API QorStatus qorsSinC_32f_I(float* values, int32_t length);
+/** sin(x) / x of doubles, in place. */
+QORSR_API QorStatus qorsSinC_64f_I(double* values, int32_t length);
+/** Reciprocal square roots of floats above a floor, in place. */
+QORSR_API QorStatus qorsRecSqrt_32f(float* values, int32_t length, float floor);
+/** Reciprocal square roots of integers from a floor on, as scaled 16-bit integers. */
+QORSR_API QorStatus qorsRecSqrt_32s16s_Sfs(const int32_t* source, int16_t* result, int32_t length, int32_t floor,
+                                           int32_t scaleFactor);
+/** Reciprocal square roots of integers from a floor on, scaled, in place. */
+QORSR_API QorStatus qorsRecSqrt_32s_Sfs(int32_t* values, int32_t length, int32_t floor, int32_t scaleFactor);
+/** Smooth step from 0 to 2, of floats. */
+QORSR_API QorStatus qorsUnitCurve_32f(const float* source, float* result, int32_t length);
+/** Smooth step from 0 to 2, of floats, in place. */
+QORSR_API QorStatus qorsUnitCurve_32f_I(float* values, int32_t length);
+/** Smooth step from 0 to 2, of 16-bit numbers with fraction bits. */
+QORSR_API QorStatus qorsUnitCurve_16s_Sfs(const int16_t* source, int32_t fractionBits, int16_t* result, int32_t length,
+                                          int32_t scaleFactor);
+/** Smooth step from 0 to 2, of 16-bit numbers with fraction bits, in place. */
+QORSR_API QorStatus qorsUnitCurve_16s_ISfs(int16_t* values, int32_t fractionBits, int32_t length, int32_t scaleFactor);
+/** The n-th largest float. */
+QORSR_API QorStatus qorsNthMaxElement_32f(const float* source, int32_t length, int32_t n, float* result);
+/** The n-th largest 32-bit integer. */
+QORSR_API QorStatus qorsNthMaxElement_32s(const int32_t* source, int32_t length, int32_t n, int32_t* result);
+/** The n-th largest double. */
+QORSR_API QorStatus qorsNthMaxElement_64f(const double* source, int32_t length, int32_t n, double* result);
+/** Sum of x log2(x) of floats, not negated. */
+QORSR_API QorStatus qorsEntropy_32f(const float* source, int32_t length, float* result);
+/** Sum of x log2(x) of scaled 16-bit numbers, not negated, scaled. */
+QORSR_API QorStatus qorsEntropy_16s32s_Sfs(const int16_t* source, int32_t sourceScaleFactor, int32_t length, int32_t* result,
+                                           int32_t scaleFactor);
+/** Weighted mean of two 16-bit vectors. */
+QORSR_API QorStatus qorsWeightedSum_16s(const int16_t* first, const int16_t* second, int16_t* result, int32_t length,
+                                        float firstWeight, float secondWeight);
+/** Weighted mean of two float vectors. */
+QORSR_API QorStatus qorsWeightedSum_32f(const float* first, const float* second, float* result, int32_t length, float firstWeight,
+                                        float secondWeight);
+/** Weighted mean of two double vectors. */
+QORSR_API QorStatus qorsWeightedSum_64f(const double* first, const double* second, double* result, int32_t length,
+                                        double firstWeight, double secondWeight);
+/** Weighted mean of two 16-bit vectors, the first one taken once. */
+QORSR_API QorStatus qorsWeightedSumHalf_16s(const int16_t* first, const int16_t* second, int16_t* result, int32_t length,
+                                            float firstWeight, float secondWeight);
+/** Weighted mean of two float vectors, the first one taken once. */
+QORSR_API QorStatus qorsWeightedSumHalf_32f(const float* first, const float* second, float* result, int32_t length,
+                                            float firstWeight, float secondWeight);
+/** Weighted mean of two double vectors, the first one taken once. */
+QORSR_API QorStatus qorsWeightedSumHalf_64f(const double* first, const double* second, double* result, int32_t length,
+                                            double firstWeight, double secondWeight);
+/** @} */
+
 #ifdef __cplusplus
 }
 #endif
