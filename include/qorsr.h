@@ -51,6 +51,8 @@
  *    | qorsGaussianSplit_32f(): all vectors | root in float | root in double |
  *    | qorsNewVar_32s_Sfs(), qorsNewVar_32s_ISfs(): means, squares | rounded, saturated | truncated |
  *    | qorsDcsClustLAccumulate_32f(), qorsDcsClustLAccumulate_64f(): all vectors, length at least 8 | shared divisions | plain |
+ *    | qorsRecSqrt_32s_Sfs(): values | rounded | truncated |
+ *    | qorsWeightedSum_16s(), qorsWeightedSumHalf_16s(): all vectors, length at least 8 | rounded | truncated |
  *
  *  - **Threads.** Functions are re-entrant. A state record that a function changes serves one call at a time.
  */
@@ -2541,61 +2543,61 @@ QORSR_API QorStatus qorsSchur_16s_Sfs(const int16_t* autocorrelations, int16_t* 
  *  Source: Markel and Gray, "Linear Prediction of Speech" (1976); Kabal and Ramachandran, "The Computation of Line Spectral
  *  Frequencies Using Chebyshev Polynomials", IEEE Trans. ASSP 34 (1986). @{ */
 
-/** Cepstrum of a predictor. */
+/** Cepstrum of a predictor. @see @ref lp_conversions */
 QORSR_API QorStatus qorsLPToCepstrum_32f(const float* source, float* destination, int32_t order);
-/** Cepstrum of a 16-bit predictor. */
+/** Cepstrum of a 16-bit predictor. @see @ref lp_conversions */
 QORSR_API QorStatus qorsLPToCepstrum_16s_Sfs(const int16_t* source, int16_t* destination, int32_t order, int32_t scaleFactor);
-/** Predictor of a cepstrum. */
+/** Predictor of a cepstrum. @see @ref lp_conversions */
 QORSR_API QorStatus qorsCepstrumToLP_32f(const float* source, float* destination, int32_t order);
-/** Predictor of a 16-bit cepstrum. */
+/** Predictor of a 16-bit cepstrum. @see @ref lp_conversions */
 QORSR_API QorStatus qorsCepstrumToLP_16s_Sfs(const int16_t* source, int16_t* destination, int32_t order, int32_t scaleFactor);
-/** Reflection coefficients of a predictor (step-down). */
+/** Reflection coefficients of a predictor (step-down). @see @ref lp_conversions */
 QORSR_API QorStatus qorsLPToReflection_32f(const float* source, float* destination, int32_t order);
-/** Reflection coefficients of a 16-bit predictor (step-down). */
+/** Reflection coefficients of a 16-bit predictor (step-down). @see @ref lp_conversions */
 QORSR_API QorStatus qorsLPToReflection_16s_Sfs(const int16_t* source, int16_t* destination, int32_t order, int32_t scaleFactor);
-/** Predictor of reflection coefficients (step-up). */
+/** Predictor of reflection coefficients (step-up). @see @ref lp_conversions */
 QORSR_API QorStatus qorsReflectionToLP_32f(const float* source, float* destination, int32_t order);
-/** Predictor of 16-bit reflection coefficients (step-up). */
+/** Predictor of 16-bit reflection coefficients (step-up). @see @ref lp_conversions */
 QORSR_API QorStatus qorsReflectionToLP_16s_Sfs(const int16_t* source, int16_t* destination, int32_t order, int32_t scaleFactor);
-/** Line spectral pairs of a predictor, as cosines. */
+/** Line spectral pairs of a predictor, as cosines. @see @ref lp_conversions */
 QORSR_API QorStatus qorsLPToLSP_32f(const float* source, float* destination, int32_t order, int32_t* count, int32_t intervals,
                                     int32_t refinements);
-/** Line spectral pairs of a 16-bit predictor, as cosines. */
+/** Line spectral pairs of a 16-bit predictor, as cosines. @see @ref lp_conversions */
 QORSR_API QorStatus qorsLPToLSP_16s_Sfs(const int16_t* source, int32_t sourceScale, int16_t* destination, int32_t order,
                                         int32_t* count, int32_t intervals, int32_t refinements, int32_t destinationScale);
-/** Predictor of line spectral pairs. */
+/** Predictor of line spectral pairs. @see @ref lp_conversions */
 QORSR_API QorStatus qorsLSPToLP_32f(const float* source, float* destination, int32_t order);
-/** Predictor of 16-bit line spectral pairs. */
+/** Predictor of 16-bit line spectral pairs. @see @ref lp_conversions */
 QORSR_API QorStatus qorsLSPToLP_16s_Sfs(const int16_t* source, int32_t sourceScale, int16_t* destination, int32_t order,
                                         int32_t destinationScale);
-/** Spectrum of a model at 2^order frequencies. */
+/** Spectrum of a model at 2^order frequencies. @see @ref lp_conversions */
 QORSR_API QorStatus qorsLPToSpectrum_32f(const float* source, int32_t length, float* destination, int32_t order, float value);
-/** Spectrum of a 16-bit model at 2^order frequencies. */
+/** Spectrum of a 16-bit model at 2^order frequencies. @see @ref lp_conversions */
 QORSR_API QorStatus qorsLPToSpectrum_16s_Sfs(const int16_t* source, int32_t length, int16_t* destination, int32_t order,
                                              int32_t value, int32_t scaleFactor);
-/** Area ratios of reflection coefficients. */
+/** Area ratios of reflection coefficients. @see @ref lp_conversions */
 QORSR_API QorStatus qorsReflectionToAR_32f(const float* source, float* destination, int32_t order);
-/** Area ratios of 16-bit reflection coefficients. */
+/** Area ratios of 16-bit reflection coefficients. @see @ref lp_conversions */
 QORSR_API QorStatus qorsReflectionToAR_16s_Sfs(const int16_t* source, int32_t sourceScale, int16_t* destination, int32_t order,
                                                int32_t destinationScale);
-/** Areas of a tube from its reflection coefficients: the running product of area ratios. */
+/** Areas of a tube from its reflection coefficients: the running product of area ratios. @see @ref lp_conversions */
 QORSR_API QorStatus qorsReflectionToTrueAR_32f(const float* source, float* destination, int32_t order);
-/** Areas of a tube from 16-bit reflection coefficients. */
+/** Areas of a tube from 16-bit reflection coefficients. @see @ref lp_conversions */
 QORSR_API QorStatus qorsReflectionToTrueAR_16s_Sfs(const int16_t* source, int32_t sourceScale, int16_t* destination, int32_t order,
                                                    int32_t destinationScale);
-/** Logarithms of area ratios, of limited reflection coefficients. */
+/** Logarithms of area ratios, of limited reflection coefficients. @see @ref lp_conversions */
 QORSR_API QorStatus qorsReflectionToLAR_32f(const float* source, float* destination, int32_t order, float limit);
-/** Logarithms of area ratios, of limited 16-bit reflection coefficients; truncated. */
+/** Logarithms of area ratios, of limited 16-bit reflection coefficients; truncated. @see @ref lp_conversions */
 QORSR_API QorStatus qorsReflectionToLAR_16s_Sfs(const int16_t* source, int32_t sourceScale, int16_t* destination, int32_t order,
                                                 float limit, int32_t destinationScale);
-/** Tilt of two reflection coefficients over the sum of their magnitudes. */
+/** Tilt of two reflection coefficients over the sum of their magnitudes. @see @ref lp_conversions */
 QORSR_API QorStatus qorsReflectionToAbsTilt_32f(const float* first, const float* second, float* destination, int32_t order);
-/** Tilt of two 16-bit reflection coefficients over the sum of their magnitudes. */
+/** Tilt of two 16-bit reflection coefficients over the sum of their magnitudes. @see @ref lp_conversions */
 QORSR_API QorStatus qorsReflectionToAbsTilt_16s_Sfs(const int16_t* first, const int16_t* second, int16_t* destination,
                                                     int32_t order, int32_t scaleFactor);
-/** Tilt of two reflection coefficients over their sum. */
+/** Tilt of two reflection coefficients over their sum. @see @ref lp_conversions */
 QORSR_API QorStatus qorsReflectionToTilt_32f(const float* first, const float* second, float* destination, int32_t order);
-/** Tilt of two 16-bit reflection coefficients over their sum. */
+/** Tilt of two 16-bit reflection coefficients over their sum. @see @ref lp_conversions */
 QORSR_API QorStatus qorsReflectionToTilt_16s_Sfs(const int16_t* first, const int16_t* second, int16_t* destination, int32_t order,
                                                  int32_t scaleFactor);
 /** @} */
@@ -3279,69 +3281,69 @@ QORSR_API QorStatus qorsFindPeaks_32s8u(const int32_t* source, uint8_t* flags, i
  *  Source: Hoare, "Algorithm 65: Find", Communications of the ACM 4 (1961); Shannon, "A Mathematical Theory of Communication" (1948);
  *  Cody and Waite, "Software Manual for the Elementary Functions" (1980). @{ */
 
-/** exp(-x^2) of floats. */
+/** exp(-x^2) of floats. @see @ref numeric_vectors */
 QORSR_API QorStatus qorsExpNegSqr_32f(const float* source, float* result, int32_t length);
-/** exp(-x^2) of doubles. */
+/** exp(-x^2) of doubles. @see @ref numeric_vectors */
 QORSR_API QorStatus qorsExpNegSqr_64f(const double* source, double* result, int32_t length);
-/** exp(-x^2) of floats as doubles; the square is rounded to float. */
+/** exp(-x^2) of floats as doubles; the square is rounded to float. @see @ref numeric_vectors */
 QORSR_API QorStatus qorsExpNegSqr_32f64f(const float* source, double* result, int32_t length);
-/** exp(-x^2) of floats, in place. */
+/** exp(-x^2) of floats, in place. @see @ref numeric_vectors */
 QORSR_API QorStatus qorsExpNegSqr_32f_I(float* values, int32_t length);
-/** exp(-x^2) of doubles, in place. */
+/** exp(-x^2) of doubles, in place. @see @ref numeric_vectors */
 QORSR_API QorStatus qorsExpNegSqr_64f_I(double* values, int32_t length);
-/** sin(x) / x of floats. */
+/** sin(x) / x of floats. @see @ref numeric_vectors */
 QORSR_API QorStatus qorsSinC_32f(const float* source, float* result, int32_t length);
-/** sin(x) / x of doubles. */
+/** sin(x) / x of doubles. @see @ref numeric_vectors */
 QORSR_API QorStatus qorsSinC_64f(const double* source, double* result, int32_t length);
-/** sin(x) / x of floats as doubles. */
+/** sin(x) / x of floats as doubles. @see @ref numeric_vectors */
 QORSR_API QorStatus qorsSinC_32f64f(const float* source, double* result, int32_t length);
-/** sin(x) / x of floats, in place. */
+/** sin(x) / x of floats, in place. @see @ref numeric_vectors */
 QORSR_API QorStatus qorsSinC_32f_I(float* values, int32_t length);
-/** sin(x) / x of doubles, in place. */
+/** sin(x) / x of doubles, in place. @see @ref numeric_vectors */
 QORSR_API QorStatus qorsSinC_64f_I(double* values, int32_t length);
-/** Reciprocal square roots of floats above a floor, in place. */
+/** Reciprocal square roots of floats above a floor, in place. @see @ref numeric_vectors */
 QORSR_API QorStatus qorsRecSqrt_32f(float* values, int32_t length, float floor);
-/** Reciprocal square roots of integers from a floor on, as scaled 16-bit integers. */
+/** Reciprocal square roots of integers from a floor on, as scaled 16-bit integers. @see @ref numeric_vectors */
 QORSR_API QorStatus qorsRecSqrt_32s16s_Sfs(const int32_t* source, int16_t* result, int32_t length, int32_t floor,
                                            int32_t scaleFactor);
-/** Reciprocal square roots of integers from a floor on, scaled, in place. */
+/** Reciprocal square roots of integers from a floor on, scaled, in place. @see @ref numeric_vectors */
 QORSR_API QorStatus qorsRecSqrt_32s_Sfs(int32_t* values, int32_t length, int32_t floor, int32_t scaleFactor);
-/** Smooth step from 0 to 2, of floats. */
+/** Smooth step from 0 to 2, of floats. @see @ref numeric_vectors */
 QORSR_API QorStatus qorsUnitCurve_32f(const float* source, float* result, int32_t length);
-/** Smooth step from 0 to 2, of floats, in place. */
+/** Smooth step from 0 to 2, of floats, in place. @see @ref numeric_vectors */
 QORSR_API QorStatus qorsUnitCurve_32f_I(float* values, int32_t length);
-/** Smooth step from 0 to 2, of 16-bit numbers with fraction bits. */
+/** Smooth step from 0 to 2, of 16-bit numbers with fraction bits. @see @ref numeric_vectors */
 QORSR_API QorStatus qorsUnitCurve_16s_Sfs(const int16_t* source, int32_t fractionBits, int16_t* result, int32_t length,
                                           int32_t scaleFactor);
-/** Smooth step from 0 to 2, of 16-bit numbers with fraction bits, in place. */
+/** Smooth step from 0 to 2, of 16-bit numbers with fraction bits, in place. @see @ref numeric_vectors */
 QORSR_API QorStatus qorsUnitCurve_16s_ISfs(int16_t* values, int32_t fractionBits, int32_t length, int32_t scaleFactor);
-/** The n-th largest float. */
+/** The n-th largest float. @see @ref numeric_vectors */
 QORSR_API QorStatus qorsNthMaxElement_32f(const float* source, int32_t length, int32_t n, float* result);
-/** The n-th largest 32-bit integer. */
+/** The n-th largest 32-bit integer. @see @ref numeric_vectors */
 QORSR_API QorStatus qorsNthMaxElement_32s(const int32_t* source, int32_t length, int32_t n, int32_t* result);
-/** The n-th largest double. */
+/** The n-th largest double. @see @ref numeric_vectors */
 QORSR_API QorStatus qorsNthMaxElement_64f(const double* source, int32_t length, int32_t n, double* result);
-/** Sum of x log2(x) of floats, not negated. */
+/** Sum of x log2(x) of floats, not negated. @see @ref numeric_vectors */
 QORSR_API QorStatus qorsEntropy_32f(const float* source, int32_t length, float* result);
-/** Sum of x log2(x) of scaled 16-bit numbers, not negated, scaled. */
+/** Sum of x log2(x) of scaled 16-bit numbers, not negated, scaled. @see @ref numeric_vectors */
 QORSR_API QorStatus qorsEntropy_16s32s_Sfs(const int16_t* source, int32_t sourceScaleFactor, int32_t length, int32_t* result,
                                            int32_t scaleFactor);
-/** Weighted mean of two 16-bit vectors. */
+/** Weighted mean of two 16-bit vectors. @see @ref numeric_vectors */
 QORSR_API QorStatus qorsWeightedSum_16s(const int16_t* first, const int16_t* second, int16_t* result, int32_t length,
                                         float firstWeight, float secondWeight);
-/** Weighted mean of two float vectors. */
+/** Weighted mean of two float vectors. @see @ref numeric_vectors */
 QORSR_API QorStatus qorsWeightedSum_32f(const float* first, const float* second, float* result, int32_t length, float firstWeight,
                                         float secondWeight);
-/** Weighted mean of two double vectors. */
+/** Weighted mean of two double vectors. @see @ref numeric_vectors */
 QORSR_API QorStatus qorsWeightedSum_64f(const double* first, const double* second, double* result, int32_t length,
                                         double firstWeight, double secondWeight);
-/** Weighted mean of two 16-bit vectors, the first one taken once. */
+/** Weighted mean of two 16-bit vectors, the first one taken once. @see @ref numeric_vectors */
 QORSR_API QorStatus qorsWeightedSumHalf_16s(const int16_t* first, const int16_t* second, int16_t* result, int32_t length,
                                             float firstWeight, float secondWeight);
-/** Weighted mean of two float vectors, the first one taken once. */
+/** Weighted mean of two float vectors, the first one taken once. @see @ref numeric_vectors */
 QORSR_API QorStatus qorsWeightedSumHalf_32f(const float* first, const float* second, float* result, int32_t length,
                                             float firstWeight, float secondWeight);
-/** Weighted mean of two double vectors, the first one taken once. */
+/** Weighted mean of two double vectors, the first one taken once. @see @ref numeric_vectors */
 QORSR_API QorStatus qorsWeightedSumHalf_64f(const double* first, const double* second, double* result, int32_t length,
                                             double firstWeight, double secondWeight);
 /** @} */
