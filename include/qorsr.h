@@ -1015,13 +1015,15 @@ QORSR_API QorStatus qorsBuildSignTable_Var_8u1u(const int32_t* indices, const in
  *  **Exact arithmetic**
  *  - The difference is formed before it is squared, so a constant offset of all features costs no precision.
  *  - **Float and double.** Float: (val + val - Q) * 0.5, so val + val may overflow; double: val - Q * 0.5; `32f64f`: float data,
- *    all arithmetic in double. Elements are summed in 16 lanes (doubles: 8), joined by halves, the same in every scorer, layout
- *    and alignment. `DirectVar_32f` and the 16-bit `DirectVar` members form the reciprocals of the variances in float first; the
- *    double ones divide term by term. `BlockDVar` sums in 8 lanes (doubles: 4); the last step of `BlockDVar_32f` is in double,
- *    rounded once.
+ *    all arithmetic in double. Elements are summed in N = 8 lanes (doubles: 4), joined by halves, the same in every scorer, layout
+ *    and alignment. The last group comes first: of a whole number of groups of N a whole one, else the length mod N last elements,
+ *    at the end of the lanes (at their beginning where the length is below N). Then element N k + j joins lane j. `DirectVar_32f`
+ *    and the 16-bit `DirectVar` members form the reciprocals of the variances in float first; the double ones divide term by term.
+ *    `BlockDVar` sums in 8 lanes (doubles: 4); the last step of `BlockDVar_32f` is in double, rounded once.
  *  - `16s32s`, `Scaled_16s32f`: For each group of eight elements d = x - m is saturated to 16 bits, d^2 * v is formed in
  *    float, the eight are added as ((p0 + p4) + (p2 + p6)) + ((p1 + p5) + (p3 + p7)), and that joins one float total. The last
- *    zero to seven elements follow one at a time, without saturation (required). `16s32s`: Q / 2^(sf + 1) exactly, then float(val)
+ *    zero to seven elements follow one at a time, without saturation (required); so in mixtures too, but blocks of frames and
+ *    scorers of many Gaussians add the same terms in lanes, as of floats. `16s32s`: Q / 2^(sf + 1) exactly, then float(val)
  *    minus that, limited to -2^31 ... 2^31 and rounded in the caller's rounding mode. `Scaled`: in float, with the power of two
  *    limited to 2^128 (infinity) above and 0 below 2^-149.
  *  - `Low_16s32s`, `LowScaled_16s32f`: 32-bit integers that wrap. d is saturated throughout; d^2 = 65536 u + w; H = -sum of u

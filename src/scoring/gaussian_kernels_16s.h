@@ -1,8 +1,9 @@
-// Quadratic sums of 16-bit Gaussians: three arithmetics over d = x - m, in that order, since saturation is not symmetric.
+// Quadratic sums of 16-bit Gaussians: four arithmetics over d = x - m, in that order, since saturation is not symmetric.
 //
-//   ShortSums         float sums. Groups of eight: d saturated to 16 bits, (float(d)^2 * v) in float, the two halves of a group
-//                     added lane by lane, (l0 + l2) + (l1 + l3), and that joins one total. The remainder element by element,
-//                     without saturation.
+//   ShortSums         float sums in eight lanes, as of floats: d saturated to 16 bits, then (float(d)^2 * v) in float. What is left
+//                     behind groups of eight is not saturated. Blocks of frames, and many Gaussians.
+//   GroupedShortSums  the same terms. The two halves of a group added lane by lane, (l0 + l2) + (l1 + l3), and that joins one total;
+//                     what is left, element by element. One frame against one Gaussian, and mixtures (required).
 //   ShortIntegerSums  32-bit integers that wrap. d^2 = 65536 upper + lower; with H = -sum of upper * v, L = -sum of (lower / 2) *
 //                     v the result is H shifted left by 15 - sf plus L shifted right by sf, which is -Q / 2^(sf + 1) but for the
 //                     truncation of the shifts. Four lanes, each of neighbouring pairs, shifted once behind all groups of eight;
@@ -19,8 +20,7 @@
 
 #include "frame/bits.h"
 #include "frame/lanes.h"
-#include "scoring/row_end.h"
-#include "scoring/sums_of_rows.h"
+#include "scoring/gaussian_kernels.h"
 
 namespace qorsr {
 
@@ -28,7 +28,7 @@ namespace shorts {
 
 // Groups of rows k and k + 2 in one register, or of the only row.
 template <int R, class Load>
-[[gnu::always_inline]] inline auto loadPair(const RowPointers<const int16_t*, R>& rows, int k, const Load& load) {
+inline auto loadPair(const RowPointers<const int16_t*, R>& rows, int k, const Load& load) {
   if constexpr (R == 1) {
     return load(rows[k]);
   } else {
@@ -40,23 +40,13 @@ inline UnitRow loadPair(const RowPointers<UnitRow, R>&, int, const Load&) {
   return {};
 }
 
-// d^2 * v.
-template <int N>
-inline Lanes<float, N> weighted(const Lanes<float, N>& d, const Lanes<int16_t, N>& v) {
-  return d * d * as<float>(v);
-}
-template <int N>
-inline Lanes<float, N> weighted(const Lanes<float, N>& d, UnitRow) {
-  return d * d;
-}
-
 // The square of a 16-bit number in two halves: its upper 16 bits, and its lower 16 bits shifted right by one.
 template <int N>
 struct SplitSquare {
   Lanes<int16_t, N> upper, halvedLower;
 };
 template <int N>
-[[gnu::always_inline]] inline SplitSquare<N> splitSquare(const Lanes<int16_t, N>& a) {
+inline SplitSquare<N> splitSquare(const Lanes<int16_t, N>& a) {
   const auto u = as<uint16_t>(a);
   return {upperProducts(a, a), as<int16_t>((u * u) >> 1)};
 }
@@ -91,41 +81,48 @@ inline Lanes<float, 4> addInOrder(Lanes<float, 4> total, const Lanes<float, 8> (
 
 }  // namespace shorts
 
-struct ShortSums {
+// d^2 * v, saturated in groups and not behind them.
+struct ShortTerms {
+  using Sum = float;
+  static constexpr bool kSaturatesGroups = true;
+
+  template <class V>
+  static Lanes<float, 8> group(const Lanes<int16_t, 8>& x, const Lanes<int16_t, 8>& m, const V& v) {
+    const auto d = as<float>(subtractSaturated(x, m));
+    return weighted(d * d, v);
+  }
+  template <class V>
+  static Lanes<float, 8> rest(const Lanes<int16_t, 8>& x, const Lanes<int16_t, 8>& m, const V& v) {
+    const auto d = as<float>(x) - as<float>(m);
+    return weighted(d * d, v);
+  }
+};
+using ShortSums = LaneSums<ShortTerms>;
+
+struct GroupedShortSums {
   using Sum = float;
 
   // R is 4 or 1.
   template <int R, class X, class M, class V>
-  [[gnu::always_inline]] static void tile(const X& xs, const M& ms, const V& vs, int32_t r, int32_t width, float* sums) {
+  static void tile(const X& xs, const M& ms, const V& vs, int32_t r, int32_t width, float* sums) {
     const auto x = takeRows<R>(xs, r), m = takeRows<R>(ms, r);
     const auto v = takeRows<R>(vs, r);
     Lanes<float, R> total(0.0F);
+    Lanes<float, 8> p[R];
     for (int32_t c = 0; c <= width - 8; c += 8) {
-      Lanes<float, 8> p[R];
-      for (int i = 0; i < R; ++i) {
-        const auto d = subtractSaturated(loadLanes<8>(x[i] + c), loadLanes<8>(m[i] + c));
-        p[i] = shorts::weighted(as<float>(d), loadLanes<8>(v[i] + c));
-      }
+      for (int i = 0; i < R; ++i) p[i] = ShortTerms::group(loadLanes<8>(x[i] + c), loadLanes<8>(m[i] + c), loadLanes<8>(v[i] + c));
       total += sumsOfRows(p);
     }
-    if (const RowEnd<8> end(width); end.count() > 0) {
-      total = end.overlaps() ? addEnds<true>(total, x, m, v, end) : addEnds<false>(total, x, m, v, end);
+    const RowEnd<8> end(width);
+    if (end.count() > 0 && end.overlaps()) {
+      for (int i = 0; i < R; ++i)
+        p[i] = end.kept(ShortTerms::rest(end.load<true>(x[i]), end.load<true>(m[i]), end.load<true>(v[i])));
+      total = shorts::addInOrder(total, p);
+    } else if (end.count() > 0) {
+      for (int i = 0; i < R; ++i) p[i] = ShortTerms::rest(end.load<false>(x[i]), end.load<false>(m[i]), end.load<false>(v[i]));
+      total = shorts::addInOrder(total, p);
     }
     total.store(sums);
-  }
-
- private:
-  // The remainders, without saturation, element by element.
-  template <bool Overlaps, int R, class V>
-  [[gnu::always_inline]] static Lanes<float, R> addEnds(const Lanes<float, R>& total, const RowPointers<const int16_t*, R>& x,
-                                                        const RowPointers<const int16_t*, R>& m, const RowPointers<V, R>& v,
-                                                        const RowEnd<8>& end) {
-    Lanes<float, 8> p[R];
-    for (int i = 0; i < R; ++i) {
-      const auto d = as<float>(end.load<Overlaps>(x[i])) - as<float>(end.load<Overlaps>(m[i]));
-      p[i] = end.kept(shorts::weighted(d, end.load<Overlaps>(v[i])));
-    }
-    return shorts::addInOrder(total, p);
   }
 };
 
@@ -138,7 +135,7 @@ struct ShortIntegerSums {
 
   // R is 4 or 1.
   template <int R, class X, class M, class V>
-  [[gnu::always_inline]] void tile(const X& xs, const M& ms, const V& vs, int32_t r, int32_t width, int32_t* sums) const {
+  void tile(const X& xs, const M& ms, const V& vs, int32_t r, int32_t width, int32_t* sums) const {
     const auto x = takeRows<R>(xs, r), m = takeRows<R>(ms, r);
     const auto v = takeRows<R>(vs, r);
     constexpr bool kUnit = std::is_same_v<decltype(v[0]), UnitRow>;
@@ -153,7 +150,7 @@ struct ShortIntegerSums {
     // last odd element comes by itself.
     const bool group = kWide > 8 && width - c >= 8;
     const RowEnd<8> end(kUnit ? width / 2 * 2 : width);
-    const auto total = [&](int k) __attribute__((always_inline)) {
+    const auto total = [&](int k) {
       auto sum = folded(rows, k);
       if (group) {
         const auto load = [c](const int16_t* row) { return Lanes<int16_t, 8>::load(row + c); };
@@ -179,7 +176,7 @@ struct ShortIntegerSums {
     Lanes<uint32_t, N> upper{0}, lower{0};
 
     template <class V>
-    [[gnu::always_inline]] void add(const Lanes<int16_t, 2 * N>& d, const V& v) {
+    void add(const Lanes<int16_t, 2 * N>& d, const V& v) {
       const auto square = shorts::splitSquare(d);
       upper += shorts::pairs(square.upper, v);
       lower += shorts::pairs(square.halvedLower, v);
@@ -202,8 +199,8 @@ struct ShortIntegerSums {
 
   // Pairs must stay pairs: an odd number of elements that end the lanes is moved down by one.
   template <bool Overlaps, int R, class V>
-  [[gnu::always_inline]] static auto endOf(const RowPointers<const int16_t*, R>& x, const RowPointers<const int16_t*, R>& m,
-                                           const RowPointers<V, R>& v, int k, const RowEnd<8>& end) {
+  static auto endOf(const RowPointers<const int16_t*, R>& x, const RowPointers<const int16_t*, R>& m, const RowPointers<V, R>& v,
+                    int k, const RowEnd<8>& end) {
     const auto load = [&](const int16_t* row) { return end.load<Overlaps>(row); };
     const auto d = end.kept(subtractSaturated(shorts::loadPair(x, k, load), shorts::loadPair(m, k, load)));
     const auto weights = shorts::loadPair(v, k, load);
@@ -219,12 +216,12 @@ struct ShortIntegerSums {
   // The shifted lanes with the negative sign, of one set of sums or of two that are shifted each by itself. In the usual range of
   // scale factors the upper halves move left, which loses nothing by coming last.
   template <int N>
-  [[gnu::always_inline]] Lanes<uint32_t, N> shifted(const Halves<N>& a) const {
+  Lanes<uint32_t, N> shifted(const Halves<N>& a) const {
     const Lanes<uint32_t, N> zero(0);
     return as<uint32_t>(upper_(as<int32_t>(zero - a.upper))) + as<uint32_t>(lower_(as<int32_t>(zero - a.lower)));
   }
   template <int N>
-  [[gnu::always_inline]] Lanes<uint32_t, N> shifted(const Halves<N>& a, const Halves<N>& b) const {
+  Lanes<uint32_t, N> shifted(const Halves<N>& a, const Halves<N>& b) const {
     if (scaleFactor_ < 0 || scaleFactor_ > 15) return shifted(a) + shifted(b);
     const Lanes<uint32_t, N> zero(0);
     const auto right = [&](const Lanes<uint32_t, N>& l) { return as<uint32_t>(shiftRight(as<int32_t>(l), scaleFactor_)); };
@@ -249,7 +246,7 @@ struct ShortPairSums {
   using Sum = float;
 
   template <int R, class X, class M>
-  [[gnu::always_inline]] void tile(const X& xs, const M& ms, UnitRows, int32_t r, int32_t width, float* sums) const {
+  void tile(const X& xs, const M& ms, UnitRows, int32_t r, int32_t width, float* sums) const {
     Lanes<float, 4> total[R];
     for (int i = 0; i < R; ++i) total[i] = rowLanes(xs[r + i], ms[r + i], width);
     if constexpr (R == 4) {
@@ -265,7 +262,7 @@ struct ShortPairSums {
   }
 
  private:
-  [[gnu::always_inline]] static Lanes<float, 4> rowLanes(const int16_t* x, const int16_t* m, int32_t width) {
+  static Lanes<float, 4> rowLanes(const int16_t* x, const int16_t* m, int32_t width) {
     Lanes<float, 4> total(0.0F);
     int32_t c = 0;
     const auto add = [&](const Lanes<int16_t, 8>& a, const Lanes<int16_t, 8>& b) {

@@ -108,7 +108,7 @@ struct RowPointers {
   Row operator[](int i) const { return row[i]; }
 };
 template <int R, class Rows>
-[[gnu::always_inline]] inline auto takeRows(const Rows& rows, std::ptrdiff_t r) {
+inline auto takeRows(const Rows& rows, std::ptrdiff_t r) {
   RowPointers<std::remove_cvref_t<decltype(rows[0])>, R> p;
   p.row[0] = rows[r];
   for (int i = 1; i < R; ++i) {

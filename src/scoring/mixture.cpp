@@ -39,12 +39,12 @@ QorStatus qorsLogGaussMixture_IdVar_64f_D2L(const double* x, const double* const
 QorStatus qorsLogGaussMixture_Scaled_16s32f_D2(const int16_t* x, const int16_t* means, const int16_t* variances, int32_t count,
                                                int32_t stride, int32_t width, const float* vals, float* result,
                                                int32_t scaleFactor) {
-  return scoreMixture(Scaled(scaleFactor), x, stridedGaussians(means, variances, stride), count, width, vals, result);
+  return scoreMixture(GroupScaled(scaleFactor), x, stridedGaussians(means, variances, stride), count, width, vals, result);
 }
 QorStatus qorsLogGaussMixture_Scaled_16s32f_D2L(const int16_t* x, const int16_t* const* meanRows,
                                                 const int16_t* const* varianceRows, int32_t count, int32_t width, const float* vals,
                                                 float* result, int32_t scaleFactor) {
-  return scoreMixture(Scaled(scaleFactor), x, listedGaussians(meanRows, varianceRows), count, width, vals, result);
+  return scoreMixture(GroupScaled(scaleFactor), x, listedGaussians(meanRows, varianceRows), count, width, vals, result);
 }
 QorStatus qorsLogGaussMixture_LowScaled_16s32f_D2(const int16_t* x, const int16_t* means, const int16_t* variances, int32_t count,
                                                   int32_t stride, int32_t width, const float* vals, float* result,
@@ -58,11 +58,11 @@ QorStatus qorsLogGaussMixture_LowScaled_16s32f_D2L(const int16_t* x, const int16
 }
 QorStatus qorsLogGaussMixture_IdVarScaled_16s32f_D2(const int16_t* x, const int16_t* means, int32_t count, int32_t stride,
                                                     int32_t width, const float* vals, float* result, int32_t scaleFactor) {
-  return scoreMixture(Scaled(scaleFactor), x, stridedGaussians(means, stride), count, width, vals, result);
+  return scoreMixture(GroupScaled(scaleFactor), x, stridedGaussians(means, stride), count, width, vals, result);
 }
 QorStatus qorsLogGaussMixture_IdVarScaled_16s32f_D2L(const int16_t* x, const int16_t* const* meanRows, int32_t count, int32_t width,
                                                      const float* vals, float* result, int32_t scaleFactor) {
-  return scoreMixture(Scaled(scaleFactor), x, listedGaussians(meanRows), count, width, vals, result);
+  return scoreMixture(GroupScaled(scaleFactor), x, listedGaussians(meanRows), count, width, vals, result);
 }
 QorStatus qorsLogGaussMixture_IdVarLowScaled_16s32f_D2(const int16_t* x, const int16_t* means, int32_t count, int32_t stride,
                                                        int32_t width, const float* vals, float* result, int32_t scaleFactor) {
@@ -88,14 +88,14 @@ QorStatus qorsLogGaussMixture_SelectScaled_16s32f_D2(const int16_t* frames, cons
                                                      int32_t stride, int32_t width, const float* vals, const uint8_t* mask,
                                                      int32_t count, float* results, int32_t frameCount, float floor,
                                                      int32_t scaleFactor) {
-  return scoreSelected(Scaled(scaleFactor), strided(frames, stride), stridedGaussians(means, variances, stride), width, vals,
+  return scoreSelected(GroupScaled(scaleFactor), strided(frames, stride), stridedGaussians(means, variances, stride), width, vals,
                        SelectionMask(mask, count), results, frameCount, floor);
 }
 QorStatus qorsLogGaussMixture_SelectScaled_16s32f_D2L(const int16_t* const* frameRows, const int16_t* const* meanRows,
                                                       const int16_t* const* varianceRows, int32_t width, const float* vals,
                                                       const uint8_t* mask, int32_t count, float* results, int32_t frameCount,
                                                       float floor, int32_t scaleFactor) {
-  return scoreSelected(Scaled(scaleFactor), listed(frameRows), listedGaussians(meanRows, varianceRows), width, vals,
+  return scoreSelected(GroupScaled(scaleFactor), listed(frameRows), listedGaussians(meanRows, varianceRows), width, vals,
                        SelectionMask(mask, count), results, frameCount, floor);
 }
 QorStatus qorsLogGaussMixture_SelectIdVar_32f_D2(const float* frames, const float* means, int32_t stride, int32_t width,
@@ -113,12 +113,12 @@ QorStatus qorsLogGaussMixture_SelectIdVar_32f_D2L(const float* const* frameRows,
 QorStatus qorsLogGaussMixture_SelectIdVarScaled_16s32f_D2(const int16_t* frames, const int16_t* means, int32_t stride,
                                                           int32_t width, const float* vals, const uint8_t* mask, int32_t count,
                                                           float* results, int32_t frameCount, float floor, int32_t scaleFactor) {
-  return scoreSelected(Scaled(scaleFactor), strided(frames, stride), stridedGaussians(means, stride), width, vals,
+  return scoreSelected(GroupScaled(scaleFactor), strided(frames, stride), stridedGaussians(means, stride), width, vals,
                        SelectionMask(mask, count), results, frameCount, floor);
 }
 QorStatus qorsLogGaussMixture_SelectIdVarScaled_16s32f_D2L(const int16_t* const* frameRows, const int16_t* const* meanRows,
                                                            int32_t width, const float* vals, const uint8_t* mask, int32_t count,
                                                            float* results, int32_t frameCount, float floor, int32_t scaleFactor) {
-  return scoreSelected(Scaled(scaleFactor), listed(frameRows), listedGaussians(meanRows), width, vals, SelectionMask(mask, count),
-                       results, frameCount, floor);
+  return scoreSelected(GroupScaled(scaleFactor), listed(frameRows), listedGaussians(meanRows), width, vals,
+                       SelectionMask(mask, count), results, frameCount, floor);
 }

@@ -23,21 +23,29 @@ template <int N>
 inline UnitRow loadLanes(UnitRow) {
   return {};
 }
+template <class T, int N>
+struct Divisors {
+  Lanes<T, N> value;
+};
+template <int N, class T>
+inline Divisors<T, N> loadLanes(DivisorRow<T> p) {
+  return {Lanes<T, N>::load(p.row)};
+}
 
 template <int N>
 class RowEnd {
  public:
-  explicit RowEnd(int32_t width) : width_(width), count_(width % N) {}
+  explicit RowEnd(int32_t width) : last_(width - N), count_(width % N) {}
 
-  // Of the rest: 0 to N - 1.
+  // Of the rest: 0 to N - 1. Of a row that has none, loaded and kept is its last group.
   int count() const { return count_; }
-  bool overlaps() const { return width_ >= N; }
+  bool overlaps() const { return last_ >= 0; }
 
   // Overlaps: whether the row has N elements.
   template <bool Overlaps, class T>
-  [[gnu::always_inline]] Lanes<T, N> load(const T* row) const {
+  Lanes<T, N> load(const T* row) const {
     if constexpr (Overlaps) {
-      return Lanes<T, N>::load(row + width_ - N);
+      return Lanes<T, N>::load(row + last_);
     } else {
       return Tail<T, N>(count_).load(row);
     }
@@ -46,12 +54,21 @@ class RowEnd {
   UnitRow load(UnitRow) const {
     return {};
   }
+  // Behind the end of a row a divisor is 1.
+  template <bool Overlaps, class T>
+  Divisors<T, N> load(DivisorRow<T> p) const {
+    if constexpr (Overlaps) {
+      return {load<true>(p.row)};
+    } else {
+      return {Tail<T, N>(count_).load(p.row, T(1))};
+    }
+  }
 
   // Of one row, or of two one behind the other: zeros where an element is not of the rest.
   template <class T, int M>
-  [[gnu::always_inline]] Lanes<T, M> kept(const Lanes<T, M>& a) const {
+  Lanes<T, M> kept(const Lanes<T, M>& a) const {
     using Bits = std::conditional_t<sizeof(T) == 2, int16_t, std::conditional_t<sizeof(T) == 4, int32_t, int64_t>>;
-    const auto mask = Lanes<Bits, N>::load(kMask<Bits>.data() + (overlaps() ? count_ : N));
+    const auto mask = Lanes<Bits, N>::load(kMask<Bits>.data() + (overlaps() && count_ > 0 ? count_ : N));
     const auto cleared = [&a](const Lanes<Bits, M>& all) {
       Lanes<T, M> v;
       for (int i = 0; i < v.kParts; ++i) {
@@ -75,7 +92,7 @@ class RowEnd {
     return mask;
   }();
 
-  int32_t width_;
+  int32_t last_;  // where the last N elements begin
   int count_;
 };
 

@@ -102,17 +102,19 @@ struct Rounded {
   ExactPower power;
 
   explicit Rounded(int32_t scaleFactor) : power(scaleFactor) {}
-  static ShortSums sums() { return {}; }
+  static GroupedShortSums sums() { return {}; }
   int32_t operator()(float sum, int32_t val) const { return limitAndRoundAsCaller(static_cast<float>(val) - power(sum)); }
 };
 
-struct Truncated {
+template <class Kernel>
+struct TruncatedSum {
   ExactPower power;
 
-  explicit Truncated(int32_t scaleFactor) : power(scaleFactor) {}
-  static ShortSums sums() { return {}; }
+  explicit TruncatedSum(int32_t scaleFactor) : power(scaleFactor) {}
+  static Kernel sums() { return {}; }
   int32_t operator()(float sum, int32_t val) const { return truncateOrLowest<int32_t>(static_cast<float>(val) - power(sum)); }
 };
+using Truncated = TruncatedSum<ShortSums>;
 
 struct Limited {
   static constexpr bool kTowardZero = true;
@@ -123,13 +125,16 @@ struct Limited {
   float operator()(float sum, int32_t val) const { return limitTo32(static_cast<float>(val) - sum * power); }
 };
 
-struct Scaled {
+template <class Kernel>
+struct ScaledSum {
   float power;
 
-  explicit Scaled(int32_t scaleFactor) : power(halvedPower(scaleFactor)) {}
-  static ShortSums sums() { return {}; }
+  explicit ScaledSum(int32_t scaleFactor) : power(halvedPower(scaleFactor)) {}
+  static Kernel sums() { return {}; }
   float operator()(float sum, float val) const { return val - sum * power; }
 };
+using Scaled = ScaledSum<ShortSums>;
+using GroupScaled = ScaledSum<GroupedShortSums>;
 
 template <class Kernel>
 struct ExactlyScaled {
@@ -176,10 +181,11 @@ struct EitherScore {
 
   explicit EitherScore(int32_t sf) : scaleFactor(sf) {}
 };
-using Low = EitherScore<Truncated, Integer>;
-using LowReal = EitherScore<ExactlyScaled<ShortSums>, Integer>;
-using LowMax = EitherScore<ThroughFloat<Truncated>, ThroughFloat<Integer>>;
-using LowExact = EitherScore<TowardZero<Truncated>, TowardZero<Integer>>;
+using GroupTruncated = TruncatedSum<GroupedShortSums>;
+using Low = EitherScore<GroupTruncated, Integer>;
+using LowReal = EitherScore<ExactlyScaled<GroupedShortSums>, Integer>;
+using LowMax = EitherScore<ThroughFloat<GroupTruncated>, ThroughFloat<Integer>>;
+using LowExact = EitherScore<TowardZero<GroupTruncated>, TowardZero<Integer>>;
 
 }  // namespace score
 

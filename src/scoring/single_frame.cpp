@@ -64,7 +64,7 @@ QorStatus qorsLogGaussSingle_16s32s_Sfs(const int16_t* x, const int16_t* mean, c
 }
 QorStatus qorsLogGaussSingle_Scaled_16s32f(const int16_t* x, const int16_t* mean, const int16_t* variance, int32_t length,
                                            float* result, float val, int32_t scaleFactor) {
-  return scoreOne(Scaled(scaleFactor), x, diagonal(mean, variance), length, result, val);
+  return scoreOne(GroupScaled(scaleFactor), x, diagonal(mean, variance), length, result, val);
 }
 QorStatus qorsLogGaussSingle_Low_16s32s_Sfs(const int16_t* x, const int16_t* mean, const int16_t* variance, int32_t length,
                                             int32_t* result, int32_t val, int32_t scaleFactor) {
@@ -80,7 +80,7 @@ QorStatus qorsLogGaussSingle_IdVar_16s32s_Sfs(const int16_t* x, const int16_t* m
 }
 QorStatus qorsLogGaussSingle_IdVarScaled_16s32f(const int16_t* x, const int16_t* mean, int32_t length, float* result, float val,
                                                 int32_t scaleFactor) {
-  return scoreOne(Scaled(scaleFactor), x, identity(mean), length, result, val);
+  return scoreOne(GroupScaled(scaleFactor), x, identity(mean), length, result, val);
 }
 QorStatus qorsLogGaussSingle_IdVarLow_16s32s_Sfs(const int16_t* x, const int16_t* mean, int32_t length, int32_t* result,
                                                  int32_t val, int32_t scaleFactor) {
@@ -107,7 +107,7 @@ QorStatus qorsLogGaussSingle_BlockDVarScaled_16s32f(const int16_t* x, const int1
   return scoreBlockDiagonal<float>(HalvedAndScaled{scaleFactor}, x, mean, covariance, length, result, val);
 }
 QorStatus qorsMahDistSingle_16s32f(const int16_t* x, const int16_t* mean, const int16_t* variance, int32_t length, float* result) {
-  return scoreOne(Distance<ShortSums>(), x, diagonal(mean, variance), length, result);
+  return scoreOne(Distance<GroupedShortSums>(), x, diagonal(mean, variance), length, result);
 }
 QorStatus qorsMahDistSingle_16s32s_Sfs(const int16_t* x, const int16_t* mean, const int16_t* variance, int32_t length,
                                        int32_t* result, int32_t scaleFactor) {

@@ -94,7 +94,8 @@ inline QorStatus distanceScaled(const int16_t* x, const int16_t* mean, const int
                                 int32_t scaleFactor) {
   if (QorStatus bad = Checks().null(x, mean, variance, result).size(length)) return bad;
   if (isAligned16(x) && isAligned16(mean) && isAligned16(variance)) {
-    *result = score::limitAndRoundAsCaller(quadraticSum(ShortSums(), SharedRow{x}, SharedRow{mean}, SharedRow{variance}, length));
+    *result =
+        score::limitAndRoundAsCaller(quadraticSum(GroupedShortSums(), SharedRow{x}, SharedRow{mean}, SharedRow{variance}, length));
     return qorStatusOk;
   }
   int64_t sum = 0;

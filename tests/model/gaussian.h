@@ -18,7 +18,7 @@ struct Frame {
   bool unit() const { return variance.empty(); }
 };
 
-// ---- Real sums: sixteen lanes (doubles: eight), joined by halves ----
+// ---- Real sums: eight lanes (doubles: four), joined by halves ----
 
 template <class Acc>
 Acc joinLanes(std::vector<Acc> lanes) {
@@ -30,16 +30,25 @@ Acc joinLanes(std::vector<Acc> lanes) {
   return lanes[0];
 }
 
+// The sum of term(0) to term(n - 1). The last group comes first: of a whole number of groups a whole one; else what is left behind
+// them, at the end of the lanes (at their beginning where there is no whole group).
+template <class Acc>
+Acc laneSum(std::size_t n, const std::function<Acc(std::size_t)>& term) {
+  constexpr std::size_t kLanes = 32 / sizeof(Acc);
+  std::vector<Acc> lanes(kLanes, Acc(0));
+  const std::size_t first = n < kLanes ? 0 : n - kLanes, grouped = (n - 1) / kLanes * kLanes;
+  for (std::size_t c = grouped; c < n; ++c) lanes[c - first] = term(c);
+  for (std::size_t c = 0; c < grouped; ++c) lanes[c % kLanes] = lanes[c % kLanes] + term(c);
+  return joinLanes(lanes);
+}
+
 // `weigh(square, c)`: the square of element c multiplied by, or divided by, its variance.
 template <class Acc, class T, class Weigh>
 Acc realSum(const Frame<T>& f, const Weigh& weigh) {
-  std::vector<Acc> lanes(64 / sizeof(Acc), Acc(0));
-  for (std::size_t c = 0; c < f.size(); ++c) {
+  return laneSum<Acc>(f.size(), [&](std::size_t c) {
     const Acc d = static_cast<Acc>(f.x[c]) - static_cast<Acc>(f.mean[c]), square = d * d;
-    Acc& lane = lanes[c % lanes.size()];
-    lane = lane + weigh(square, c);
-  }
-  return joinLanes(lanes);
+    return weigh(square, c);
+  });
 }
 template <class Acc, class T>
 Acc realSum(const Frame<T>& f) {
@@ -76,20 +85,27 @@ Exact exactSum(const Frame<T>& f) {
 
 inline int32_t saturated(int32_t d) { return d > 32767 ? 32767 : d < -32768 ? -32768 : d; }
 
-// Groups of eight with saturation, the rest one at a time without.
+// Saturation in groups of eight, and not behind them.
+inline float shortTerm(const Frame<int16_t>& f, std::size_t c) {
+  const int32_t d = f.x[c] - f.mean[c];
+  const auto real = static_cast<float>(c < f.size() / 8 * 8 ? saturated(d) : d);
+  const float square = real * real;
+  return f.unit() ? square : square * static_cast<float>(f.variance[c]);
+}
+// In lanes: blocks of frames, and many Gaussians.
 inline float shortSum(const Frame<int16_t>& f) {
-  const auto term = [&](int32_t d, std::size_t c) {
-    const float square = static_cast<float>(d) * static_cast<float>(d);
-    return f.unit() ? square : square * static_cast<float>(f.variance[c]);
-  };
+  return laneSum<float>(f.size(), [&](std::size_t c) { return shortTerm(f, c); });
+}
+// Group by group, the rest one at a time: one frame against one Gaussian, and mixtures.
+inline float groupedShortSum(const Frame<int16_t>& f) {
   float total = 0;
   std::size_t c = 0;
   for (; c + 8 <= f.size(); c += 8) {
     float p[8];
-    for (std::size_t j = 0; j < 8; ++j) p[j] = term(saturated(f.x[c + j] - f.mean[c + j]), c + j);
+    for (std::size_t j = 0; j < 8; ++j) p[j] = shortTerm(f, c + j);
     total = total + (((p[0] + p[4]) + (p[2] + p[6])) + ((p[1] + p[5]) + (p[3] + p[7])));
   }
-  for (; c < f.size(); ++c) total = total + term(f.x[c] - f.mean[c], c);
+  for (; c < f.size(); ++c) total = total + shortTerm(f, c);
   return total;
 }
 
@@ -112,7 +128,7 @@ inline int32_t limitedAndRounded(float r) {
 }
 
 inline int32_t roundedScore(const Frame<int16_t>& f, int32_t val, int32_t sf) {
-  return limitedAndRounded(static_cast<float>(val) - scaledExactly(shortSum(f), sf));
+  return limitedAndRounded(static_cast<float>(val) - scaledExactly(groupedShortSum(f), sf));
 }
 inline int32_t truncatedScore(const Frame<int16_t>& f, int32_t val, int32_t sf) {
   return truncated(static_cast<float>(val) - scaledExactly(shortSum(f), sf));
@@ -121,7 +137,10 @@ inline float limitedScore(const Frame<int16_t>& f, int32_t val, int32_t sf) {
   return limited(static_cast<float>(val) - shortSum(f) * floatPower(int64_t{sf} + 1));
 }
 inline float scaledScore(const Frame<int16_t>& f, float val, int32_t sf) { return val - shortSum(f) * floatPower(int64_t{sf} + 1); }
-inline float shortDistance(const Frame<int16_t>& f, float, int32_t) { return shortSum(f); }
+inline float groupScaledScore(const Frame<int16_t>& f, float val, int32_t sf) {
+  return val - groupedShortSum(f) * floatPower(int64_t{sf} + 1);
+}
+inline float shortDistance(const Frame<int16_t>& f, float, int32_t) { return groupedShortSum(f); }
 
 // ---- 16 bits, integer sums ----
 
@@ -163,11 +182,11 @@ inline int32_t integerLanes(const Frame<int16_t>& f, int64_t sf) {
 }
 
 inline int32_t lowScore(const Frame<int16_t>& f, int32_t val, int32_t sf) {
-  if (sf < 0 && !f.unit()) return truncatedScore(f, val, sf);
+  if (sf < 0 && !f.unit()) return truncated(static_cast<float>(val) - scaledExactly(groupedShortSum(f), sf));
   return static_cast<int32_t>(static_cast<uint32_t>(val) + static_cast<uint32_t>(integerLanes(f, sf)));
 }
 inline float lowScaledScore(const Frame<int16_t>& f, float val, int32_t sf) {
-  if (sf < 0) return val - scaledExactly(shortSum(f), sf);
+  if (sf < 0) return val - scaledExactly(groupedShortSum(f), sf);
   return val + static_cast<float>(integerLanes(f, sf));
 }
 

@@ -48,8 +48,8 @@ TEST(LogGaussMixture, Real) {
   expectMixtures(qorsLogGaussMixture_IdVar_64f_D2, qorsLogGaussMixture_IdVar_64f_D2L, model::plainScore<double, double>);
 }
 TEST(LogGaussMixture, Int16) {
-  expectMixtures(qorsLogGaussMixture_Scaled_16s32f_D2, qorsLogGaussMixture_Scaled_16s32f_D2L, model::scaledScore);
-  expectMixtures(qorsLogGaussMixture_IdVarScaled_16s32f_D2, qorsLogGaussMixture_IdVarScaled_16s32f_D2L, model::scaledScore);
+  expectMixtures(qorsLogGaussMixture_Scaled_16s32f_D2, qorsLogGaussMixture_Scaled_16s32f_D2L, model::groupScaledScore);
+  expectMixtures(qorsLogGaussMixture_IdVarScaled_16s32f_D2, qorsLogGaussMixture_IdVarScaled_16s32f_D2L, model::groupScaledScore);
   expectMixtures(qorsLogGaussMixture_LowScaled_16s32f_D2, qorsLogGaussMixture_LowScaled_16s32f_D2L, model::lowScaledScore);
   expectMixtures(qorsLogGaussMixture_IdVarLowScaled_16s32f_D2, qorsLogGaussMixture_IdVarLowScaled_16s32f_D2L,
                  model::unitLowScaledScore);

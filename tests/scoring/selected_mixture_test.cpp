@@ -192,11 +192,11 @@ TEST(Select, FloatIdentity) {
 }
 TEST(Select, Int16) {
   expectSelections<int16_t>(qorsLogGaussMixture_SelectScaled_16s32f_D2, qorsLogGaussMixture_SelectScaled_16s32f_D2L, false,
-                            model::scaledScore);
+                            model::groupScaledScore);
 }
 TEST(Select, Int16Identity) {
   expectSelections<int16_t>(qorsLogGaussMixture_SelectIdVarScaled_16s32f_D2, qorsLogGaussMixture_SelectIdVarScaled_16s32f_D2L, true,
-                            model::scaledScore);
+                            model::groupScaledScore);
 }
 
 // Scores of one size, where the two roads differ in their last bits: a Gaussian at the frame scores its val.

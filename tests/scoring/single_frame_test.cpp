@@ -79,9 +79,9 @@ TEST(LogGaussSingle, Real) {
 }
 TEST(LogGaussSingle, FloatSumsOfInt16) {
   expectScores(qorsLogGaussSingle_16s32s_Sfs, model::roundedScore);
-  expectScores(qorsLogGaussSingle_Scaled_16s32f, model::scaledScore);
+  expectScores(qorsLogGaussSingle_Scaled_16s32f, model::groupScaledScore);
   expectScores(qorsLogGaussSingle_IdVar_16s32s_Sfs, model::roundedScore);
-  expectScores(qorsLogGaussSingle_IdVarScaled_16s32f, model::scaledScore);
+  expectScores(qorsLogGaussSingle_IdVarScaled_16s32f, model::groupScaledScore);
 }
 TEST(LogGaussSingle, IntegerSumsOfInt16) {
   expectScores(qorsLogGaussSingle_Low_16s32s_Sfs, model::lowScore);
@@ -200,7 +200,7 @@ TEST(MahDistSingle, TwoRoadsOf16s32s) {
       int32_t result = 77, expected;
       ASSERT_EQ(qorsMahDistSingle_16s32s_Sfs(x.data(), mean.data(), v.data(), n, &result, sf), qorStatusOk);
       if (odd == 0) {
-        expected = model::limitedAndRounded(model::shortSum({x.values(), mean.values(), v.values()}));
+        expected = model::limitedAndRounded(model::groupedShortSum({x.values(), mean.values(), v.values()}));
       } else {
         __int128 sum = 0;
         for (int32_t i = 0; i < n; ++i) {
