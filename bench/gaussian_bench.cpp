@@ -14,19 +14,19 @@
 
 namespace {
 
-constexpr int32_t kWidth = 39;
+constexpr int32_t kWidest = 39, kMostFrames = 256;
 
 // A model in both element types, and what the peers want of it.
 struct Model {
   std::string name;
-  int32_t count;
+  int32_t count, width;
   std::vector<float> means, variances, vals, turnedMeans, turnedVariances, weightedMeans, constants;
   std::vector<int16_t> shortMeans, shortVariances;
   std::vector<int32_t> shortVals;
   std::vector<double> wideMeans, wideVariances, wideVals;
 
-  Model(std::string label, int32_t n) : name(std::move(label)), count(n) {
-    const std::size_t size = static_cast<std::size_t>(n) * kWidth;
+  Model(std::string label, int32_t n, int32_t w) : name(std::move(label)), count(n), width(w) {
+    const auto columns = static_cast<std::size_t>(w), size = static_cast<std::size_t>(n) * columns;
     uint32_t seed = 1;
     const auto next = [&] { return seed = seed * 1664525u + 1013904223u, static_cast<int32_t>(seed >> 16); };
     for (std::size_t i = 0; i < size; ++i) {
@@ -43,8 +43,8 @@ struct Model {
     turnedMeans.resize(size), turnedVariances.resize(size);
     for (std::size_t g = 0; g < static_cast<std::size_t>(n); ++g) {
       float constant = 0;
-      for (std::size_t c = 0; c < kWidth; ++c) {
-        const float m = means[g * kWidth + c], v = variances[g * kWidth + c];
+      for (std::size_t c = 0; c < columns; ++c) {
+        const float m = means[g * columns + c], v = variances[g * columns + c];
         turnedMeans[c * static_cast<std::size_t>(n) + g] = m;
         turnedVariances[c * static_cast<std::size_t>(n) + g] = v;
         weightedMeans.push_back(m * v);
@@ -54,18 +54,19 @@ struct Model {
     }
   }
   std::string task(const std::string& operation) const {
-    return operation + ", " + std::to_string(count) + " x " + std::to_string(kWidth) + " (" + name + ")";
+    return operation + ", " + std::to_string(count) + " x " + std::to_string(width) + " (" + name + ")";
   }
 };
 
-std::vector<float> realFrames(int32_t height) {
+// `count` features, of one frame or many.
+std::vector<float> realFeatures(int32_t count) {
   std::vector<float> v;
-  for (int32_t i = 0; i < height * kWidth; ++i) v.push_back(static_cast<float>(i * 40503 % 2048 - 1024) / 256.0F);
+  for (int32_t i = 0; i < count; ++i) v.push_back(static_cast<float>(i * 40503 % 2048 - 1024) / 256.0F);
   return v;
 }
-std::vector<int16_t> shortFrames(int32_t height) {
+std::vector<int16_t> shortFeatures(int32_t count) {
   std::vector<int16_t> v;
-  for (int32_t i = 0; i < height * kWidth; ++i) v.push_back(static_cast<int16_t>(i * 40503 % 4096 - 2048));
+  for (int32_t i = 0; i < count; ++i) v.push_back(static_cast<int16_t>(i * 40503 % 4096 - 2048));
   return v;
 }
 
@@ -77,10 +78,10 @@ void addModel(const bench::Level& level, const Model& m, [[maybe_unused]] bool f
   static std::vector<float> scores(1000000);
   static std::vector<double> wideScores(1000000);
   static std::vector<int32_t> shortScores(1000000);
-  static const std::vector<float> x = realFrames(1);
-  static const std::vector<int16_t> shortX = shortFrames(1);
+  static const std::vector<float> x = realFeatures(kWidest);
+  static const std::vector<int16_t> shortX = shortFeatures(kWidest);
   static const std::vector<double> wideX(x.begin(), x.end());
-  const int32_t n = m.count, w = kWidth;
+  const int32_t n = m.count, w = m.width;
   const std::size_t bytes = m.means.size() * sizeof(float);
   float* s = scores.data();
   const auto add = [&](const std::string& task, const std::string& contender, const std::function<void()>& body) {
@@ -109,7 +110,7 @@ void addModel(const bench::Level& level, const Model& m, [[maybe_unused]] bool f
   if (first) {
     openblas_set_num_threads(1);
     bench::add({m.task(real), "OpenBLAS", "", static_cast<double>(n), "Gaussians"}, [=, &m] {
-      float squares[kWidth];
+      float squares[kWidest];
       for (int32_t c = 0; c < w; ++c) squares[c] = x[static_cast<std::size_t>(c)] * x[static_cast<std::size_t>(c)];
       std::memcpy(s, m.constants.data(), m.constants.size() * sizeof(float));
       cblas_sgemv(CblasRowMajor, CblasNoTrans, n, w, -0.5F, m.variances.data(), w, squares, 1, 1.0F, s, 1);
@@ -163,10 +164,10 @@ void addModel(const bench::Level& level, const Model& m, [[maybe_unused]] bool f
 void addFrames(const bench::Level& level, const Model& m, int32_t height, [[maybe_unused]] bool first) {
   static std::vector<float> scores(1000000);
   static std::vector<int32_t> shortScores(1000000);
-  static const std::vector<float> frames = realFrames(256);
-  static const std::vector<int16_t> shorts = shortFrames(256);
+  static const std::vector<float> frames = realFeatures(kMostFrames * kWidest);
+  static const std::vector<int16_t> shorts = shortFeatures(kMostFrames * kWidest);
   float* s = scores.data();
-  const int32_t w = kWidth;
+  const int32_t w = m.width;
   const auto add = [&](const std::string& task, const std::string& contender, const std::function<void()>& body) {
     bench::add({task + ", " + std::to_string(height) + " frames", contender, level.name, static_cast<double>(height), "Gaussians"},
                body);
@@ -201,7 +202,7 @@ void addFrames(const bench::Level& level, const Model& m, int32_t height, [[mayb
 #if QORSR_HAVE_OPENBLAS
   if (first) {  // the expanded square: cheap, and useless far from the origin
     bench::add({whole, "OpenBLAS", "", items, "Gaussians"}, [=, &m] {
-      static float squares[256 * kWidth];
+      static float squares[kMostFrames * kWidest];
       for (int32_t i = 0; i < height * w; ++i)
         squares[i] = frames[static_cast<std::size_t>(i)] * frames[static_cast<std::size_t>(i)];
       for (int32_t g = 0; g < m.count; ++g) {
@@ -218,9 +219,10 @@ void addFrames(const bench::Level& level, const Model& m, int32_t height, [[mayb
 }  // namespace
 
 int main(int argc, char** argv) {
-  static const Model small("in cache", 1024), large("beyond the caches", 400000);
+  static const Model narrow("in cache", 1024, 13), small("in cache", 1024, 39), large("beyond the caches", 400000, 39);
   bool first = true;
   for (const bench::Level& level : bench::levels()) {
+    addModel(level, narrow, first);
     addModel(level, small, first);
     addModel(level, large, first);
     addFrames(level, small, 64, first);

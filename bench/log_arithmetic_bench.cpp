@@ -50,6 +50,12 @@ void addTasks(const bench::Level& level, int32_t n) {
     add(form, "ours", additions<float>(n, ours(OURS(qorsLogAdd_32f), hint)));
     add(form, "plain", additions<float>(n, PLAIN(plainLogAdd_32f)));
     add(form, "log1pf(expf)", additions<float>(n, PLAIN(plainLogAddFloat_32f)));
+#if QORSR_HAVE_SLEEF
+    add(form, "SLEEF", additions<float>(n, PLAIN(sleefLogAdd_32f)));
+#endif
+#if QORSR_HAVE_EIGEN3
+    add(form, "Eigen", additions<float>(n, PLAIN(eigenLogAdd_32f)));
+#endif
   }
   add("LogAdd 64f", "ours", additions<double>(n, ours(OURS(qorsLogAdd_64f), 0)));
   add("LogAdd 64f", "plain", additions<double>(n, PLAIN(plainLogAdd_64f)));
@@ -63,7 +69,7 @@ void addTasks(const bench::Level& level, int32_t n) {
 
 int main(int argc, char** argv) {
   for (const bench::Level& level : bench::levels()) {
-    for (const int32_t n : {7, 39, 1024}) addTasks(level, n);
+    for (const int32_t n : {7, 39, 1024, 4096}) addTasks(level, n);
   }
   return bench::run(argc, argv);
 }
