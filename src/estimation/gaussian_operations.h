@@ -9,7 +9,6 @@
 // of zero or below ends the sum with a marker: plus infinity, or a NaN.
 #pragma once
 
-#include <bit>
 #include <cstdint>
 #include <limits>
 
@@ -22,19 +21,11 @@
 
 namespace qorsr {
 
-inline constexpr double kGaussianLog2Pi = 1.8378770664093;  // required: these digits, not the nearest double to log(2 pi)
-
-// The marker for a logarithm of a negative number: the default NaN of the processor.
-template <class T>
-inline constexpr T kNegativeMarker = std::bit_cast<T>(uint32_t{0xFFC00000});
-template <>
-inline constexpr double kNegativeMarker<double> = std::bit_cast<double>(uint64_t{0xFFF8000000000000});
-
 // What a sum of logarithms comes to when it met an element without one: status and marker.
 template <class T>
 struct LogMarker {
   QorStatus status;
-  T value() const { return status == qorStatusLogZero ? std::numeric_limits<T>::infinity() : kNegativeMarker<T>; }
+  T value() const { return status == qorStatusLogZero ? std::numeric_limits<T>::infinity() : kLogOfNegative<T>; }
 };
 
 template <class T>
@@ -127,7 +118,7 @@ QorStatus gaussianDist(const GaussianPair<T>& pair, int32_t length, T* result, T
     return warning;
   }
   const auto separate = static_cast<double>(weight1 * det1 + weight2 * det2);  // in the element type, then widened
-  *result = static_cast<T>(separate - pooling.total() * (length * kGaussianLog2Pi + logs));
+  *result = static_cast<T>(separate - pooling.total() * (length * kLogTwoPi + logs));
   return qorStatusOk;
 }
 
@@ -173,7 +164,7 @@ QorStatus gaussianMerge(const GaussianPair<T>& pair, T* mean, T* variance, int32
     *det = LogMarker<T>{warning}.value();
     return warning;
   }
-  *det = static_cast<T>(length * kGaussianLog2Pi + logs);
+  *det = static_cast<T>(length * kLogTwoPi + logs);
   return qorStatusOk;
 }
 

@@ -29,7 +29,6 @@ namespace qorsr {
 
 inline constexpr double kClusterLog2Pi = std::bit_cast<double>(uint64_t{0x3FFD67F1C864BEB5});  // required
 inline constexpr double kNoLikelihood = -1.0e10;
-inline constexpr double kNoLogarithm = std::bit_cast<double>(uint64_t{0xFFF8000000000000});  // the processor's default NaN
 
 template <class T>
 struct State {
@@ -186,7 +185,7 @@ QorStatus clusterLikelihood(const T* sum, const T* squares, int32_t length, doub
   const double logOccupancy = log(occupancy), constant = length * ((logOccupancy - 1.0 - kClusterLog2Pi) + logOccupancy);
   double logs;
   if (QorStatus warning = sumOfSpreads(sum, squares, length, occupancy, logs)) {
-    *result = warning == qorStatusLogZero ? -std::numeric_limits<double>::infinity() : kNoLogarithm;
+    *result = warning == qorStatusLogZero ? -std::numeric_limits<double>::infinity() : kLogOfNegative<double>;
     return warning;
   }
   *result = occupancy * 0.5 * (constant - logs);

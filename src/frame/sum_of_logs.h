@@ -19,6 +19,15 @@
 
 namespace qorsr {
 
+// log(2 pi), with the digits that are required: not the nearest double.
+inline constexpr double kLogTwoPi = 1.8378770664093;
+
+// required: the NaN that the logarithm of a negative number is, a processor's default.
+template <class T>
+inline constexpr T kLogOfNegative = std::bit_cast<T>(uint32_t{0xFFC00000});
+template <>
+inline constexpr double kLogOfNegative<double> = std::bit_cast<double>(uint64_t{0xFFF8000000000000});
+
 class SumOfLogs {
  public:
   static constexpr int32_t kRun = 512;

@@ -4,16 +4,16 @@
 using namespace qorsr;
 
 QorStatus qorsUpdateGConst_32f(const float* inverseVariances, int32_t length, float* result) {
-  return updateGConst<InverseVariances>(inverseVariances, length, result);
+  return updateGConst<VarianceForm::kInverse>(inverseVariances, length, result);
 }
 QorStatus qorsUpdateGConst_64f(const double* inverseVariances, int32_t length, double* result) {
-  return updateGConst<InverseVariances>(inverseVariances, length, result);
+  return updateGConst<VarianceForm::kInverse>(inverseVariances, length, result);
 }
 QorStatus qorsUpdateGConst_DirectVar_32f(const float* variances, int32_t length, float* result) {
-  return updateGConst<DirectVariances>(variances, length, result);
+  return updateGConst<VarianceForm::kDirect>(variances, length, result);
 }
 QorStatus qorsUpdateGConst_DirectVar_64f(const double* variances, int32_t length, double* result) {
-  return updateGConst<DirectVariances>(variances, length, result);
+  return updateGConst<VarianceForm::kDirect>(variances, length, result);
 }
 
 QorStatus qorsOutProbPreCalc_32f(const float* weights, const float* gconsts, float* result, int32_t length) {

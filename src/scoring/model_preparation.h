@@ -8,7 +8,6 @@
 // rounded by position: down in groups of four, half up in the tail (required).
 #pragma once
 
-#include <bit>
 #include <cstdint>
 #include <limits>
 
@@ -23,29 +22,11 @@ namespace qorsr {
 
 // ---- Normalisation ----
 
-// log(2 pi), with the digits that are required.
-inline constexpr double kLogTwoPi = 1.8378770664093;
-
-// How the two terms join: log |Sigma| is minus the sum of the logarithms of inverse variances, or the sum of those of variances.
-struct InverseVariances {
-  template <class T>
-  static T join(T constant, T logs) {
-    return constant - logs;
-  }
-};
-struct DirectVariances {
-  template <class T>
-  static T join(T constant, T logs) {
-    return constant + logs;
-  }
-};
-
-// The NaN of a negative element, a required pattern.
-inline void storeNegativeMark(float* result) { *result = std::bit_cast<float>(0xFFC00000u); }
-inline void storeNegativeMark(double* result) { *result = std::bit_cast<double>(uint64_t{0xFFF80000} << 32); }
+// What the variances are: log |Sigma| is the sum of their logarithms, or minus that of their inverses.
+enum class VarianceForm { kInverse, kDirect };
 
 // Both terms are rounded to T, then joined.
-template <class Form, class T>
+template <VarianceForm Form, class T>
 QorStatus updateGConst(const T* variances, int32_t length, T* result) {
   if (QorStatus bad = Checks().null(variances, result).size(length)) return bad;
   SumOfLogs logs;
@@ -53,9 +34,10 @@ QorStatus updateGConst(const T* variances, int32_t length, T* result) {
   if (logs.status() == qorStatusLogZero) {
     *result = std::numeric_limits<T>::infinity();
   } else if (logs.status() == qorStatusLogNegative) {
-    storeNegativeMark(result);
+    *result = kLogOfNegative<T>;
   } else {
-    *result = Form::join(static_cast<T>(length * kLogTwoPi), static_cast<T>(logs.value()));
+    const T constant = static_cast<T>(length * kLogTwoPi), sum = static_cast<T>(logs.value());
+    *result = Form == VarianceForm::kInverse ? constant - sum : constant + sum;
   }
   return logs.status();
 }
