@@ -25,6 +25,8 @@ install(FILES ${PROJECT_SOURCE_DIR}/include/qorsr.h ${PROJECT_SOURCE_DIR}/includ
 install(FILES ${PROJECT_SOURCE_DIR}/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN "*.md")
 
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN "*.c" PATTERN "*.md")
+
 # find_package(qorsr): qorsr::qorsr, qorsr::qorcore, qorsr::qorsr_static, qorsr::qorcore_static
 install(EXPORT qorsrTargets NAMESPACE qorsr:: DESTINATION ${package_dir})
 configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/qorsrConfig.cmake.in ${PROJECT_BINARY_DIR}/qorsrConfig.cmake
