@@ -3,14 +3,15 @@
 // What is required is what a quickselect finds whose pivot is the first element of its range: the left scan goes up while elements are
 // at or above the pivot, the right one down while they are below it; the pivot is swapped into place, and elements equal to it just
 // before it are settled too. (Hoare, "Algorithm 65: Find", Communications of the ACM 4, 1961.) Its path shows in a result only where
-// elements have no order: NaN, and zeros of both signs. All else is found by digits: elements are counted by the highest bits of their
-// keys (integers in the order of the numbers), those of the bucket that holds the n-th are kept, and counted by the next bits; the
-// last few by quickselect. No order of elements makes that slow.
+// elements have no order: NaN, and zeros of both signs. Where the walk takes long, as in a sorted vector, and elements have an order,
+// the element is found by digits: elements are counted by the highest bits of their keys (integers in the order of the numbers), those of
+// the bucket that holds the n-th are kept, and counted by the next bits. So a result takes time in proportion to length.
 #pragma once
 
 #include <bit>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 #include <type_traits>
 
 #include "frame/checks.h"
@@ -18,8 +19,9 @@
 
 namespace qorsr {
 
+// Gives up, with false, where it would look at more than `most` elements in all.
 template <class T>
-T nthMaxByQuickselect(T* values, int32_t length, int32_t n) {
+bool nthMaxByQuickselect(T* values, int32_t length, int32_t n, int64_t most, T& result) {
   const auto swap = [&](int32_t i, int32_t j) {
     const T x = values[i];
     values[i] = values[j];
@@ -27,6 +29,8 @@ T nthMaxByQuickselect(T* values, int32_t length, int32_t n) {
   };
   int32_t low = 0, high = length - 1;
   for (;;) {
+    most -= high - low;
+    if (most < 0) return false;
     const T pivot = values[low];
     int32_t i = low + 1, j = high;
     for (;;) {
@@ -38,7 +42,10 @@ T nthMaxByQuickselect(T* values, int32_t length, int32_t n) {
     swap(low, j);
     int32_t settled = j;
     while (settled > low && values[settled - 1] == pivot) --settled;
-    if (n >= settled && n <= j) return pivot;
+    if (n >= settled && n <= j) {
+      result = pivot;
+      return true;
+    }
     if (n < settled) {
       high = settled - 1;
     } else {
@@ -65,7 +72,7 @@ struct RankKey {
 template <class T>
 class NthMaxByDigits {
  public:
-  // Below, quickselect is faster than clearing the counts (nth_max).
+  // Below, quickselect takes no longer than clearing the counts, in any order.
   static constexpr int32_t kLeast = 200;
 
   // `rest` has room for all elements.
@@ -84,7 +91,9 @@ class NthMaxByDigits {
       count = kept;
       if (shift == 0 || count < kLeast) break;
     }
-    return nthMaxByQuickselect(rest, count, n);
+    T result{};
+    nthMaxByQuickselect(rest, count, n, INT64_MAX, result);
+    return result;
   }
 
  private:
@@ -109,14 +118,16 @@ class NthMaxByDigits {
 template <class T>
 bool areOrdered(const T* values, int32_t length) {
   if constexpr (std::is_integral_v<T>) return true;
-  bool nan = false, zero = false, minusZero = false;
+  using Bits = typename RankKey<T>::Bits;
+  constexpr Bits kSign = RankKey<T>::kSign, kInfinity = std::bit_cast<Bits>(std::numeric_limits<T>::infinity());
+  Bits nan = 0, zero = 0, minusZero = 0;  // in integers of the elements' width, and so in registers of many
   for (int32_t i = 0; i < length; ++i) {
-    nan |= values[i] != values[i];
-    const bool sign = (std::bit_cast<typename RankKey<T>::Bits>(values[i]) & RankKey<T>::kSign) != 0;
-    zero |= values[i] == 0 && !sign;
-    minusZero |= values[i] == 0 && sign;
+    const auto bits = std::bit_cast<Bits>(values[i]);
+    nan |= (bits & ~kSign) > kInfinity ? Bits{1} : Bits{0};
+    zero |= bits == 0 ? Bits{1} : Bits{0};
+    minusZero |= bits == kSign ? Bits{1} : Bits{0};
   }
-  return !nan && !(zero && minusZero);
+  return nan == 0 && (zero & minusZero) == 0;
 }
 
 template <class T>
@@ -126,12 +137,18 @@ QorStatus nthMaxElement(const T* source, int32_t length, int32_t n, T* result) {
   }
   const Scratch<T> scratch(length);
   if (!scratch) return qorStatusNoMemory;
-  if (length >= NthMaxByDigits<T>::kLeast && areOrdered(source, length)) {
-    *result = NthMaxByDigits<T>::find(source, length, n, scratch.get());
-    return qorStatusOk;
+  const auto select = [&](int64_t most) {
+    std::memcpy(scratch.get(), source, static_cast<std::size_t>(length) * sizeof(T));
+    return nthMaxByQuickselect(scratch.get(), length, n, most, *result);
+  };
+  constexpr int64_t kPasses = 10;  // three to four are usual; more are a sign of elements that lie in order
+  if (length < NthMaxByDigits<T>::kLeast || !select(kPasses * length)) {
+    if (length >= NthMaxByDigits<T>::kLeast && areOrdered(source, length)) {
+      *result = NthMaxByDigits<T>::find(source, length, n, scratch.get());
+    } else {
+      select(INT64_MAX);
+    }
   }
-  std::memcpy(scratch.get(), source, static_cast<std::size_t>(length) * sizeof(T));
-  *result = nthMaxByQuickselect(scratch.get(), length, n);
   return qorStatusOk;
 }
 
