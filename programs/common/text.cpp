@@ -40,7 +40,10 @@ std::string printable(const std::string& text) {
 std::string tabSeparated(const std::vector<std::vector<std::string>>& rows) {
   std::string text;
   for (const auto& row : rows) {
-    for (size_t c = 0; c < row.size(); ++c) text += (c > 0 ? "\t" : "") + printable(row[c]);
+    for (size_t c = 0; c < row.size(); ++c) {
+      if (c > 0) text += '\t';
+      text += printable(row[c]);
+    }
     text += '\n';
   }
   return text;
