@@ -55,8 +55,8 @@ void addTasks(const bench::Level& level, const Pair& p, int32_t delta, float bea
 }  // namespace
 
 int main(int argc, char** argv) {
-  static const std::vector<Pair> words = {{60, 50, 1},  {60, 50, 4},  {60, 50, 8},   {60, 50, 12},
-                                          {60, 50, 13}, {60, 50, 39}, {400, 350, 13}};
+  static const std::vector<Pair> words = {{60, 50, 1},  {60, 50, 4},  {60, 50, 8},    {60, 50, 12},
+                                          {60, 50, 13}, {60, 50, 39}, {400, 350, 13}, {120, 100, 39}};
   for (const bench::Level& level : bench::levels()) {
     for (const Pair& p : words) addTasks(level, p, p.height2 / 8, 1e30F);
     addTasks(level, words[4], 10, 20.0F);

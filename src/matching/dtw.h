@@ -2,13 +2,13 @@
 //
 //   D(i, j) = min(D(i-1, j), D(i-1, j-1), D(i-1, j-2)) + d(i, j)      i: row of the longer sequence, j: row of the shorter one
 //
-// d is the Euclidean distance of two rows. Cells are independent within a column, so a column is computed several cells at a time.
-// Minimum before sum and sum before minimum give the same bits, since rounding is monotonic. A minimum never takes a NaN.
+// d is the Euclidean distance of two rows. Cells are independent within a column: the shorter sequence is transposed first, so that
+// neighbouring cells are neighbours in memory, and the lanes of a register are cells. Their distances go from registers into the
+// recursion. Minimum before sum and sum before minimum give the same bits, since rounding is monotonic. A minimum never takes a NaN.
 //
-//   Widths 1 to 13: d = sqrt of the float sum of squares, added in pairs of elements; the shorter sequence is transposed first, so
-//   that neighbouring cells are neighbours in memory, and the distances of a column go from registers into its recursion.
-//   Wider rows: squares are rounded to float and summed in four lanes of doubles over blocks of eight elements (element e in lane e
-//   mod 4), lanes joined by halves, the rest added one by one; the root is taken in double. Required: the threshold is visible.
+//   Widths 1 to 13: d = sqrt of the float sum of squares, added in pairs of elements.
+//   Wider rows: squares are rounded to float and summed in four doubles over blocks of eight elements (element e in sum e mod 4),
+//   (s0 + s2) + (s1 + s3), the rest added one by one; the root is taken in double. Required: the threshold is visible.
 //
 // Only the active cells of a column hold values. The cells around them, which the next column may read, hold infinity.
 #pragma once
@@ -24,18 +24,17 @@
 #include "frame/lanes.h"
 #include "frame/memory.h"
 #include "frame/rows.h"
+#include "frame/tuning.h"
 
 namespace qorsr {
 
 inline constexpr float kUnreachableEnd = std::numeric_limits<float>::max();  // the distance when no path reaches the end
 inline constexpr float kInfinity = std::numeric_limits<float>::infinity();
-inline constexpr int kWidestNarrowRow = 13;
+inline constexpr int kWidestFloatRow = 13;
 inline constexpr int kMostCells = 16;  // cells of the widest register
 
-inline constexpr int kCells = kNativeLanes<float>;
-inline constexpr int kBlock = 4;  // registers of a column that are computed at a time
-inline constexpr int kBlockCells = kBlock * kCells;
-using Cells = Lanes<float, kCells>;
+inline constexpr int kWarpCells = kNativeLanes<float>;
+using WarpCells = Lanes<float, kWarpCells>;
 
 // ---- Search region ----
 
@@ -66,40 +65,47 @@ inline constexpr struct Beyond {
   constexpr Beyond() { std::fill_n(of + kMostCells, kMostCells, kInfinity); }
 } kBeyond;
 
+// The least of all lanes. Lanes that hold a NaN do not decide unless the last one does.
+template <int N>
+inline float leastLane(const Lanes<float, N>& a) {
+  if constexpr (N == 1) {
+    return a.part[0];
+  } else {
+    return leastLane(min(lowerHalf(a), upperHalf(a)));
+  }
+}
+
 // current[j] = min(previous[j], previous[j-1], previous[j-2]) + d(j) for the active cells; returns the least of them. Cells on
-// either side become infinite, as many as one step of the next column reads. `local.at<P>(j, d)` gives P registers of d from j on.
+// either side become infinite, as many as one step of the next column reads. `local.at<P>(j, d)` gives P registers of d from j on,
+// P at most Local::kRegisters.
 template <class Local>
 [[gnu::always_inline]] inline float advance(const Local& local, const float* previous, float* current, ActiveCells active) {
-  const Cells unreachable(kInfinity);
-  Cells least = unreachable;
-  const auto cells = [&](int64_t j, const Cells& d) {
-    const Cells best = min(Cells::load(previous + j - 1), min(Cells::load(previous + j - 2), unreachable));
-    const Cells value = min(Cells::load(previous + j), best) + d;
+  constexpr int kMost = Local::kRegisters;
+  const WarpCells unreachable(kInfinity);
+  WarpCells least = unreachable;
+  const auto cells = [&](int64_t j, const WarpCells& d) {
+    const WarpCells best = min(WarpCells::load(previous + j - 1), min(WarpCells::load(previous + j - 2), unreachable));
+    const WarpCells value = min(WarpCells::load(previous + j), best) + d;
     value.store(current + j);
     least = min(value, least);
   };
-  unreachable.store(current + active.first - kCells);
+  unreachable.store(current + active.first - kWarpCells);
   int64_t j = active.first;
-  for (; j < active.end - kBlockCells; j += kBlockCells) {
-    Cells d[kBlock];
-    local.template at<kBlock>(j, d);
-    for (int p = 0; p < kBlock; ++p) cells(j + p * kCells, d[p]);
+  for (; j < active.end - kMost * kWarpCells; j += kMost * kWarpCells) {
+    WarpCells d[kMost];
+    local.template at<kMost>(j, d);
+    for (int p = 0; p < kMost; ++p) cells(j + p * kWarpCells, d[p]);
   }
   const auto last = [&]<int P>(std::integral_constant<int, P>) {
-    Cells d[P];
+    WarpCells d[P];
     local.template at<P>(j, d);
-    d[P - 1] += Cells::load(kBeyond.of + kMostCells - (active.end - j - (P - 1) * kCells));
-    for (int p = 0; p < P; ++p) cells(j + p * kCells, d[p]);
+    d[P - 1] += WarpCells::load(kBeyond.of + kMostCells - (active.end - j - (P - 1) * kWarpCells));
+    for (int p = 0; p < P; ++p) cells(j + p * kWarpCells, d[p]);
   };
-  const int64_t left = active.end - j;
-  if (left <= kCells) {
+  if (kMost == 1 || active.end - j <= kWarpCells) {
     last(std::integral_constant<int, 1>());
-  } else if (left <= 2 * kCells) {
-    last(std::integral_constant<int, 2>());
-  } else if (left <= 3 * kCells) {
-    last(std::integral_constant<int, 3>());
   } else {
-    last(std::integral_constant<int, 4>());
+    last(std::integral_constant<int, kMost>());
   }
   unreachable.store(current + active.end);
   return leastLane(least);
@@ -116,42 +122,63 @@ inline ActiveCells prune(float* column, ActiveCells active, float limit) {
 //
 // step: one column, the distances of the rows of the shorter sequence to `row` of the longer one, and the recursion.
 
+// The shorter sequence transposed: element e of the rows j, j + 1, ... stands at area + e * pitch + j. Behind the last row there are
+// zeros, and what is computed of them is not used.
+struct TransposedRows {
+  const float* area;
+  int64_t pitch;
+
+  static int64_t pitchOf(int32_t rowCount) { return int64_t{rowCount} + kMostCells; }
+
+  template <class Rows>
+  TransposedRows(const Rows& rows, int32_t rowCount, int32_t width, float* to) : area(to), pitch(pitchOf(rowCount)) {
+    using Four = Lanes<float, 4>;
+    int32_t j = 0;
+    for (; j <= rowCount - 4; j += 4) {
+      const float *const a = rows[j], *const b = rows[j + 1], *const c = rows[j + 2], *const d = rows[j + 3];
+      int32_t e = 0;
+      for (; e <= width - 4; e += 4) {
+        const Transposed four = transposed(Four::load(a + e), Four::load(b + e), Four::load(c + e), Four::load(d + e));
+        for (int k = 0; k < 4; ++k) four.lane[k].store(to + (e + k) * pitch + j);
+      }
+      for (; e < width; ++e) Four::of(a[e], b[e], c[e], d[e]).store(to + e * pitch + j);
+    }
+    for (; j < rowCount; ++j) {
+      const float* const row = rows[j];
+      for (int32_t e = 0; e < width; ++e) to[e * pitch + j] = row[e];
+    }
+    for (int32_t e = 0; e < width; ++e) std::fill_n(to + e * pitch + rowCount, kMostCells, 0.0F);
+  }
+};
+
 // W elements a row, W known to the compiler.
 template <int W>
-class NarrowDistances {
+class FloatDistances {
  public:
-  static int64_t areaElements(int32_t rowCount) { return W * pitch(rowCount); }
+  static int64_t areaElements(int32_t rowCount, int32_t) { return W * TransposedRows::pitchOf(rowCount); }
 
-  // Transposes the rows of the shorter sequence into `area`; what is computed beyond the last row is not used.
   template <class Rows>
-  NarrowDistances(const Rows& rows, int32_t rowCount, int32_t /*width*/, float* area) : area_(area), pitch_(pitch(rowCount)) {
-    int32_t j = 0;
-    for (; j <= rowCount - 4; j += 4) transposeFour(rows[j], rows[j + 1], rows[j + 2], rows[j + 3], area + j);
-    for (; j < rowCount; ++j) {
-      const float* row = rows[j];
-      for (int e = 0; e < W; ++e) area[e * pitch_ + j] = row[e];
-    }
-    for (int e = 0; e < W; ++e) std::fill_n(area + e * pitch_ + rowCount, kMostCells, 0.0F);
-  }
+  FloatDistances(const Rows& rows, int32_t rowCount, int32_t, float* area) : rows_(rows, rowCount, W, area) {}
 
   [[gnu::noinline]] float step(const float* row, const float* previous, float* current, ActiveCells active) const {
-    return advance(Column{area_, pitch_, row}, previous, current, active);
+    return advance(Column{rows_.area, rows_.pitch, row}, previous, current, active);
   }
 
  private:
   struct Column {
+    static constexpr int kRegisters = 2;
     const float* area;
     int64_t pitch;
     const float* row;
 
     // Squares are added in pairs of elements: ((q0 + q1) + (q2 + q3)) + ...
     template <int P>
-    [[gnu::always_inline]] void at(int64_t j, Cells* d) const {
+    [[gnu::always_inline]] void at(int64_t j, WarpCells* d) const {
       squares<P>(0, j, d);
       if constexpr (W > 1) addSquares<P>(1, j, d);
-#pragma GCC unroll 1  // unrolled, the loads are scheduled early and spill
+#pragma GCC unroll 1  // unrolled, the loads are scheduled early and spill: 1.24 at v3 (dtw, 400 and 350 rows of 13)
       for (int e = 2; e < W - 1; e += 2) {
-        Cells pair[P];
+        WarpCells pair[P];
         squares<P>(e, j, pair);
         addSquares<P>(e + 1, j, pair);
         for (int p = 0; p < P; ++p) d[p] += pair[p];
@@ -161,108 +188,78 @@ class NarrowDistances {
     }
 
     template <int P>
-    [[gnu::always_inline]] void squares(int e, int64_t j, Cells* q) const {
-      const Cells y(row[e]);
+    [[gnu::always_inline]] void squares(int e, int64_t j, WarpCells* q) const {
+      const WarpCells y(row[e]);
       for (int p = 0; p < P; ++p) {
-        const Cells difference = Cells::load(area + e * pitch + j + p * kCells) - y;
+        const WarpCells difference = WarpCells::load(area + e * pitch + j + p * kWarpCells) - y;
         q[p] = difference * difference;
       }
     }
     template <int P>
-    [[gnu::always_inline]] void addSquares(int e, int64_t j, Cells* sum) const {
-      Cells q[P];
+    [[gnu::always_inline]] void addSquares(int e, int64_t j, WarpCells* sum) const {
+      WarpCells q[P];
       squares<P>(e, j, q);
       for (int p = 0; p < P; ++p) sum[p] += q[p];
     }
   };
 
-  static int64_t pitch(int32_t rowCount) { return int64_t{rowCount} + kMostCells; }
-
-  void transposeFour(const float* a, const float* b, const float* c, const float* d, float* area) const {
-    using Four = Lanes<float, 4>;
-    int e = 0;
-    for (; e <= W - 4; e += 4) {
-      const Transposed turned = transposed(Four::load(a + e), Four::load(b + e), Four::load(c + e), Four::load(d + e));
-      for (int k = 0; k < 4; ++k) turned.lane[k].store(area + (e + k) * pitch_);
-    }
-    for (; e < W; ++e) Four::of(a[e], b[e], c[e], d[e]).store(area + e * pitch_);
-  }
-
-  const float* area_;
-  int64_t pitch_;
+  TransposedRows rows_;
 };
 
-// Rows of any width, summed in double.
-template <class Rows>
-class WideDistances {
+// Rows of any width, summed in double. Two of the four sums at a time: all would not leave registers to two registers of cells.
+class DoubleDistances {
  public:
-  static int64_t areaElements(int32_t rowCount) { return int64_t{rowCount} + kMostCells; }
+  static int64_t areaElements(int32_t rowCount, int32_t width) { return width * TransposedRows::pitchOf(rowCount); }
 
-  WideDistances(const Rows& rows, int32_t rowCount, int32_t width, float* area)
-      : rows_(rows), last_(rowCount - 1), width_(width), area_(area) {
-    std::fill_n(area, areaElements(rowCount), 0.0F);
-  }
+  template <class Rows>
+  DoubleDistances(const Rows& rows, int32_t rowCount, int32_t width, float* area)
+      : rows_(rows, rowCount, width, area), width_(width) {}
 
   [[gnu::noinline]] float step(const float* row, const float* previous, float* current, ActiveCells active) const {
-    for (int64_t j = active.first; j < active.end; j += 4) {
-      const float* rows[4];
-      for (int k = 0; k < 4; ++k) rows[k] = rows_[std::min<int64_t>(j + k, last_)];
-      four(rows, row).store(area_ + j);
-    }
-    return advance(Column{area_}, previous, current, active);
+    return advance(Column{rows_.area, rows_.pitch, row, width_}, previous, current, active);
   }
 
  private:
-  using Four = Lanes<float, 4>;
+  using Sum = Lanes<double, kWarpCells>;
 
   struct Column {
-    const float* distances;
+    static constexpr int kRegisters = kDoubleWarpRegisters;
+    const float* area;
+    int64_t pitch;
+    const float* row;
+    int32_t width;
 
     template <int P>
-    void at(int64_t j, Cells* d) const {
-      for (int p = 0; p < P; ++p) d[p] = Cells::load(distances + j + p * kCells);
+    [[gnu::always_inline]] void at(int64_t j, WarpCells* d) const {
+      const int32_t whole = width / 8 * 8;
+      Sum s0[P], s1[P], s2[P], s3[P];
+      for (int p = 0; p < P; ++p) s0[p] = s1[p] = s2[p] = s3[p] = Sum(0.0);
+      for (int32_t e = 0; e < whole; e += 4) {
+        addSquare<P>(e, j, s0);
+        addSquare<P>(e + 2, j, s2);
+      }
+      for (int p = 0; p < P; ++p) s0[p] += s2[p];
+      for (int32_t e = 1; e < whole; e += 4) {
+        addSquare<P>(e, j, s1);
+        addSquare<P>(e + 2, j, s3);
+      }
+      for (int p = 0; p < P; ++p) s0[p] += s1[p] + s3[p];
+      for (int32_t e = whole; e < width; ++e) addSquare<P>(e, j, s0);
+      for (int p = 0; p < P; ++p) d[p] = as<float>(sqrt(s0[p]));
+    }
+
+    template <int P>
+    [[gnu::always_inline]] void addSquare(int32_t e, int64_t j, Sum* sums) const {
+      const WarpCells y(row[e]);
+      for (int p = 0; p < P; ++p) {
+        const WarpCells difference = WarpCells::load(area + e * pitch + j + p * kWarpCells) - y;
+        sums[p] += as<double>(difference * difference);
+      }
     }
   };
 
-  // The distances of four rows to one.
-  Four four(const float* const* rows, const float* y) const {
-    Lanes<double, 4> lanes[4];
-    const auto eight = [&](int k, int32_t c, const Lanes<double, 4>& sum) {
-      const auto d = Lanes<float, 8>::load(rows[k] + c) - Lanes<float, 8>::load(y + c);
-      const Lanes<double, 8> squares = as<double>(d * d);
-      return sum + lowerHalf(squares) + upperHalf(squares);
-    };
-    for (int k = 0; k < 4; ++k) lanes[k] = eight(k, 0, Lanes<double, 4>(0.0));
-    int32_t c = 8;
-    for (; c <= width_ - 8; c += 8) {
-      for (int k = 0; k < 4; ++k) lanes[k] = eight(k, c, lanes[k]);
-    }
-    Lanes<double, 4> sums = joinHalves(lanes[0], lanes[1], lanes[2], lanes[3]);
-    const auto turned = [&](int32_t at) {
-      return transposed(Four::load(rows[0] + at), Four::load(rows[1] + at), Four::load(rows[2] + at), Four::load(rows[3] + at));
-    };
-    const auto add = [&](const Four& x, int32_t at) {
-      const Four d = x - Four(y[at]);
-      sums += as<double>(d * d);
-    };
-    if (c <= width_ - 4) {
-      const Transposed four = turned(c);
-      for (int k = 0; k < 4; ++k) add(four.lane[k], c + k);
-      c += 4;
-    }
-    if (c < width_) {
-      const Transposed last = turned(width_ - 4);
-      if (c <= width_ - 3) add(last.lane[1], width_ - 3);
-      if (c <= width_ - 2) add(last.lane[2], width_ - 2);
-      add(last.lane[3], width_ - 1);
-    }
-    return as<float>(sqrt(sums));
-  }
-
-  Rows rows_;
-  int64_t last_;
+  TransposedRows rows_;
   int32_t width_;
-  float* area_;
 };
 
 // ---- Alignment ----
@@ -303,12 +300,13 @@ float warp(const Distances& distances, const Rows& longer, const WarpBand& band,
 // fours; beyond, it is allocated. Only a shorter sequence of up to 124 rows meets the limit.
 inline constexpr int64_t kStackElements = 512;
 inline constexpr int kStackRows = 124;
-inline constexpr int kStackArea = 2 * (kStackRows + 3 * kMostCells) + kWidestNarrowRow * (kStackRows + kMostCells) + kMostCells;
+inline constexpr int kStackArea = 2 * (kStackRows + 3 * kMostCells) + kWidestFloatRow * (kStackRows + kMostCells) + kMostCells;
 
 template <class Distances, class Rows>
 QorStatus warpWith(Rows longer, Rows shorter, const WarpBand& band, int32_t width, float* distance, float beam) {
   const auto rowCount = static_cast<int32_t>(band.shorter);
-  const int64_t columns = WarpColumns::areaElements(band.shorter), area = columns + Distances::areaElements(rowCount) + kMostCells;
+  const int64_t columns = WarpColumns::areaElements(band.shorter);
+  const int64_t area = columns + Distances::areaElements(rowCount, width) + kMostCells;
   const bool onStack = 2 * ((band.shorter + 8) / 4 * 4) + 2 * ((band.longer + 3) / 4 * 4) <= kStackElements;
   const Scratch<float, kStackArea> storage(onStack ? area : std::max<int64_t>(area, kStackArea + 1));
   if (!storage) return qorStatusNoMemory;
@@ -321,10 +319,10 @@ QorStatus warpWith(Rows longer, Rows shorter, const WarpBand& band, int32_t widt
 // Calls body for the distances of the width: one form for each of 1 to 13, one for all that are wider.
 template <class Rows, int W = 1>
 QorStatus warpOrdered(Rows longer, Rows shorter, const WarpBand& band, int32_t width, float* distance, float beam) {
-  if constexpr (W > kWidestNarrowRow) {
-    return warpWith<WideDistances<Rows>>(longer, shorter, band, width, distance, beam);
+  if constexpr (W > kWidestFloatRow) {
+    return warpWith<DoubleDistances>(longer, shorter, band, width, distance, beam);
   } else {
-    if (width == W) return warpWith<NarrowDistances<W>>(longer, shorter, band, width, distance, beam);
+    if (width == W) return warpWith<FloatDistances<W>>(longer, shorter, band, width, distance, beam);
     return warpOrdered<Rows, W + 1>(longer, shorter, band, width, distance, beam);
   }
 }

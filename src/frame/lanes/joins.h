@@ -97,14 +97,4 @@ inline Lanes<T, 4> joinHalves(const Lanes<T, N>& a, const Lanes<T, N>& b, const 
   }
 }
 
-// The least of all lanes. Lanes that hold a NaN do not decide unless the last one does.
-template <class T, int N>
-inline T leastLane(const Lanes<T, N>& a) {
-  if constexpr (N == 1) {
-    return a.part[0];
-  } else {
-    return leastLane(min(lowerHalf(a), upperHalf(a)));
-  }
-}
-
 }  // namespace qorsr
