@@ -12,6 +12,7 @@
 
 #include "kit/bench.h"
 #include "qorsr.h"
+#include "singular_values_plain.h"
 
 namespace {
 
@@ -34,12 +35,17 @@ struct Matrix {
   std::string task(const std::string& name) const { return name + ", " + std::to_string(height) + " x " + std::to_string(width); }
 };
 
-void addOurs(const bench::Level& level, Matrix& x) {
+void addTasks(const bench::Level& level, Matrix& x) {
   const int32_t m = x.height, n = x.width;
   const double* a = x.a.data();
   double *u = x.u.data(), *w = x.w.data(), *v = x.v.data();
   bench::add({x.task("SVD 64f"), "ours", level.name, 1, "matrices"},
              [=, f = level.ours<decltype(qorsSVD_64f_D2)>("qorsSVD_64f_D2")] { f(a, u, m, w, v, n, n, 30); });
+  bench::add({x.task("SVD 64f"), "plain", level.name},
+             [=, &x, e = std::vector<double>(x.w.size()), f = level.plain<decltype(plainSvd_64f)>("plainSvd_64f")]() mutable {
+               x.u = x.a;
+               f(u, m, w, v, n, 30, e.data());
+             });
   bench::add({x.task("SVDSort 64f"), "ours", level.name, 1, "matrices"},
              [=, f = level.ours<decltype(qorsSVDSort_64f_D2)>("qorsSVDSort_64f_D2")] { f(a, u, m, w, v, n, n, 30); });
 }
@@ -80,7 +86,7 @@ void addPeers(Matrix& x) {
 int main(int argc, char** argv) {
   static Matrix matrices[] = {Matrix(13, 13), Matrix(39, 39), Matrix(100, 39), Matrix(128, 128)};
   for (Matrix& x : matrices) {
-    for (const bench::Level& level : bench::levels()) addOurs(level, x);
+    for (const bench::Level& level : bench::levels()) addTasks(level, x);
 #if QORSR_HAVE_OPENBLAS && QORSR_HAVE_LAPACKE
     openblas_set_num_threads(1);
     addPeers(x);
