@@ -34,10 +34,10 @@ QorStatus qorsNewVar_32f_I(const float* means, float* squares, int32_t length, f
 }
 QorStatus qorsNewVar_32s_Sfs(const int32_t* means, const int32_t* squares, int32_t* destination, int32_t length, float a, float b,
                              int32_t scaleFactor) {
-  return newVarScaled({means, squares, destination, length, a, b}, scaleFactor);
+  return newVarScaled(means, squares, destination, length, a, b, scaleFactor);
 }
 QorStatus qorsNewVar_32s_ISfs(const int32_t* means, int32_t* squares, int32_t length, float a, float b, int32_t scaleFactor) {
-  return newVarScaled({means, squares, squares, length, a, b}, scaleFactor);
+  return newVarScaled(means, squares, squares, length, a, b, scaleFactor);
 }
 
 QorStatus qorsMeanVarAcc_32f(const float* source, const float* mean, float* accumulatedMean, float* accumulatedVariance,

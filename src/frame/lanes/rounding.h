@@ -134,15 +134,4 @@ inline Lanes<int32_t, N> largestAbove(const Lanes<int32_t, N>& a, const Lanes<fl
   return v;
 }
 
-// Rounded to nearest, ties to even, and saturated; a NaN gives 0. Only in a mode that is known to be nearest.
-template <int N>
-inline Lanes<int32_t, N> nearestSaturated(const Lanes<float, N>& a) {
-  const Lanes<int32_t, N> whole = nearest(a);
-  bool extreme = false;
-  for (const auto part : whole.part) extreme |= native::anyHolds(part == decltype(part){} + INT32_MIN);
-  if (__builtin_expect(!extreme, true)) return whole;
-  const Lanes<float, N> number = zeroWhereNaN(a);
-  return largestAbove(nearest(number), number, 2147483520.0F);
-}
-
 }  // namespace qorsr
