@@ -191,6 +191,7 @@ inline Lanes<int32_t, N> nearestSaturated(const Lanes<float, N>& a) {
 }
 
 // The variances follow the caller's rounding mode, their conversion rounds to nearest: in two steps, unless the modes are the same.
+// Asking for the mode and the masks takes as long as some 20 elements.
 inline QorStatus newVarNearest(const int32_t* means, const int32_t* squares, int32_t* destination, int32_t length, float a, float b,
                                int32_t scaleFactor) {
   if (EnvironmentGuard::isCallersNearest()) {

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cfloat>
+#include <cfenv>
 #include <cmath>
 #include <functional>
 #include <type_traits>
@@ -185,6 +186,32 @@ TEST(NewVar, IntegersOutOfRangeSaturateOnBoundariesAndWrapElsewhere) {
   EXPECT_EQ(result[0], 0);
   ASSERT_EQ(qorsNewVar_32s_Sfs(means + 1, squares, result, 1, NAN, 1.0F, 0), qorStatusOk);
   EXPECT_EQ(result[0], INT32_MIN);
+}
+
+TEST(NewVar, VariancesOfIntegersFollowTheCallersModeAndAreRoundedToNearest) {
+  kit::Random random(33);
+  for (const int mode : {FE_TONEAREST, FE_TOWARDZERO, FE_UPWARD, FE_DOWNWARD}) {
+    for (const int32_t length : {1, 7, 13, 255, 256, 257, 600}) {
+      const auto means = random.vector<int32_t>(length), squares = random.vector<int32_t>(length);
+      const kit::Area<int32_t> m(means, kEven), q(squares, kEven), to(length, kOdd);
+      std::vector<int32_t> expected;
+      for (std::size_t i = 0; i < means.size(); ++i) {
+        std::fesetround(mode);
+        const volatile float mean = static_cast<float>(means[i]), square = static_cast<float>(squares[i]), a = 0.3F;
+        const volatile float product = mean * mean, scaled = product * a, rest = square - scaled, variance = rest * 1e-9F;
+        std::fesetround(FE_TONEAREST);
+        expected.push_back(model::convertScaled<int32_t>(variance, 1, -4));
+      }
+      std::fesetround(mode);
+      const QorStatus status = qorsNewVar_32s_Sfs(m.data(), q.data(), to.data(), length, 0.3F, 1e-9F, -4);
+      const QorStatus statusInPlace = qorsNewVar_32s_ISfs(m.data(), q.data(), length, 0.3F, 1e-9F, -4);
+      std::fesetround(FE_TONEAREST);
+      ASSERT_EQ(status, qorStatusOk);
+      ASSERT_EQ(statusInPlace, qorStatusOk);
+      ASSERT_BITS(to.values(), expected) << "mode " << mode << " length " << length;
+      ASSERT_BITS(q.values(), expected) << "in place, mode " << mode << " length " << length;
+    }
+  }
 }
 
 TEST(NewVar, MayBeNegative) {
