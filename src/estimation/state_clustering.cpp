@@ -5,19 +5,19 @@ using namespace qorsr;
 
 QorStatus qorsDcsClustLAccumulate_32f(const float* mean, const float* variance, float* sum, float* squares, int32_t length,
                                       float occupancy) {
-  return accumulateInverse<float>({mean, variance, sum, squares, occupancy}, length);
+  return accumulateInverse(mean, variance, sum, squares, length, occupancy);
 }
 QorStatus qorsDcsClustLAccumulate_64f(const double* mean, const double* variance, double* sum, double* squares, int32_t length,
                                       double occupancy) {
-  return accumulateInverse<double>({mean, variance, sum, squares, occupancy}, length);
+  return accumulateInverse(mean, variance, sum, squares, length, occupancy);
 }
 QorStatus qorsDcsClustLAccumulate_DirectVar_32f(const float* mean, const float* variance, float* sum, float* squares,
                                                 int32_t length, float occupancy) {
-  return accumulateDirect<float>({mean, variance, sum, squares, occupancy}, length);
+  return accumulateDirect(mean, variance, sum, squares, length, occupancy);
 }
 QorStatus qorsDcsClustLAccumulate_DirectVar_64f(const double* mean, const double* variance, double* sum, double* squares,
                                                 int32_t length, double occupancy) {
-  return accumulateDirect<double>({mean, variance, sum, squares, occupancy}, length);
+  return accumulateDirect(mean, variance, sum, squares, length, occupancy);
 }
 
 QorStatus qorsDcsClustLCompute_32f64f(const float* sum, const float* squares, int32_t length, double* result, float occupancy) {

@@ -10,7 +10,7 @@
 //   A Tail reads and writes its first n elements only; lanes beyond hold the fill value.
 //
 // The headers of lanes/ are the only ones that know the instruction level. Kernels include this one for the usual verbs, and one of
-// words.h, rounding.h, units.h, order.h for special ones.
+// words.h, rounding.h, order.h for special ones.
 #pragma once
 
 #include "frame/lanes/integers.h"  // IWYU pragma: export
