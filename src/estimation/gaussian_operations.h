@@ -182,7 +182,7 @@ inline Lanes<T, N> perturbation(const Lanes<T, N>& variance, T factor) {
 
 template <class T, class Perturbation>
 void splitElements(T* mean, const T* variance, T* mean2, T* variance2, int32_t length, Perturbation of) {
-  coverColumnsOnce<T, kNativeLanes<T>>(
+  coverColumnsOnce<T, kOneRegister<T>>(
       length, [&](int32_t i, auto n) __attribute__((always_inline)) {
         using L = Lanes<T, n>;
         const L v = L::load(variance + i), m = L::load(mean + i), e = of(v);

@@ -62,7 +62,7 @@ bool feedsItself(const T* destination, const T* source, int32_t length) {
 // once: the next call's loads would wait for stores that overlap.
 template <class T, class Body>
 inline void coverInPlace(int32_t length, bool oneByOne, const Body& body) {
-  if (!oneByOne) return coverColumnsOnce<T, kNativeLanes<T>>(length, body);
+  if (!oneByOne) return coverColumnsOnce<T, kOneRegister<T>>(length, body);
   for (int32_t i = 0; i < length; ++i) body(i, LaneCount<1>());
 }
 
@@ -70,7 +70,7 @@ inline void coverInPlace(int32_t length, bool oneByOne, const Body& body) {
 // at v3 without (re_estimation).
 template <class T, class At>
 [[gnu::always_inline]] inline void storeElements(T* destination, int32_t length, const At& at) {
-  coverLastFirst<T, kNativeLanes<T>>(length, at, [=](int32_t i, const auto& result) { result.store(destination + i); });
+  coverLastFirst<T>(length, at, [=](int32_t i, const auto& result) { result.store(destination + i); });
 }
 
 // ---- Checks of an update: pointers, length, then every occupancy against zero, then every one against what can be divided by ----
@@ -174,7 +174,7 @@ inline Lanes<float, N> newVarInFloat(const T* means, const T* squares, float a, 
 
 inline QorStatus newVarInPlace(const float* means, float* squares, int32_t length, float a, float b) {
   if (QorStatus bad = Checks().null(means, squares).size(length)) return bad;
-  coverColumnsOnce<float, kNativeLanes<float>>(
+  coverColumnsOnce<float, kOneRegister<float>>(
       length, [=](int32_t i, auto n) { newVarInFloat<n>(means + i, squares + i, a, b).store(squares + i); });
   return qorStatusOk;
 }
@@ -230,7 +230,7 @@ inline QorStatus newVarScaled(const int32_t* means, const int32_t* squares, int3
 template <class T>
 QorStatus meanVarAcc(const T* source, const T* mean, T* accumulatedMean, T* accumulatedVariance, int32_t length, T weight) {
   if (QorStatus bad = Checks().null(source, mean, accumulatedMean, accumulatedVariance).size(length)) return bad;
-  coverColumnsOnce<T, kNativeLanes<T>>(length, [=](int32_t i, auto n) {
+  coverColumnsOnce<T, kOneRegister<T>>(length, [=](int32_t i, auto n) {
     using L = Lanes<T, n>;
     const L d = L::load(source + i) - L::load(mean + i), e = d * L(weight);
     (L::load(accumulatedMean + i) + e).store(accumulatedMean + i);

@@ -38,7 +38,7 @@ struct Statistics {
 // DcsClustLAccumulate 32f, 39 elements).
 template <class T, class At>
 [[gnu::always_inline]] inline void storeStatistics(T* sum, T* squares, int32_t length, const At& at) {
-  coverLastFirst<T, kNativeLanes<T>>(length, at, [=](int32_t i, const auto& statistics) {
+  coverLastFirst<T>(length, at, [=](int32_t i, const auto& statistics) {
     statistics.sum.store(sum + i);
     statistics.squares.store(squares + i);
   });

@@ -43,11 +43,22 @@ inline void coverFrom(int32_t column, int32_t width, const Body& body) {
   }
 }
 
+// At most `Most` columns, each alone. Written out, since compilers take such a loop for a long one: 1.2 at SSE3 (re_estimation,
+// MeanVarAcc 32f, 39 elements).
+template <int Most, class Body>
+inline void coverSingles(int32_t column, int32_t width, const Body& body) {
+  if constexpr (Most > 0) {
+    if (column == width) return;
+    body(column, LaneCount<1>());
+    coverSingles<Most - 1>(column + 1, width, body);
+  }
+}
+
 // Fewer than 2 N columns, none twice.
 template <class T, int N, class Body>
 inline void coverRestOnce(int32_t column, int32_t width, const Body& body) {
   if constexpr (N == 1) {
-    for (; column < width; ++column) body(column, LaneCount<1>());
+    coverSingles<16 / static_cast<int>(sizeof(T)) - 1>(column, width, body);
   } else {
     if (width - column >= N) {
       body(column, LaneCount<N>());
