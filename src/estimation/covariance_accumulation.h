@@ -12,6 +12,7 @@
 #include <cstdint>
 
 #include "frame/checks.h"
+#include "frame/chunks.h"
 #include "frame/column_blocks.h"
 #include "frame/lanes.h"
 #include "frame/memory.h"
@@ -89,10 +90,9 @@ QorStatus accCovarianceMatrix(Rows rows, int32_t height, const T* mean, Matrix r
   const int32_t run = std::max(kLeastRun, kRunElements / width);
   Scratch<double, kRunElements> d(int64_t{run} * width);
   if (!d) return qorStatusNoMemory;
-  for (int64_t first = 0; first < height; first += run) {  // the sum may pass 32 bits
-    const auto count = static_cast<int32_t>(std::min<int64_t>(run, height - first));
-    for (int32_t r = 0; r < count; ++r) differences(rows[first + r], mean, d.get() + int64_t{r} * width, width);
-    addRun(d.get(), count, width, result);
+  for (const Chunk chunk : chunksOf(height, run)) {
+    for (int32_t r = 0; r < chunk.count; ++r) differences(rows[chunk.first + r], mean, d.get() + int64_t{r} * width, width);
+    addRun(d.get(), chunk.count, width, result);
   }
   scaleAndMirror(result, width, factor);
   return qorStatusOk;

@@ -10,9 +10,11 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 #include <limits>
 
 #include "frame/checks.h"
+#include "frame/chunks.h"
 #include "frame/column_blocks.h"
 #include "frame/elementary.h"
 #include "frame/lanes.h"
@@ -60,17 +62,14 @@ class Pooling {
   template <class Use>
   void forEachChunk(int32_t length, Use use) const {
     double means[kChunk], variances[kChunk];
-    for (int32_t first = 0; first < length; first += kChunk) {
-      const int32_t count = length - first < kChunk ? length - first : kChunk;
-      coverColumns<double>(
-          count, [&](int32_t i, auto n) __attribute__((always_inline)) {
-            Lanes<double, n> mean, variance;
-            at<n>(int64_t{first} + i, mean, variance);
-            mean.store(means + i);
-            variance.store(variances + i);
-          });
-      if (!use(first, count, means, variances)) return;
-      if (length - first <= kChunk) return;  // first + kChunk may not be a 32-bit number
+    for (const Chunk chunk : chunksOf(length, kChunk)) {
+      coverColumns<double>(chunk.count, [&](int32_t i, auto n) {
+        Lanes<double, n> mean, variance;
+        at<n>(int64_t{chunk.first} + i, mean, variance);
+        mean.store(means + i);
+        variance.store(variances + i);
+      });
+      if (!use(chunk.first, chunk.count, means, variances)) return;
     }
   }
 
@@ -131,11 +130,10 @@ inline QorStatus mergeElements(const Pooling<float>& pooling, int32_t length, fl
     int32_t end = status == qorStatusOk ? count : 0;
     while (end < count && !(variances[end++] <= 0.0)) {
     }
-    coverColumns<float>(
-        end, [&](int32_t i, auto n) __attribute__((always_inline)) {
-          as<float>(Lanes<double, n>::load(means + i)).store(mean + first + i);
-          as<float>(Lanes<double, n>::load(variances + i)).store(variance + first + i);
-        });
+    coverColumns<float>(end, [=](int32_t i, auto n) {
+      as<float>(Lanes<double, n>::load(means + i)).store(mean + first + i);
+      as<float>(Lanes<double, n>::load(variances + i)).store(variance + first + i);
+    });
     return status == qorStatusOk;
   });
   logs = -sum.value();
@@ -182,14 +180,13 @@ inline Lanes<T, N> perturbation(const Lanes<T, N>& variance, T factor) {
 
 template <class T, class Perturbation>
 void splitElements(T* mean, const T* variance, T* mean2, T* variance2, int32_t length, Perturbation of) {
-  coverColumnsOnce<T, kOneRegister<T>>(
-      length, [&](int32_t i, auto n) __attribute__((always_inline)) {
-        using L = Lanes<T, n>;
-        const L v = L::load(variance + i), m = L::load(mean + i), e = of(v);
-        (m - e).store(mean2 + i);
-        (m + e).store(mean + i);
-        v.store(variance2 + i);
-      });
+  coverColumnsOnce<T, kOneRegister<T>>(length, [=](int32_t i, auto n) {
+    using L = Lanes<T, n>;
+    const L v = L::load(variance + i), m = L::load(mean + i), e = of(v);
+    (m - e).store(mean2 + i);
+    (m + e).store(mean + i);
+    v.store(variance2 + i);
+  });
 }
 
 // required: root and product in float where all four vectors are on 16-byte boundaries, in double elsewhere.

@@ -11,12 +11,12 @@
 // register at a time: the loops wait for memory.
 #pragma once
 
-#include <algorithm>
 #include <cstdint>
 #include <limits>
 
 #include "frame/bits.h"
 #include "frame/checks.h"
+#include "frame/chunks.h"
 #include "frame/column_blocks.h"
 #include "frame/convert.h"
 #include "frame/environment.h"
@@ -203,11 +203,10 @@ inline QorStatus newVarNearest(const int32_t* means, const int32_t* squares, int
   }
   constexpr int32_t kChunk = 256;
   float variances[kChunk];
-  for (int64_t first = 0; first < length; first += kChunk) {
-    const auto count = static_cast<int32_t>(std::min<int64_t>(length - first, kChunk));
-    storeElements(variances, count,
-                  [=](int32_t i, auto n) { return newVarInFloat<n>(means + first + i, squares + first + i, a, b); });
-    convertFloats(variances, destination + first, count, kNearestEven, scaleFactor);
+  for (const Chunk chunk : chunksOf(length, kChunk)) {
+    const int32_t *const m = means + chunk.first, *const s = squares + chunk.first;
+    storeElements(variances, chunk.count, [=](int32_t i, auto n) { return newVarInFloat<n>(m + i, s + i, a, b); });
+    convertFloats(variances, destination + chunk.first, chunk.count, kNearestEven, scaleFactor);
   }
   return qorStatusOk;
 }

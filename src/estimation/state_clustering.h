@@ -12,12 +12,12 @@
 // The logarithms of the likelihood are summed by SumOfLogs.
 #pragma once
 
-#include <algorithm>
 #include <bit>
 #include <cstdint>
 #include <limits>
 
 #include "frame/checks.h"
+#include "frame/chunks.h"
 #include "frame/column_blocks.h"
 #include "frame/elementary.h"
 #include "frame/lanes.h"
@@ -26,7 +26,7 @@
 
 namespace qorsr {
 
-inline constexpr double kClusterLog2Pi = std::bit_cast<double>(uint64_t{0x3FFD67F1C864BEB5});  // required
+inline constexpr double kClusterLogTwoPi = std::bit_cast<double>(uint64_t{0x3FFD67F1C864BEB5});  // required
 inline constexpr double kNoLikelihood = -1.0e10;
 
 template <class L>
@@ -145,14 +145,14 @@ template <class T>
 QorStatus sumOfSpreads(const T* sum, const T* squares, int32_t length, double occupancy, double& result) {
   double d[SumOfLogs::kRun];
   SumOfLogs logs;
-  for (int64_t first = 0; first < length; first += SumOfLogs::kRun) {
-    const auto count = static_cast<int32_t>(std::min<int64_t>(length - first, SumOfLogs::kRun));
-    coverColumns<double>(count, [=, &d](int32_t i, auto n) {
+  for (const Chunk chunk : chunksOf(length, SumOfLogs::kRun)) {
+    const T *const x = sum + chunk.first, *const xx = squares + chunk.first;
+    coverColumns<double>(chunk.count, [=, &d](int32_t i, auto n) {
       using L = Lanes<double, n>;
-      const L x = loadAs<double, n>(sum + first + i);
-      (loadAs<double, n>(squares + first + i) * L(occupancy) - x * x).store(d + i);
+      const L s = loadAs<double, n>(x + i);
+      (loadAs<double, n>(xx + i) * L(occupancy) - s * s).store(d + i);
     });
-    if (QorStatus warning = addPastNan(logs, d, count)) return warning;
+    if (QorStatus warning = addPastNan(logs, d, chunk.count)) return warning;
   }
   result = logs.value();
   return qorStatusOk;
@@ -164,7 +164,7 @@ QorStatus clusterLikelihood(const T* sum, const T* squares, int32_t length, doub
     return bad;
   *result = kNoLikelihood;
   if (occupancy == 0.0) return qorStatusZeroOccupancy;
-  const double logOccupancy = log(occupancy), constant = length * ((logOccupancy - 1.0 - kClusterLog2Pi) + logOccupancy);
+  const double logOccupancy = log(occupancy), constant = length * ((logOccupancy - 1.0 - kClusterLogTwoPi) + logOccupancy);
   double logs;
   if (QorStatus warning = sumOfSpreads(sum, squares, length, occupancy, logs)) {
     *result = warning == qorStatusLogZero ? -std::numeric_limits<double>::infinity() : kLogOfNegative<double>;
