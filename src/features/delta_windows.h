@@ -10,7 +10,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <type_traits>
 #include <utility>
 
 #include "features/delta_arithmetic.h"
@@ -73,17 +72,10 @@ struct WindowMember {
 
   // Rows `from` to `to` - 1, source row 0 belonging to row `first`: each new row completes a delta and an acceleration before it.
   void steady(std::ptrdiff_t first, std::ptrdiff_t from, std::ptrdiff_t to) const {
-    const bool lastApart = kLastApart && width % kWidest == 1 && width > kWidest && to - from >= kWidest;
-    coverColumns<T, kWidest>(width - (lastApart ? 1 : 0), [&](int32_t c, auto n) { columns<n>(c, first, from, to); });
-    if constexpr (kLastApart) {
-      if (lastApart) lastColumn(first, from, to);
-    }
+    coverColumns<T, kWidest>(width, [&](int32_t c, auto n) { columns<n>(c, first, from, to); });
   }
 
  private:
-  // A column alone is taken by registers of rows where the additions are the limit: all lanes of a narrow row's registers are needed.
-  static constexpr bool kLastApart = std::is_same_v<T, float> && kWidest == 4 && kReach == 2;
-
   template <int N>
   [[gnu::always_inline]] void columns(int32_t c, std::ptrdiff_t first, std::ptrdiff_t from, std::ptrdiff_t to) const {
     constexpr LaneCount<N> n{};
@@ -114,34 +106,6 @@ struct WindowMember {
       outDelta += pitch;
     };
     repeatWrittenOut(to - from, nextRow, std::make_integer_sequence<int, kSpan>());
-  }
-
-  void lastColumn(std::ptrdiff_t first, std::ptrdiff_t from, std::ptrdiff_t to) const {
-    const std::ptrdiff_t w = width, pitch = step;
-    const int32_t c = width - 1;
-    const auto rowsOf = [](const T* p, std::ptrdiff_t by) { return Lanes<T, 4>::of(p[0], p[by], p[2 * by], p[3 * by]); };
-    const auto put = [pitch](const Lanes<T, 4>& x, T* p) {
-      for (int k = 0; k < 4; ++k) p[k * pitch] = x.part[0][k];
-    };
-    const auto slope = [](const Lanes<T, 4>& before, const Lanes<T, 4>& x) {
-      return Window::slope({before, shiftIn<3>(before, x), shiftIn<2>(before, x), shiftIn<1>(before, x), x});
-    };
-    const Lanes<T, 4> factor0(factorOf<0, 1>(c).part[0]), factor1(factorOf<1, 1>(c).part[0]), factor2(factorOf<2, 1>(c).part[0]);
-    const T* in = source + (from - first) * w + c;
-    T* out = destination + from * pitch + c;
-    T *outDelta = out - kReach * pitch + w, *outAcceleration = outDelta - kReach * pitch + w;
-    Lanes<T, 4> x = rowsOf(out - 4 * pitch, pitch), d(T(0));
-    if constexpr (kCount == 2) d = rowsOf(outDelta - 4 * pitch, pitch);
-    for (; to - from >= 4; from += 4, in += 4 * w, out += 4 * pitch, outDelta += 4 * pitch, outAcceleration += 4 * pitch) {
-      const Lanes<T, 4> newest = feature(rowsOf(in, w), factor0);
-      put(newest, out);
-      const Lanes<T, 4> delta = arithmetic.scaled(slope(x, newest), factor1);
-      put(delta, outDelta);
-      if constexpr (kCount == 2) put(arithmetic.scaled(slope(d, delta), factor2), outAcceleration);
-      x = newest;
-      d = delta;
-    }
-    if (from < to) columns<1>(c, first, from, to);
   }
 
   // Rows of a derivative whose window is limited to rows 0 to `last`.
