@@ -3,8 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include <cfloat>
 #include <cfenv>
+#include <cfloat>
 #include <cmath>
 #include <functional>
 #include <type_traits>
