@@ -984,9 +984,9 @@ QORSR_API QorStatus qorsBuildSignTable_Var_8u1u(const int32_t* indices, const in
  *
  *  | | inverse variances | `IdVar` | `DirectVar` | `BlockDVar` |
  *  |---|---|---|---|---|
- *  | `32f` | 2.2e-7 | 1.7e-7 | 2.5e-7 | 9e-8 |
- *  | `64f` | 4.3e-16 | 3.2e-16 | 4.9e-16 | 1.2e-16 |
- *  | `32f64f` | 3.7e-16 | | | |
+ *  | `32f` | 2.6e-7 | 1.7e-7 | 2.1e-7 | 9e-8 |
+ *  | `64f` | 4.8e-16 | 3.2e-16 | 5.8e-16 | 1.2e-16 |
+ *  | `32f64f` | 5.1e-16 | | | |
  *  | `16s32s`, `Scaled_16s32f` | 2.8e-7 | | | |
  *
  *  A `Low` score, where nothing wraps, lies above the exact one by v * 2^-(sf + 1) for each odd difference, and less than 8 below.

@@ -32,7 +32,7 @@ std::vector<T> positive(kit::Random& random, int32_t count, bool denormals) {
   const int low = std::numeric_limits<T>::min_exponent - (denormals ? 15 : 0), high = std::numeric_limits<T>::max_exponent - 1;
   std::vector<T> v;
   for (int32_t i = 0; i < count; ++i) {
-    v.push_back(static_cast<T>(std::ldexp(random.real(1.0, 2.0), static_cast<int>(random.integer(low, high)))));
+    v.push_back(static_cast<T>(random.scaled(1, 2, low, high)));
   }
   return v;
 }

@@ -45,6 +45,13 @@ class Random {
     return low + (high - low) * unit;
   }
 
+  // Uniform from low to high, times a power of two from 2^first to 2^last: numbers of many magnitudes. One after the other, since the
+  // order in which a call's arguments are evaluated is the compiler's.
+  double scaled(double low, double high, int first, int last) {
+    const double factor = real(low, high);
+    return std::ldexp(factor, static_cast<int>(integer(first, last)));
+  }
+
   // A plain value: features around zero for reals, the whole range for integers.
   template <class T>
   T plain() {

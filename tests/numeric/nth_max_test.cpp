@@ -37,7 +37,7 @@ std::vector<T> elements(kit::Random& random, int32_t length, Data data) {
     const T any = data == Data::kNasty ? random.nasty<T>() : random.plain<T>();
     const auto few = static_cast<T>(random.integer(-2, 2));
     const auto ramp = static_cast<T>(data == Data::kRising ? i : length - i);
-    const auto small = static_cast<T>(std::ldexp(random.real(-1, 1), static_cast<int>(random.integer(-60, 30))));
+    const auto small = static_cast<T>(random.scaled(-1, 1, -60, 30));
     v.push_back(data == Data::kFewValues                          ? few
                 : data == Data::kRising || data == Data::kFalling ? ramp
                 : data == Data::kEqual                            ? T(7)
