@@ -6,6 +6,7 @@
 
 #include <bit>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <type_traits>
 
@@ -65,6 +66,12 @@ template <class Int, class Real>
 constexpr Int truncateOrLowest(Real value) {
   constexpr Real kLow = static_cast<Real>(std::numeric_limits<Int>::min());  // a power of two, exact in every type
   return value >= kLow && value < -kLow ? static_cast<Int>(value) : std::numeric_limits<Int>::min();
+}
+
+// Writes a number where the memory may belong to an array of another type.
+template <class T>
+inline void storeBits(T value, void* at) {
+  std::memcpy(at, &value, sizeof(T));
 }
 
 // 2^-n. As a float, n is limited to -128 (infinity) to 150 (zero); denormal from 127 on. As a double, to -1024 (infinity) to 1087

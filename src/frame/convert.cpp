@@ -1,6 +1,8 @@
 #include "frame/convert.h"
 
 #include <algorithm>
+#include <bit>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <type_traits>
@@ -13,9 +15,17 @@
 namespace qorsr {
 namespace {
 
-constexpr int kBlock = 8;
-using Reals = Lanes<float, kBlock>;
-using Integers = Lanes<int32_t, kBlock>;
+constexpr int kLanes = 8;
+using Reals = Lanes<float, kLanes>;
+using Integers = Lanes<int32_t, kLanes>;
+
+// The magnitude of a with the sign of b.
+Reals copySign(const Reals& a, const Reals& b) {
+  using Bits = native::Vector<int32_t, Reals::kPart>;
+  return Reals::each(a, b, [](auto x, auto y) {
+    return std::bit_cast<decltype(x)>((std::bit_cast<Bits>(x) & INT32_MAX) | (std::bit_cast<Bits>(y) & INT32_MIN));
+  });
+}
 
 struct NearestEven {  // the guard has set the rounding mode
   static Reals biased(const Reals& value) { return value; }
@@ -33,7 +43,7 @@ struct NearestAway {
 struct To16 {
   using Result = int16_t;
   template <class Mode>
-  static Lanes<int16_t, kBlock> convert(const Reals& value) {
+  static Lanes<int16_t, kLanes> convert(const Reals& value) {
     const Reals limited = max(min(value, Reals(32767.0F)), Reals(-32768.0F));
     const Integers whole = Mode::toIntegers(Mode::biased(limited));
     return saturated(lowerHalf(whole), upperHalf(whole));
@@ -55,11 +65,11 @@ QORSR_IN_GUARDED_MODE void convertAll(const float* source, typename To::Result* 
   const Reals multiplier(twoToMinus<float>(sf));
   const auto block = [&](const Reals& x) { return To::template convert<Mode>(zeroWhereNaN(x * multiplier)); };
   int32_t i = 0;
-  for (; i <= length - kBlock; i += kBlock) block(Reals::load(source + i)).store(destination + i);
+  for (; i <= length - kLanes; i += kLanes) block(Reals::load(source + i)).store(destination + i);
   if (i == length) return;
   const auto rest = static_cast<std::size_t>(length - i);
-  float padded[kBlock] = {};
-  typename To::Result results[kBlock];
+  float padded[kLanes] = {};
+  typename To::Result results[kLanes];
   std::memcpy(padded, source + i, rest * sizeof(float));
   block(Reals::load(padded)).store(results);
   std::memcpy(destination + i, results, rest * sizeof(results[0]));

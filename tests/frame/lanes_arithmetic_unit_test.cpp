@@ -198,17 +198,14 @@ template <class T, int N>
 void expectJoinsOfFour() {
   kit::Random random(N);
   for (int round = 0; round < kRounds; ++round) {
-    std::vector<T> set[4], joins, fours;
+    std::vector<T> set[4], joins;
     Lanes<T, N> x[4];
     for (int i = 0; i < 4; ++i) {
       set[i] = random.vector<T>(N, std::is_integral_v<T> ? kit::Random::kSmall : kit::kKinds[round % 3]);
       x[i] = lanesOf<T, N>(set[i]);
       joins.push_back(joinHalves(x[i]));
-      const auto four = valuesOf(joinedTo<4>(x[i]));
-      fours.insert(fours.end(), four.begin(), four.end());
     }
     ASSERT_BITS(valuesOf(joinHalves(x[0], x[1], x[2], x[3])), joins) << N;
-    ASSERT_BITS(valuesOf(foldToFours(x[0], x[1], x[2], x[3])), fours) << N;
     if constexpr (N == 4 && std::is_same_v<T, float>) {
       const Transposed turned = transposed(x[0], x[1], x[2], x[3]);
       for (std::size_t j = 0; j < 4; ++j) {

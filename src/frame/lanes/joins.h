@@ -63,12 +63,6 @@ inline Lanes<T, N / G * M> foldedSets(const Lanes<T, N>& sets) {
   }
 }
 
-// The sets one behind the other, each joined by halves to four lanes.
-template <class T, int N>
-inline Lanes<T, 16> foldToFours(const Lanes<T, N>& a, const Lanes<T, N>& b, const Lanes<T, N>& c, const Lanes<T, N>& d) {
-  return foldedSets<N, 4>(concatenated(concatenated(a, b), concatenated(c, d)));
-}
-
 // Four sets of four lanes, one behind the other: lane i of the result is joinHalves of lanes 4i to 4i + 3. In registers of several
 // sets no lane leaves its set before the last step: such shuffles are the cheap ones.
 template <class T>
@@ -90,10 +84,11 @@ inline Lanes<T, 4> joinFours(const Lanes<T, 16>& sets) {
 // Lane i of the result is joinHalves of set i.
 template <class T, int N>
 inline Lanes<T, 4> joinHalves(const Lanes<T, N>& a, const Lanes<T, N>& b, const Lanes<T, N>& c, const Lanes<T, N>& d) {
+  const auto sets = concatenated(concatenated(a, b), concatenated(c, d));
   if constexpr (sizeof(T) == 4) {
-    return joinFours(foldToFours(a, b, c, d));
+    return joinFours(foldedSets<N, 4>(sets));
   } else {
-    return foldedSets<N, 1>(concatenated(concatenated(a, b), concatenated(c, d)));
+    return foldedSets<N, 1>(sets);
   }
 }
 

@@ -5,9 +5,8 @@
 #pragma once
 
 #include <bit>
+#include <cstddef>
 #include <cstdint>
-#include <limits>
-#include <utility>
 
 #include "frame/lanes.h"
 
@@ -104,16 +103,6 @@ requires(N > 4 && N == kNativeLanes<double>) inline Lanes<int32_t, N> truncated(
   Lanes<int32_t, N> v;
   v.part[0] = native::truncated(a.part[0]);
   return v;
-}
-
-// The magnitude of a with the sign of b.
-template <int N>
-inline Lanes<float, N> copySign(const Lanes<float, N>& a, const Lanes<float, N>& b) {
-  using L = Lanes<float, N>;
-  using Bits = native::Vector<int32_t, L::kPart>;
-  return L::each(a, b, [](auto x, auto y) {
-    return std::bit_cast<decltype(x)>((std::bit_cast<Bits>(x) & INT32_MAX) | (std::bit_cast<Bits>(y) & INT32_MIN));
-  });
 }
 
 // 0 in place of a NaN.

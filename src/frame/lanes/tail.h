@@ -23,16 +23,6 @@ struct WholePart {
   }
 };
 
-// Calls f(part) for every native register of Lanes<T, N>. Kernels that keep many lanes work register by register, so that what they
-// load need not wait in registers of its own.
-template <class T, int N, int Index = 0, class F>
-[[gnu::always_inline]] inline void forWholeParts(const F& f) {
-  if constexpr (Index < Lanes<T, N>::kParts) {
-    f(WholePart<T, N, Index>());
-    forWholeParts<T, N, Index + 1>(f);
-  }
-}
-
 // Made once a call, used once a row. Reads and writes nothing beyond element n - 1.
 template <class T, int N>
 class Tail {
@@ -49,8 +39,8 @@ class Tail {
     return v;
   }
 
-  // Calls f(part), as forWholeParts does, for each native register that holds one of the n elements; part.load(p) puts zeros (or
-  // `fill`) behind the end. Registers beyond the end cost nothing, and whole ones do not pay for what the last one needs.
+  // Calls f(part) for each native register that holds one of the n elements; part.load(p) puts zeros (or `fill`) behind the end.
+  // Registers beyond the end cost nothing, and whole ones do not pay for what the last one needs.
   template <class F>
   [[gnu::always_inline]] void forParts(F f) const {
     forPartsFrom<0>(f);
