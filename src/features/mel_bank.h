@@ -13,7 +13,9 @@
 #include <cstdint>
 
 #include "features/filter_bank.h"
+#include "features/filter_bank_plan.h"
 #include "frame/bits.h"
+#include "frame/checks.h"
 #include "frame/convert.h"
 #include "frame/elementary.h"
 
@@ -190,6 +192,92 @@ void fillMixedBank(Bank* bank, const MelSpec& spec, LinearPart linear, Transform
       limitAtZero(view, k);
     }
   }
+}
+
+// ---- Family bodies ----
+
+inline bool validFlags(int32_t flags) {
+  const int32_t shape = flags & ~qorFBankTransform;
+  return shape == qorFBankMelShaped || shape == qorFBankIndexShaped;
+}
+inline bool below(float a, float b) { return a < b; }  // a NaN passes every test
+inline bool notAboveZero(float a) { return a <= 0.0F; }
+
+// A comparison in float, as the arguments come.
+inline bool halfIsBelow(float sampleFrequency, float high) { return sampleFrequency * 0.5F < high; }
+
+template <class Bank>
+QorStatus melBankSize(int32_t length, int32_t n, int32_t flags, int32_t* size) {
+  const bool withTransform = (flags & qorFBankTransform) != 0;
+  if (QorStatus bad =
+          Checks()
+              .null(size)
+              .size(length, n)
+              .require(validFlags(flags), qorStatusBadFBankFlag)
+              .require([&] { return filterBankFits<Bank>(n, transformSize(length), withTransform); }, qorStatusBadSize)) {
+    return bad;
+  }
+  *size = static_cast<int32_t>(filterBankBytes<Bank>(n, transformSize(length), withTransform));
+  return qorStatusOk;
+}
+
+// State is what the caller gives: a block, or a pointer to the state's pointer.
+template <class State>
+QorStatus checkMelBank(State* state, const int32_t* order, int32_t length, const MelSpec& spec) {
+  return Checks()
+      .null(state, order)
+      .size(length, spec.filterCount)
+      .require(!notAboveZero(spec.sampleFrequency) && !notAboveZero(spec.low), qorStatusBadSize)
+      .require(!below(spec.high, spec.low), qorStatusBadFBankFrequency)
+      .require(!halfIsBelow(spec.sampleFrequency, spec.high), qorStatusBadFBankFrequency)
+      .require(validFlags(spec.flags), qorStatusBadFBankFlag);
+}
+
+template <class Bank>
+QorStatus initMelBank(Bank* state, int32_t* order, int32_t length, const MelSpec& spec) {
+  const TransformSize size = transformSize(length);
+  if (QorStatus bad = checkMelBank(state, order, length, spec)) return bad;
+  if (!filterBankFits<Bank>(spec.filterCount, size, spec.withTransform())) return qorStatusBadSize;
+  *order = size.order;
+  placeFilterBank(state, spec.filterCount, size, spec.withTransform());
+  fillMelBank(state, spec, size);
+  planEvaluation(state);
+  return qorStatusOk;
+}
+
+template <class Bank>
+QorStatus allocateMelBank(Bank** state, int32_t* order, int32_t length, const MelSpec& spec) {
+  const TransformSize size = transformSize(length);
+  if (QorStatus bad = checkMelBank(state, order, length, spec)) return bad;
+  *order = size.order;
+  Bank* bank = allocateFilterBank<Bank>(spec.filterCount, size, spec.withTransform());
+  if (bank == nullptr) return qorStatusNoMemory;
+  fillMelBank(bank, spec, size);
+  planEvaluation(bank);
+  *state = bank;
+  return qorStatusOk;
+}
+
+template <class Bank>
+QorStatus allocateMixedBank(Bank** state, int32_t* order, int32_t length, const MelSpec& spec, LinearPart linear) {
+  if (QorStatus bad = Checks()
+                          .size(length, spec.filterCount)
+                          .require(!notAboveZero(spec.sampleFrequency) && !notAboveZero(spec.low), qorStatusBadSize)
+                          .require(linear.filterCount >= 1 && linear.filterCount <= spec.filterCount, qorStatusBadSize)
+                          .require(!below(linear.join, spec.low) && !below(spec.high, linear.join), qorStatusBadFBankFrequency)
+                          .require(!halfIsBelow(spec.sampleFrequency, spec.high), qorStatusBadFBankFrequency)
+                          .require(validFlags(spec.flags), qorStatusBadFBankFlag)
+                          .null(state, order)) {
+    return bad;
+  }
+  const TransformSize size = transformSize(length);
+  *order = size.order;
+  Bank* bank = allocateFilterBank<Bank>(spec.filterCount, size, spec.withTransform());
+  if (bank == nullptr) return qorStatusNoMemory;
+  fillMixedBank(bank, spec, linear, size);
+  planEvaluation(bank);
+  *state = bank;
+  return qorStatusOk;
 }
 
 }  // namespace qorsr

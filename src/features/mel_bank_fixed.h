@@ -10,11 +10,13 @@
 
 #include <bit>
 #include <cstdint>
+#include <cstring>
 
 #include "features/filter_bank.h"
 #include "features/filter_bank_plan.h"
 #include "features/mel_bank.h"
 #include "frame/bits.h"
+#include "frame/checks.h"
 
 namespace qorsr {
 
@@ -57,9 +59,8 @@ constexpr int64_t exponentialMinusOne(int64_t y) {
       u = (u * (0x80000000U + (uint64_t{1} << (31 - k)))) >> 31;
     }
   }
-  const int64_t shift = 9 - whole;  // u is at least 1: a left shift always reaches the limit
-  const int64_t value = shift < 0 ? kLimit32 : shiftRight(static_cast<int64_t>(u), shift);
-  return (value > kLimit32 ? kLimit32 : value) - kOneQ22;
+  const int64_t shift = 9 - whole;  // u is at least 1 and below 2: shifted right it keeps below the limit, else it reaches it
+  return (shift > 0 ? static_cast<int64_t>(u >> shift) : kLimit32) - kOneQ22;
 }
 
 // A fixed-point bank as its constructor takes it: whole hertz, Q15.
@@ -120,6 +121,46 @@ inline void fillFixedWeights(const BankView<int32_t>& bank) {
     forEachBin(bank.fallingSection(k), bank.falling(k),
                [&](int32_t& w, int64_t j) { w = static_cast<int32_t>(((high + 1 - j) << 30) / (high - top + 1)); });
   }
+}
+
+// ---- Family bodies ----
+
+constexpr bool within(int64_t value, int64_t low, int64_t high) { return value >= low && value <= high; }
+
+inline QorStatus fixedMelBankSize(int32_t length, int32_t filterCount, int32_t flags, int32_t* size) {
+  if (QorStatus bad = Checks()
+                          .null(size)
+                          .size(filterCount)
+                          .require(within(length, 32, 8192), qorStatusBadSize)
+                          .require(flags == qorFBankIndexShaped, qorStatusBadFBankFlag)
+                          .require([&] { return filterCount <= transformSize(length).length / 2; }, qorStatusBadSize)) {
+    return bad;
+  }
+  *size = static_cast<int32_t>(fixedBankBytes(filterCount, transformSize(length).length / 2));
+  return qorStatusOk;
+}
+
+inline QorStatus initFixedMelBank(FBankState_32s* state, int32_t* order, int32_t length, const FixedMelSpec& spec, int32_t flags) {
+  // required: one filter more is accepted here than where the size is asked for.
+  if (QorStatus bad =
+          Checks()
+              .null(state, order)
+              .size(spec.filterCount, spec.high)
+              .require(within(length, 32, 8192), qorStatusBadSize)
+              .require(flags == qorFBankIndexShaped, qorStatusBadFBankFlag)
+              .require(within(spec.sampleFrequency, 1, 48000) && spec.low >= 0, qorStatusBadSize)
+              .require(spec.high > spec.low && spec.high <= 24000, qorStatusBadFBankFrequency)
+              .require(within(spec.melDiv, 0x80001, 0xFFFFFFF) && within(spec.melMul, 0x80001, 0x3FFFFFFF), qorStatusBadArgument)
+              .require([&] { return spec.filterCount <= transformSize(length).length / 2 + 1; }, qorStatusBadSize)) {
+    return bad;
+  }
+  const TransformSize size = transformSize(length);
+  *order = size.order;
+  const auto bank = placeFixedBank(state, spec.filterCount, static_cast<int32_t>(size.length / 2));
+  fixedCenters(areaAt<int32_t>(state, state->centers), spec, size.length);
+  fillFixedWeights(bank);
+  planFixedBank(state);
+  return qorStatusOk;
 }
 
 }  // namespace qorsr

@@ -71,6 +71,25 @@ TEST(FilterBankPlan, SectionsOfEveryWidthAgreeInBits) {
   }
 }
 
+// The last centre may lie below the one before it: the last filter then has no falling side, and its rising side goes on.
+TEST(FilterBankPlan, ALastCentreThatFallsBackHidesNoBins) {
+  kit::Random random(9);
+  for (const auto& centers : std::vector<std::vector<int32_t>>{{1, 20, 12}, {1, 5, 30, 12}, {0, 3, 32, 31}, {2, 9, 11, 30, 3}}) {
+    const RandomBank bank(random, 64, centers, kit::Random::kPlain);
+    const banks::RandomBank<banks::Int16> whole(random, 64, centers, kit::Random::kSmall);
+    const auto x = random.vector<float>(33);
+    const auto x16 = random.vector<int16_t>(33);
+    std::vector<float> expected, result(centers.size() - 2);
+    std::vector<int32_t> expected16, result16(centers.size() - 2);
+    for (const auto& f : bank.filters) expected.push_back(model::evaluate(f, expected.empty(), x));
+    for (const auto& f : whole.filters) expected16.push_back(model::limited<int32_t>(model::evaluate16(f, x16, 0)));
+    ASSERT_EQ(qorsEvalFBank_32f(x.data(), result.data(), bank.state), qorStatusOk);
+    ASSERT_BITS(result, expected) << testing::PrintToString(centers);
+    ASSERT_EQ(qorsEvalFBank_16s32s_Sfs(x16.data(), result16.data(), whole.state, 0), qorStatusOk);
+    ASSERT_BITS(result16, expected16) << testing::PrintToString(centers);
+  }
+}
+
 // Filters that grow wider, as on a mel scale, with a NaN or an infinity in one bin: it reaches the filters over that bin and no
 // others.
 TEST(FilterBankPlan, AStrangeBinReachesItsFiltersAlone) {

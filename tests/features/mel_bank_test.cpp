@@ -265,6 +265,25 @@ struct Args {
 };
 constexpr Args kValid{true, true, 64, 5, 1, 2, 16000, 20, 8000, 1000};
 
+// What stands behind a section shows when the centres move apart.
+TYPED_TEST(MelBank, WeightsBehindASectionAreZero) {
+  constexpr int32_t kRising = 65, kFalling = 64;
+  for (const int32_t flags : {1, 2}) {
+    banks::Bank<TypeParam> bank;
+    ASSERT_EQ(make(bank, {256, 16000, 20, 8000, 1, 1127.01048F, 700, flags}), qorStatusOk);
+    int32_t centers[3];
+    ASSERT_EQ(TypeParam::getCenters(bank.state, centers), qorStatusOk);
+    const auto rising = static_cast<std::size_t>(centers[1] - centers[0] + 1);
+    std::vector<float> made(256), shown(kRising + kFalling);
+    ASSERT_EQ(TypeParam::getCoeffs(bank.state, 1, made.data()), qorStatusOk);
+    const int32_t apart[3] = {0, kRising - 1, 128};
+    ASSERT_EQ(TypeParam::setCenters(bank.state, apart), qorStatusOk);
+    ASSERT_EQ(TypeParam::getCoeffs(bank.state, 1, shown.data()), qorStatusOk);
+    for (std::size_t i = 0; i < kRising; ++i) ASSERT_BITS(shown[i], i < rising ? made[i] : 0.0F) << "rising " << i;
+    for (std::size_t i = 0; i < kFalling; ++i) ASSERT_BITS(shown[kRising + i], made[rising + i]) << "falling " << i;
+  }
+}
+
 template <class Kind, class Call>
 void expectFaults(Call call, bool inBlock, bool mixed) {
   alignas(64) static uint8_t block[8192];
