@@ -26,9 +26,44 @@
 #include "features/filter_bank_plan.h"
 #include "frame/bits.h"
 #include "frame/lanes.h"
-#include "frame/lanes/order.h"
 
 namespace qorsr {
+
+// ---- Lanes ----
+
+// Lane 0 from memory, zeros elsewhere.
+template <int N>
+inline Lanes<float, N> loadLane0(const float* p) {
+  Lanes<float, N> v(0.0F);
+  v.part[0] = typename Lanes<float, N>::Part{*p};
+  return v;
+}
+
+constexpr int behindLane0(int i, int n) { return i == 0 ? 0 : n + i; }
+
+// a, with 0 in lane 0.
+template <int N>
+inline Lanes<float, N> clearLane0(const Lanes<float, N>& a) {
+  return permuted<behindLane0>(Lanes<float, N>(0.0F), a);
+}
+
+// Lanes a3 b0 b1 b2. In two steps: of one shuffle GCC 12 makes more.
+inline Lanes<float, 4> movedByOne(const Lanes<float, 4>& a, const Lanes<float, 4>& b) {
+  const auto ends = __builtin_shufflevector(a.part[0], b.part[0], 3, 3, 4, 4);
+  Lanes<float, 4> v;
+  v.part[0] = __builtin_shufflevector(ends, b.part[0], 0, 2, 5, 6);
+  return v;
+}
+
+// Stores the first n < 4 lanes.
+inline void storeFirst(const Lanes<float, 4>& a, float* p, int32_t n) {
+  if (n >= 2) {
+    lowerHalf(a).store(p);
+    if (n == 3) p[2] = a.part[0][2];
+  } else if (n == 1) {
+    p[0] = a.part[0][0];
+  }
+}
 
 // ---- One filter, any centres ----
 
@@ -176,7 +211,7 @@ class PlannedEvaluation {
       high = windows<4>(group);
       for (int j = 0; j < 4; ++j) rising += weights(parts.longRows->rising[j]) * high.lane[j];
     }
-    Row falling = shiftIn(risen_, rising);
+    Row falling = movedByOne(risen_, rising);
     risen_ = rising;
     if constexpr (Kind >= GroupKind::kOneBlock) {
       for (int b = 0; b < blocks; ++b) falling += turned(sums.heads[b]).lane[0];

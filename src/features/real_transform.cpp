@@ -5,7 +5,6 @@
 
 #include "frame/elementary.h"
 #include "frame/lanes.h"
-#include "frame/lanes/order.h"
 #include "frame/memory.h"
 
 namespace qorsr {

@@ -26,8 +26,8 @@
 //   the first n lanes       Tail<T, N>(n).load(p, fill), .store(v, p)
 //   register by register    Tail::forParts, Lanes::each
 //
-// The headers of lanes/ are the only ones that know the instruction level. Kernels include this one for the usual verbs, and one of
-// the others for special ones.
+// The headers of lanes/ know the instruction level; so do a few kernels with a verb that is theirs alone. Kernels include this one for
+// the usual verbs, and rounding.h for floats that become integers.
 #pragma once
 
 #include "frame/lanes/integers.h"  // IWYU pragma: export

@@ -33,7 +33,7 @@ struct Columns {
 
 // sums[q] = sum over i below n of x[i] * (column q)[i], for Q columns that follow each other.
 template <int Q>
-inline void dotColumns(const double* x, const double* first, int64_t pitch, int32_t n, double* sums) {
+inline void columnDots(const double* x, const double* first, int64_t pitch, int32_t n, double* sums) {
   using L = Lanes<double, 4>;
   L lanes[Q];
   for (L& l : lanes) l = L(0.0);
@@ -79,7 +79,7 @@ struct Reflection {
 template <int Q, class FactorOf>
 inline void reflectColumns(const Columns& c, int32_t first, const Reflection& r, FactorOf factorOf) {
   double dots[Q];
-  dotColumns<Q>(r.left + r.dotFrom, c[first] + r.dotFrom, c.pitch, c.height - r.dotFrom, dots);
+  columnDots<Q>(r.left + r.dotFrom, c[first] + r.dotFrom, c.pitch, c.height - r.dotFrom, dots);
   for (double& t : dots) t = factorOf(t);
   coverColumnsOnce<double>(c.height - r.addFrom, [&](int32_t i, auto lanes) {
     using L = Lanes<double, lanes>;

@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "frame/lanes.h"
-#include "frame/lanes/order.h"
 #include "kit/compare.h"
 #include "kit/memory.h"
 #include "kit/random.h"
