@@ -2606,6 +2606,272 @@ QORSR_API QorStatus qorsReflectionToTilt_16s_Sfs(const int16_t* first, const int
 
 /* ---------------- Signal conditioning ---------------- */
 
+/** @defgroup offset_compensation Removal of an offset
+ *  A microphone's constant offset, removed from samples before features are made of them: by a recursive high-pass of first order,
+ *  which goes on from call to call, or by the mean of a whole recording.
+ *
+ *  **Filter** (`CompensateOffset`). With c the coefficient (0.999, say; the zero frequency is removed, the corner lies near
+ *  (1 - c) fs / (2 pi)):
+ *
+ *      y(n) = x(n) - x(n - 1) + c y(n - 1)
+ *
+ *  Pieces of a signal join without a seam where the caller carries two numbers: `before`, the last sample (0 at first), which each
+ *  call replaces by its own last one, and `result`, the last number of the piece before (0 at first), which is
+ *  destination[length - 1] of that call.
+ *
+ *  @warning `CompensateOffset_16s` is not the same in pieces: the first number of each call is truncated, all others are rounded.
+ *
+ *  **Mean** (`ZeroMean`). The mean is kept to half a unit, and results lie from -32767 to 32767.
+ *
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `source` | in | length | samples |
+ *  | `destination` | out | length | |
+ *  | `buffer` | in, out | length | samples, in place |
+ *  | `before` | in, out | 1 | x(-1), then x(length - 1) |
+ *  | `length` | value | at least 1 | |
+ *  | `length` of `CompensateOffsetQ15_*` | value | 1 to 65535 | |
+ *  | `result` | value | any | y(-1) |
+ *  | `coefficient` | value | any | c |
+ *  | `coefficient` of `CompensateOffsetQ15_*` | value | at least 0 | Q15 |
+ *
+ *  | Status, in order | when |
+ *  |---|---|
+ *  | #qorStatusNullPointer | source, destination, buffer or `before` null (`ZeroMean`: behind the length) |
+ *  | #qorStatusBadSize | length below 1; Q15: above 65535 |
+ *  | #qorStatusBadArgument | Q15: coefficient below 0 |
+ *
+ *  **Exact arithmetic.** Every operation in float: y(0) = (c result + x(0)) - before, y(n) = (x(n) - x(n - 1)) + (c y(n - 1)).
+ *  - `_16s`: the same sums; the first number is truncated toward zero, every other one gets 0.5 with its sign and is truncated;
+ *    limited to 16 bits, a NaN gives 0. The stored number feeds the next one.
+ *  - `Q15`: (x(n) - x(n - 1)) 2^15 + c y(n - 1) exactly, divided by 2^15 toward zero, limited to 16 bits, and fed back as stored.
+ *  - `ZeroMean`: m = (2 sum) / length toward zero; t = 2 x - m; y = t / 2, a half away from zero. The sum is exact. @{ */
+
+/** Removes the offset of float samples. */
+QORSR_API QorStatus qorsCompensateOffset_32f(const float* source, float* destination, int32_t length, float* before, float result,
+                                             float coefficient);
+/** Removes the offset of float samples in place. */
+QORSR_API QorStatus qorsCompensateOffset_32f_I(float* buffer, int32_t length, float* before, float result, float coefficient);
+/** Removes the offset of 16-bit samples, computed in float. */
+QORSR_API QorStatus qorsCompensateOffset_16s(const int16_t* source, int16_t* destination, int32_t length, int16_t* before,
+                                             int16_t result, float coefficient);
+/** Removes the offset of 16-bit samples in place, computed in float. */
+QORSR_API QorStatus qorsCompensateOffset_16s_I(int16_t* buffer, int32_t length, int16_t* before, int16_t result, float coefficient);
+/** Removes the offset of 16-bit samples in whole numbers, with a Q15 coefficient. */
+QORSR_API QorStatus qorsCompensateOffsetQ15_16s(const int16_t* source, int16_t* destination, int32_t length, int16_t* before,
+                                                int16_t result, int16_t coefficient);
+/** Removes the offset of 16-bit samples in place and in whole numbers, with a Q15 coefficient. */
+QORSR_API QorStatus qorsCompensateOffsetQ15_16s_I(int16_t* buffer, int32_t length, int16_t* before, int16_t result,
+                                                  int16_t coefficient);
+/** Subtracts the mean of 16-bit samples in place. */
+QORSR_API QorStatus qorsZeroMean_16s(int16_t* buffer, int32_t length);
+/** @} */
+
+/** @defgroup sign_changes Sign changes
+ *  How often neighbouring samples differ in sign: high for noise and fricatives, low for voiced speech. Counts are not divided by the
+ *  length. One sample has no neighbour and counts 0.
+ *
+ *  | Function | Counts | Result |
+ *  |---|---|---|
+ *  | `SignChangeRate` | pairs with x(n) x(n + 1) < 0: a zero counts for nothing | the count |
+ *  | `SignChangeRate_Count0` | half of the sum of the steps of sgn x: 1 from sign to sign, 1/2 to or from zero | float: exact to a half; 16 bits: an odd sum loses its half |
+ *  | `SignChangeRateXor` | pairs whose sign bits differ: +0 is positive, -0 negative | the count |
+ *
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `source` | in | length | samples |
+ *  | `result` | out | 1 | |
+ *  | `length` | value | at least 1 | |
+ *
+ *  | Status, in order | when |
+ *  |---|---|
+ *  | #qorStatusNullPointer | result or source null |
+ *  | #qorStatusBadSize | length below 1 |
+ *
+ *  **Exact arithmetic.** Counts are whole, and rounded to float only at the end (from 2^24 on). The float product of `SignChangeRate_32f`
+ *  counts where it is below 0: not where it underflows to 0, and not where it is a NaN. sgn of a NaN is 0. @{ */
+
+/** Counts the sign changes of float samples; zeros count for nothing. */
+QORSR_API QorStatus qorsSignChangeRate_32f(const float* source, int32_t length, float* result);
+/** Counts the sign changes of float samples; a step to or from zero counts half. */
+QORSR_API QorStatus qorsSignChangeRate_Count0_32f(const float* source, int32_t length, float* result);
+/** Counts the neighbours of float samples whose sign bits differ. */
+QORSR_API QorStatus qorsSignChangeRateXor_32f(const float* source, int32_t length, int32_t* result);
+/** Counts the sign changes of 16-bit samples; zeros count for nothing. */
+QORSR_API QorStatus qorsSignChangeRate_16s(const int16_t* source, int32_t length, int32_t* result);
+/** Counts the sign changes of 16-bit samples; a step to or from zero counts half, and an odd half is lost. */
+QORSR_API QorStatus qorsSignChangeRate_Count0_16s(const int16_t* source, int32_t length, int32_t* result);
+/** @} */
+
+/** @defgroup energy_normalisation Normalisation of energies
+ *  The log energies of an utterance, set off against the loudest frame, with silence raised to a floor:
+ *
+ *      floor = greatest - silence ln(10) / 10
+ *      y(r)  = top - (greatest - max(e(r), floor)) scale
+ *
+ *  Energies are natural logarithms, `silence` is in decibels (50, say). The loudest frame becomes 1 (16 bits: `top`), silence
+ *  1 - silence ln(10) / 10 scale. They are replaced in place: energy r is buffer[r * step], so that the column of the energy in a block
+ *  of feature vectors can be treated where it stands.
+ *
+ *  `NormEnergy` looks for the greatest energy itself; `NormEnergy_RT` is told, for a track that is still running, where later frames
+ *  may be louder.
+ *
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `buffer` | in, out | height x 1, step apart | energies |
+ *  | `step`, `height` | value | at least 1 | |
+ *  | `silence` | value | any | decibels |
+ *  | `greatest`, `top`, `scale` | value | any | |
+ *
+ *  | Status, in order | when |
+ *  |---|---|
+ *  | #qorStatusNullPointer | buffer null |
+ *  | #qorStatusBadSize | step or height below 1 |
+ *
+ *  **Exact arithmetic.** All in float, every operation rounded on its own, with 0.230259 for ln(10) / 10. The greatest energy is at least
+ *  the lowest finite number; a NaN is never the greatest, and is raised to the floor. No memory is taken.
+ *  - 16 bits: y is truncated toward zero and limited; a NaN gives 0.
+ *  - required: 16-bit tracks with a scale below 1.001 (`NormEnergy_16s`: and 11 energies or more) go in whole numbers: the floor is
+ *    rounded, a half away from zero, the scale is s = 1024 scale, truncated, and y = top - ((greatest - max(e, floor)) s >> 10),
+ *    limited. The two ways may differ by one or more. @{ */
+
+/** Normalises float energies by the greatest of them. */
+QORSR_API QorStatus qorsNormEnergy_32f(float* buffer, int32_t step, int32_t height, float silence, float scale);
+/** Normalises float energies by a given greatest one. */
+QORSR_API QorStatus qorsNormEnergy_RT_32f(float* buffer, int32_t step, int32_t height, float silence, float greatest, float scale);
+/** Normalises 16-bit energies by the greatest of them. */
+QORSR_API QorStatus qorsNormEnergy_16s(int16_t* buffer, int32_t step, int32_t height, int16_t silence, int16_t top, float scale);
+/** Normalises 16-bit energies by a given greatest one. */
+QORSR_API QorStatus qorsNormEnergy_RT_16s(int16_t* buffer, int32_t step, int32_t height, int16_t silence, int16_t greatest,
+                                          int16_t top, float scale);
+/** @} */
+
+/** @defgroup power_sums Sums and sums of squares of columns
+ *  What the means and variances of feature vectors are made of, for statistics that grow from utterance to utterance:
+ *
+ *      sums[c]    = sum over r of x(r, c)
+ *      squares[c] = sum over r of x(r, c)^2
+ *
+ *  Members without `I` overwrite, members with `I` add to what stands there. In spite of the name mean and variance are the caller's
+ *  to form: sums / n, and squares / n - mean^2.
+ *
+ *  @warning `_ISfs` with a scale factor other than 0 scales what stood there again with every call.
+ *
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `source` | in | height x width, step apart | one vector a row |
+ *  | `sums`, `squares` | out | width | |
+ *  | `sums`, `squares` of `*_I`, `*_ISfs` | in, out | width | |
+ *  | `height`, `width` | value | at least 1 | |
+ *  | `step` | value | at least width | |
+ *  | `scaleFactor` | value | any | |
+ *
+ *  | Status, in order | when |
+ *  |---|---|
+ *  | #qorStatusBadStride | step below width |
+ *  | #qorStatusNullPointer | source, sums or squares null |
+ *  | #qorStatusBadSize | height or width below 1 |
+ *
+ *  **Exact arithmetic.** In float, every product rounded; ((x0 + x1) + (x2 + x3)) + (x4 + x5) ..., an odd last row last, and so the squares.
+ *  Members with `I` begin with the number that stands there, to which pairs of rows are added. 32-bit results are float sums times
+ *  2^-scaleFactor, rounded to nearest, ties to even; what exceeds 2147483520 gives 2147483647, a NaN 0. `_ISfs` first rounds what stands
+ *  there to float. @{ */
+
+/** Sums and sums of squares of float columns. */
+QORSR_API QorStatus qorsSumMeanVar_32f(const float* source, int32_t step, int32_t height, float* sums, float* squares,
+                                       int32_t width);
+/** Adds the sums and sums of squares of float columns. */
+QORSR_API QorStatus qorsSumMeanVar_32f_I(const float* source, int32_t step, int32_t height, float* sums, float* squares,
+                                         int32_t width);
+/** Sums and sums of squares of 16-bit columns, in float. */
+QORSR_API QorStatus qorsSumMeanVar_16s32f(const int16_t* source, int32_t step, int32_t height, float* sums, float* squares,
+                                          int32_t width);
+/** Adds the sums and sums of squares of 16-bit columns, in float. */
+QORSR_API QorStatus qorsSumMeanVar_16s32f_I(const int16_t* source, int32_t step, int32_t height, float* sums, float* squares,
+                                            int32_t width);
+/** Sums and sums of squares of 16-bit columns, times 2^-scaleFactor. */
+QORSR_API QorStatus qorsSumMeanVar_16s32s_Sfs(const int16_t* source, int32_t step, int32_t height, int32_t* sums, int32_t* squares,
+                                              int32_t width, int32_t scaleFactor);
+/** Adds the sums and sums of squares of 16-bit columns; all times 2^-scaleFactor. */
+QORSR_API QorStatus qorsSumMeanVar_16s32s_ISfs(const int16_t* source, int32_t step, int32_t height, int32_t* sums, int32_t* squares,
+                                               int32_t width, int32_t scaleFactor);
+/** @} */
+
+/** @defgroup range_normalisation Normalisation into a range
+ *  A vector mapped onto 0 to `range`, clipped at two points of the interval from min to max in which its numbers lie: a contour for
+ *  display, levels for a table, a frame scaled to 8 bits.
+ *
+ *      d    = max - min
+ *      high = upper d + min                 low = d lower + min
+ *      y(n) = max(0, min(high, x(n)) - low) gain, gain = range / (upper d - d lower)
+ *
+ *  With lower = 0.05 and upper = 0.95 the outer twentieths of the interval are clipped; numbers at or below `low` become 0, at or above
+ *  `high` range. `NormalizeInRangeMinMax` is given min and max; `NormalizeInRange` finds them in the data, where a NaN never decides.
+ *
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `source` | in | length | |
+ *  | `destination` | out | length | |
+ *  | `buffer` | in, out | length | in place |
+ *  | `length` | value | at least 1 | |
+ *  | `minimum` | value | at most maximum | |
+ *  | `maximum` | value | any | |
+ *  | `lower` | value | at least 0, below upper | |
+ *  | `upper` | value | above 0, at most 1 | |
+ *  | `range` | value | at least 0 | |
+ *
+ *  | Status, in order | when |
+ *  |---|---|
+ *  | #qorStatusNullPointer | source, destination or buffer null |
+ *  | #qorStatusBadSize | length below 1 |
+ *  | #qorStatusBadArgument | lower below 0, not below upper, upper above 1, range below 0, minimum above maximum |
+ *  | #qorStatusDegenerateInput | warning, no failure: min equals max, or, where they are found in the data, a length of 1; all results are 0 |
+ *
+ *  **Exact arithmetic.** In float, in the order that is written above; a NaN stays one. Whole results are rounded to nearest, ties to
+ *  even, and limited to their type; a NaN gives 0. @{ */
+
+/** Maps float numbers into a range. */
+QORSR_API QorStatus qorsNormalizeInRange_32f(const float* source, float* destination, int32_t length, float lower, float upper,
+                                             float range);
+/** Maps float numbers in place into a range. */
+QORSR_API QorStatus qorsNormalizeInRange_32f_I(float* buffer, int32_t length, float lower, float upper, float range);
+/** Maps 16-bit numbers into a range. */
+QORSR_API QorStatus qorsNormalizeInRange_16s(const int16_t* source, int16_t* destination, int32_t length, float lower, float upper,
+                                             int16_t range);
+/** Maps 16-bit numbers in place into a range. */
+QORSR_API QorStatus qorsNormalizeInRange_16s_I(int16_t* buffer, int32_t length, float lower, float upper, int16_t range);
+/** Maps 16-bit numbers into an 8-bit range. */
+QORSR_API QorStatus qorsNormalizeInRange_16s8u(const int16_t* source, uint8_t* destination, int32_t length, float lower,
+                                               float upper, uint8_t range);
+/** Maps float numbers into a 16-bit range. */
+QORSR_API QorStatus qorsNormalizeInRange_32f16s(const float* source, int16_t* destination, int32_t length, float lower, float upper,
+                                                int16_t range);
+/** Maps float numbers into an 8-bit range. */
+QORSR_API QorStatus qorsNormalizeInRange_32f8u(const float* source, uint8_t* destination, int32_t length, float lower, float upper,
+                                               uint8_t range);
+/** Maps float numbers from a given interval into a range. */
+QORSR_API QorStatus qorsNormalizeInRangeMinMax_32f(const float* source, float* destination, int32_t length, float minimum,
+                                                   float maximum, float lower, float upper, float range);
+/** Maps float numbers in place from a given interval into a range. */
+QORSR_API QorStatus qorsNormalizeInRangeMinMax_32f_I(float* buffer, int32_t length, float minimum, float maximum, float lower,
+                                                     float upper, float range);
+/** Maps 16-bit numbers from a given interval into a range. */
+QORSR_API QorStatus qorsNormalizeInRangeMinMax_16s(const int16_t* source, int16_t* destination, int32_t length, int16_t minimum,
+                                                   int16_t maximum, float lower, float upper, int16_t range);
+/** Maps 16-bit numbers in place from a given interval into a range. */
+QORSR_API QorStatus qorsNormalizeInRangeMinMax_16s_I(int16_t* buffer, int32_t length, int16_t minimum, int16_t maximum, float lower,
+                                                     float upper, int16_t range);
+/** Maps 16-bit numbers from a given interval into an 8-bit range. */
+QORSR_API QorStatus qorsNormalizeInRangeMinMax_16s8u(const int16_t* source, uint8_t* destination, int32_t length, int16_t minimum,
+                                                     int16_t maximum, float lower, float upper, uint8_t range);
+/** Maps float numbers from a given interval into a 16-bit range. */
+QORSR_API QorStatus qorsNormalizeInRangeMinMax_32f16s(const float* source, int16_t* destination, int32_t length, float minimum,
+                                                      float maximum, float lower, float upper, int16_t range);
+/** Maps float numbers from a given interval into an 8-bit range. */
+QORSR_API QorStatus qorsNormalizeInRangeMinMax_32f8u(const float* source, uint8_t* destination, int32_t length, float minimum,
+                                                     float maximum, float lower, float upper, uint8_t range);
+/** @} */
+
 /* ================================ Robust front-ends ================================ */
 
 /* ---------------- Spectral noise reduction ---------------- */

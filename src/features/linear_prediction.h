@@ -156,6 +156,7 @@ inline QorStatus autocorrelationPrediction(const float* x, int32_t length, float
 inline QorStatus negatedPrediction(const float* x, int32_t length, float* a, int32_t order) {
   const QorStatus status = autocorrelationPrediction(x, length, a, order);
   if (status != qorStatusNoMemory) {
+    // NOLINTNEXTLINE(clang-analyzer-core.UndefinedBinaryOperatorResult): scratch, which a failure leaves unread
     for (int32_t i = 0; i < order; ++i) a[i] = 0.0F - a[i];
   }
   return status;

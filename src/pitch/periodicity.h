@@ -78,7 +78,7 @@ inline Explained<float> explainedBy(int32_t period, const float* x, int32_t leng
   });
   Explained<float> explained{0.0F, 0.0F};
   for (int32_t i = 0; i < period; ++i) {
-    explained.all += squares[i];
+    explained.all += squares[i];  // NOLINT(clang-analyzer-core.uninitialized.Assign): blocks of columns cover all phases
     explained.single += singles[i];
   }
   return explained;
@@ -94,6 +94,7 @@ inline Explained<int64_t> explainedBy(int32_t period, const int16_t* x, int32_t 
         sum += v;
         energy += (v * v) >> shift;
       }
+      // NOLINTNEXTLINE(clang-analyzer-core.UndefinedBinaryOperatorResult): count is at most kMostTerms
       const int64_t scaled = sum * kInverseRootQ30[count];
       explained.all += (scaled >> (30 + shift / 2)) * (scaled >> (30 + shift - shift / 2));
       explained.single += (energy * inverseQ30(count)) >> 30;

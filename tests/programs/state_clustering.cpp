@@ -33,7 +33,7 @@ std::vector<float> sound(char phone, int count, program::Noise& noise) {
 
 // Words are rows of these phones; each is said by two "speakers" several times, at other tempos.
 fs::path makeCorpus(const Folder& folder) {
-  const fs::path corpus = folder / "corpus";
+  fs::path corpus = folder / "corpus";
   fs::create_directory(corpus);
   uint32_t seed = 1;
   for (const std::string word : {"sa", "se", "fa", "fe", "as", "ef", "safe"}) {

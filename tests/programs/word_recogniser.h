@@ -19,7 +19,7 @@ inline constexpr const char* wordNames[] = {"uno", "due", "tre", "sei"};
 constexpr const char* speakerNames[] = {"anna", "bruno"};
 
 inline fs::path makeCorpus(const Folder& folder, int indices, const std::vector<int>& rates = {8000}) {
-  const fs::path corpus = folder / "corpus";
+  fs::path corpus = folder / "corpus";
   fs::create_directory(corpus);
   for (int word = 0; word < 4; ++word) {
     for (int speaker = 0; speaker < 2; ++speaker) {

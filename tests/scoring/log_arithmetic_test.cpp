@@ -43,7 +43,7 @@ constexpr int32_t kScaleFactors[] = {0, 1, 4, 7, 10, 20, -1, -3, 127, 150, 1075,
 // ---- LogAdd ----
 
 template <class T>
-void expectAdds(QorStatus (*call)(const T*, T*, int32_t, int32_t), T (*model)(T, T), std::vector<int32_t> hints) {
+void expectAdds(QorStatus (*call)(const T*, T*, int32_t, int32_t), T (*model)(T, T), const std::vector<int32_t>& hints) {
   kit::Random random;
   for (const int32_t length : kit::lengths()) {
     for (int round = 0; round < kRounds; ++round) {

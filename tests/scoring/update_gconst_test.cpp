@@ -39,7 +39,7 @@ std::vector<T> variances(kit::Random& random, int32_t length, int round) {
 template <class T>
 double bound(int32_t length, double sum) {
   const double unit = static_cast<double>(std::numeric_limits<T>::epsilon());
-  const double runs = (length + 511) / 512;
+  const int32_t runs = (length + 511) / 512;
   return runs * 0x1p-44 + 4 * runs * std::fabs(sum) * 0x1p-52 +
          unit * (2 * std::fabs(length * 1.8378770664093) + 2 * std::fabs(sum));
 }
