@@ -14,6 +14,9 @@ struct FreeRecord {
 using FilterBank = std::unique_ptr<FBankState_32f, FreeRecord>;
 using CosineTransform = std::unique_ptr<DCTLifterState_32f, FreeRecord>;
 
+/** A bank that gives the magnitudes of bins 1 to L/2 - 1 of the transform of L samples, a power of two: one filter a bin. */
+FilterBank makeSpectrum(int length, int rate);
+
 /** The mel scale of O'Shaughnessy, "Speech Communication" (1987): 1127 ln(1 + f / 700). */
 inline constexpr float melMul = 1127.01048F, melDiv = 700.0F;
 

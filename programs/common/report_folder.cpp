@@ -66,6 +66,13 @@ fs::path ReportFolder::publish() {
   return target_;
 }
 
+std::string UniqueNames::of(const fs::path& file) const {
+  const std::string stem = file.stem().string();
+  std::string name = stem;
+  for (int i = 2; taken_.count(name) > 0; ++i) name = stem + "_" + std::to_string(i);
+  return name;
+}
+
 void publish(ReportFolder& folder, const std::string& pictureProblem) {
   if (!pictureProblem.empty()) std::fprintf(stderr, "no pictures: %s\n", pictureProblem.c_str());
   std::printf("report     %s\n", printable((folder.publish() / pageName).string()).c_str());

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <set>
 #include <string>
 
 namespace program {
@@ -23,6 +24,16 @@ class ReportFolder {
 
  private:
   std::filesystem::path target_, unfinished_;
+};
+
+/** Names of recordings in a report: those of their files without the extension; a number behind them where one is taken. */
+class UniqueNames {
+ public:
+  std::string of(const std::filesystem::path& file) const;
+  void take(const std::string& name) { taken_.insert(name); }
+
+ private:
+  std::set<std::string> taken_;
 };
 
 /** The report takes its name, which is told on stdout; on stderr why pictures are missing, where a reason is given. */

@@ -41,7 +41,7 @@ std::string melTics(float lowHz, float highHz, int filters) {
 }
 
 float peak(const Sound& sound) {
-  float largest = 1e-6F;
+  float largest = 1e-4F;
   for (const float sample : sound.samples) largest = std::max(largest, std::fabs(sample));
   return largest;
 }

@@ -13,6 +13,7 @@
 #include <system_error>
 
 #include "common/files.h"
+#include "common/text.h"
 
 namespace program {
 namespace {
@@ -50,14 +51,35 @@ void checkWhole(const std::filesystem::path& file) {
   }
 }
 
+// One channel of interleaved samples, or their mean.
+std::vector<float> chosen(const std::vector<float>& all, size_t channels, int channel) {
+  std::vector<float> samples(all.size() / channels);
+  const size_t first = channel == meanOfChannels ? 0 : static_cast<size_t>(channel - 1);
+  const size_t last = channel == meanOfChannels ? channels : first + 1;
+  for (size_t i = 0; i < samples.size(); ++i) {
+    float sum = 0;
+    for (size_t c = first; c < last; ++c) sum += all[i * channels + c];
+    samples[i] = sum / static_cast<float>(last - first);
+  }
+  return samples;
+}
+
 }  // namespace
 
-Sound readWav(const std::filesystem::path& file, double maximumSeconds) {
+void checkName(const std::filesystem::path& file) {
+  if (hasControls(file.filename().string())) throw BadSound("its name holds control characters");
+}
+
+Sound readWav(const std::filesystem::path& file, double maximumSeconds, int channel) {
   checkWhole(file);
   SF_INFO info{};
   const std::unique_ptr<SNDFILE, decltype(&sf_close)> in(sf_open(file.c_str(), SFM_READ, &info), sf_close);
   if (!in) throw BadSound(std::string("cannot be decoded: ") + sf_strerror(nullptr));
-  if (info.channels != 1) throw BadSound(std::to_string(info.channels) + " channels; one is needed");
+  if (channel == onlyChannel && info.channels != 1) throw BadSound(std::to_string(info.channels) + " channels; one is needed");
+  if (channel > info.channels) {
+    throw BadSound("has " + std::to_string(info.channels) + (info.channels == 1 ? " channel" : " channels") + ", not a number " +
+                   std::to_string(channel));
+  }
   if (info.samplerate < lowestRate || info.samplerate > highestRate) {
     throw BadSound("rate of " + std::to_string(info.samplerate) + " Hz outside " + std::to_string(lowestRate) + " to " +
                    std::to_string(highestRate));
@@ -66,8 +88,10 @@ Sound readWav(const std::filesystem::path& file, double maximumSeconds) {
   if (static_cast<double>(info.frames) > maximumSeconds * info.samplerate) {
     throw BadSound("longer than " + std::to_string(static_cast<int>(maximumSeconds)) + " s");
   }
-  Sound sound{info.samplerate, std::vector<float>(static_cast<size_t>(info.frames))};
+  const auto channels = static_cast<size_t>(info.channels);
+  Sound sound{info.samplerate, std::vector<float>(static_cast<size_t>(info.frames) * channels)};
   if (sf_readf_float(in.get(), sound.samples.data(), info.frames) != info.frames) throw BadSound("truncated: samples are missing");
+  if (channels > 1) sound.samples = chosen(sound.samples, channels, channel);
   for (const float sample : sound.samples) {
     if (!std::isfinite(sample)) throw BadSound("holds samples that are not finite");
   }

@@ -1,4 +1,4 @@
-// Reading recordings: WAV files of one channel, 8 to 48 kHz.
+// Reading recordings: WAV files of 8 to 48 kHz.
 #pragma once
 
 #include <filesystem>
@@ -20,12 +20,18 @@ struct BadSound : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+/** Throws BadSound where a file's name holds control characters. */
+void checkName(const std::filesystem::path& file);
+
 inline constexpr int lowestRate = 8000;
 inline constexpr int highestRate = 48000;
 
+/** Which channel of a recording is read: one from 1 on, or one of these. */
+inline constexpr int onlyChannel = 0, meanOfChannels = -1;
+
 /** Reads a WAV file whole. Throws BadSound for a file that is missing, empty, truncated (its header promises more than there is),
- * not WAV, of several channels, of a rate outside lowestRate to highestRate, longer than maximumSeconds, or that holds values that
+ * not WAV, without that channel (onlyChannel: of several), of a rate outside lowestRate to highestRate, longer than maximumSeconds, or that holds values that
  * are not numbers. */
-Sound readWav(const std::filesystem::path& file, double maximumSeconds);
+Sound readWav(const std::filesystem::path& file, double maximumSeconds, int channel = onlyChannel);
 
 }  // namespace program

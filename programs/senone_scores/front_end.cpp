@@ -95,7 +95,8 @@ FrontEndSettings FrontEndSettings::from(const Parameters& parameters) {
   return s;
 }
 
-FrontEnd::FrontEnd(const FrontEndSettings& settings) : settings_(settings), spectrum_(makeSpectrum()), mel_(makeMel()) {
+FrontEnd::FrontEnd(const FrontEndSettings& settings)
+    : settings_(settings), spectrum_(program::makeSpectrum(settings.transform, settings.rate)), mel_(makeMel()) {
   const auto filters = static_cast<float>(settings.filters);
   DCTLifterState_32f* lifter = nullptr;  // the orthonormal cosine transform; order 0 comes last
   program::check(qorsDCTLifterInitAlloc_C0_32f(&lifter, settings.filters, settings.cepstra - 1, settings.lifter,
@@ -108,24 +109,6 @@ FrontEnd::FrontEnd(const FrontEndSettings& settings) : settings_(settings), spec
   frame_.assign(static_cast<size_t>(settings.transform), 0.0F);
   power_.assign(static_cast<size_t>(settings.transform) / 2 + 1, 0.0F);
   coefficients_.resize(static_cast<size_t>(settings.cepstra));
-}
-
-// A bank with a transform in front and one bin a filter: it gives the magnitudes of bins 1 to L/2 - 1.
-program::FilterBank FrontEnd::makeSpectrum() const {
-  FBankState_32f* state = nullptr;
-  int32_t order = 0;
-  const auto rate = static_cast<float>(settings_.rate);
-  const int32_t bins = settings_.transform / 2 - 1;
-  program::check(qorsMelFBankInitAlloc_32f(&state, &order, settings_.transform, rate, 1, rate / 2, bins, melMul, melDiv,
-                                           qorFBankMelShaped | qorFBankTransform),
-                 "qorsMelFBankInitAlloc_32f");
-  program::FilterBank bank(state);
-  std::vector<int32_t> centres;
-  for (int32_t c = 0; c <= bins + 1; ++c) centres.push_back(c);
-  program::check(qorsFBankSetCenters_32f(state, centres.data()), "qorsFBankSetCenters_32f");
-  const float weights[3] = {0, 1, 0};
-  for (int32_t k = 1; k <= bins; ++k) program::check(qorsFBankSetCoeffs_32f(state, k, weights), "qorsFBankSetCoeffs_32f");
-  return bank;
 }
 
 // Triangles over a power spectrum, equally wide in mel, their corners at bins, their areas in hertz equal to 1.

@@ -37,7 +37,6 @@ class FrontEnd {
   const FrontEndSettings& settings() const { return settings_; }
 
  private:
-  program::FilterBank makeSpectrum() const;
   program::FilterBank makeMel() const;
   void evaluateFrame(const std::vector<float>& emphasised, size_t begin, float* logMel, float* cepstra);
   void centre(std::vector<float>& cepstra, int frames) const;

@@ -38,21 +38,13 @@ void addOptions(CLI::App& app, Options& options) {
   app.add_flag("--quiet", options.quiet, "No progress");
 }
 
-// The file's name without its extension; a number behind it where that is taken.
-std::string nameOf(const fs::path& file, const std::vector<senones::Recording>& taken) {
-  const std::string stem = file.stem().string();
-  std::string name = stem;
-  for (int i = 2; std::any_of(taken.begin(), taken.end(), [&](const auto& r) { return r.name == name; }); ++i) {
-    name = stem + "_" + std::to_string(i);
-  }
-  return name;
-}
-
 void scoreAll(const Options& options, senones::Work& work, senones::Run& run) {
+  program::UniqueNames names;
   for (const fs::path& file : options.files) {
     try {
-      if (program::hasControls(file.filename().string())) throw program::BadSound("its name holds control characters");
-      run.recordings.push_back(senones::scoreRecording(file, nameOf(file, run.recordings), work, options.quiet));
+      program::checkName(file);
+      run.recordings.push_back(senones::scoreRecording(file, names.of(file), work, options.quiet));
+      names.take(run.recordings.back().name);
     } catch (const program::BadSound& bad) {
       run.skipped.push_back({file.string(), bad.what()});
       program::tellSkipped(run.skipped.back());

@@ -11,7 +11,6 @@
 
 #include "common/fault.h"
 #include "common/progress.h"
-#include "common/text.h"
 
 namespace fs = std::filesystem;
 
@@ -52,7 +51,7 @@ bool parseName(Recording& recording) {
 }
 
 Recording readRecording(const fs::path& file) {
-  if (program::hasControls(file.filename().string())) throw program::BadSound("its name holds control characters");
+  program::checkName(file);
   if (!fs::is_regular_file(file)) throw program::BadSound("not a file");
   if (!hasWavEnding(file)) throw program::BadSound("not a WAV file (its name does not end in .wav)");
   Recording recording{file, file.stem().string(), {}, {}, 0, {}};
