@@ -30,8 +30,8 @@ void measure(const Padded<float>& samples, int rate, Frame& frame) {
   const float* const from =
       samples.at(static_cast<std::ptrdiff_t>(std::lround(frame.seconds * rate)) - static_cast<std::ptrdiff_t>(count / 2));
   frame.decibels = static_cast<float>(10 * std::log10(meanPower(from, count) + 1e-12));
-  int changes = 0;
-  for (size_t i = 1; i < count; ++i) changes += (from[i - 1] < 0) != (from[i] < 0) ? 1 : 0;
+  int32_t changes = 0;
+  program::check(qorsSignChangeRateXor_32f(from, static_cast<int32_t>(count), &changes), "qorsSignChangeRateXor_32f");
   frame.signChanges = static_cast<float>(changes) * static_cast<float>(rate) / static_cast<float>(count - 1);
 }
 

@@ -62,13 +62,10 @@ void toShort(const std::vector<float>& samples, int16_t* result) {
 program::Sound withoutOffset(const program::Sound& sound) {
   program::Sound result = sound;
   const float coefficient = static_cast<float>(std::exp(-2 * std::numbers::pi * offsetHz / sound.rate));
-  float before = sound.samples.front(), last = 0;
-  for (float& sample : result.samples) {
-    const float fresh = sample;
-    last = fresh - before + coefficient * last;
-    before = fresh;
-    sample = last;
-  }
+  float before = sound.samples.front();
+  program::check(
+      qorsCompensateOffset_32f_I(result.samples.data(), static_cast<int32_t>(result.samples.size()), &before, 0, coefficient),
+      "qorsCompensateOffset_32f_I");
   return result;
 }
 

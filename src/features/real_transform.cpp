@@ -131,8 +131,8 @@ struct Signal {
     if constexpr (W == 1) {
       return {loadAs<float, 1>(x + 2 * t), loadAs<float, 1>(x + 2 * t + 1)};
     } else {
-      const auto parts = deinterleaved(loadAs<float, W>(x + 2 * t), loadAs<float, W>(x + 2 * t + W));
-      return {parts.first, parts.second};
+      const auto first = loadAs<float, W>(x + 2 * t), second = loadAs<float, W>(x + 2 * t + W);
+      return {permuted<order::everySecond<0>>(first, second), permuted<order::everySecond<1>>(first, second)};
     }
   }
 };

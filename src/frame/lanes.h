@@ -11,18 +11,15 @@
 //
 // The verbs, by what one wants; T is the type of the lanes, N their number. What one kernel alone needs stands beside that kernel.
 //
-//   a constant, memory      Lanes<T, N>(x), ::load(p), ::of(a, b, c, d), a.store(p); loadAs<To, N>(p) converts what it loads;
-//                           loadTwice<T, N>(p)
+//   a constant, memory      Lanes<T, N>(x), ::load(p), ::of(a, b, c, d), a.store(p); loadAs<To, N>(p) converts what it loads
 //   arithmetic              + - * / += -= *=, min, max, abs, minusAbs, sqrt; integers: >> shiftRight shiftLeft subtractSaturated
 //   products of int16       pairDots(a, b), neighbours added; upperProducts(a, b), the upper halves
-//   other types             as<To>(a), as static_cast does; saturated(a) to int16; truncated(a) and nearest(a) to int32, with
-//                           nearestSaturated(a) and what belongs to them in rounding.h; ScaleShift, shifts by a scale factor
-//   choices                 selectLess(x, y, a, b), anyLess, allLess; ThreeWay of three ranges; zeroWhereNaN
-//   orders                  permuted<Order>(a, b), any fixed one; interleaved<G>(a, b), deinterleaved, reversed, shiftIn<K>(a, b),
-//                           transposed(a, b, c, d)
+//   other types             as<To>(a), as static_cast does; saturated(a) to int16; truncated(a) and nearest(a) to int32, with what
+//                           belongs to them in rounding.h; ScaleShift, shifts by a scale factor
+//   choices                 selectLess(x, y, a, b), anyLess, allLess; zeroWhereNaN
+//   orders                  permuted<Order>(a, b), any fixed one; interleaved<G>(a, b), reversed, transposed(a, b, c, d)
 //   halves                  lowerHalf, upperHalf, concatenated(a, b)
-//   joins                   joinHalves(a), the sum of all lanes, or joinHalves(a, b, c, d) of four sets; joinedTo<M>(a), M sums;
-//                           leastLane(a)
+//   joins                   joinHalves(a), the sum of all lanes, or joinHalves(a, b, c, d) of four sets; joinedTo<M>(a), M sums
 //   the first n lanes       Tail<T, N>(n).load(p, fill), .store(v, p)
 //   register by register    Tail::forParts, Lanes::each
 //

@@ -24,6 +24,31 @@
 
 namespace qorsr {
 
+namespace native {
+// Every eight numbers moved down by one, with a zero at the end. A constant order does not give this instruction at SSE3.
+template <class V>
+inline V dropFirst(V a) {
+#if defined(__AVX512BW__)
+  if constexpr (sizeof(V) == 64) return V(_mm512_bsrli_epi128(__m512i(a), 2));
+#endif
+#if defined(__AVX2__)
+  if constexpr (sizeof(V) == 32) return V(_mm256_bsrli_epi128(__m256i(a), 2));
+#endif
+#if defined(__SSE3__)
+  if constexpr (sizeof(V) == 16) return V(_mm_srli_si128(__m128i(a), 2));
+#endif
+  V v{};
+  for (std::size_t i = 0; i < sizeof(V) / sizeof(int16_t); ++i) v[i] = i % 8 < 7 ? a[i + 1] : int16_t{0};
+  return v;
+}
+}  // namespace native
+
+// Every eight int16 lanes moved down by one, with a zero at their end.
+template <int N>
+inline Lanes<int16_t, N> dropFirst(const Lanes<int16_t, N>& a) {
+  return Lanes<int16_t, N>::each(a, [](auto x) { return native::dropFirst(x); });
+}
+
 namespace shorts {
 
 // Groups of rows k and k + 2 in one register, or of the only row.

@@ -14,6 +14,7 @@
 #include <cstdint>
 
 #include "frame/lanes.h"
+#include "scoring/three_way.h"
 
 namespace qorsr {
 

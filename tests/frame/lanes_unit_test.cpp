@@ -11,6 +11,7 @@
 #include "frame/bits.h"
 #include "kit/compare.h"
 #include "kit/random.h"
+#include "scoring/three_way.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #pragma once
 
 #include "frame/elementary/parts.h"
-#include "frame/lanes/scaled.h"
+#include "frame/elementary/scaled.h"
 
 namespace qorsr {
 

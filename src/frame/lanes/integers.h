@@ -73,34 +73,12 @@ inline V upperProducts(V a, V b) {
     v[i] = static_cast<int16_t>(static_cast<int32_t>(a[i]) * b[i] >> 16);
   return v;
 }
-// Every eight numbers moved down by one, with a zero at the end. A constant order does not give this instruction at SSE3.
-template <class V>
-inline V dropFirst(V a) {
-#if defined(__AVX512BW__)
-  if constexpr (sizeof(V) == 64) return V(_mm512_bsrli_epi128(__m512i(a), 2));
-#endif
-#if defined(__AVX2__)
-  if constexpr (sizeof(V) == 32) return V(_mm256_bsrli_epi128(__m256i(a), 2));
-#endif
-#if defined(__SSE3__)
-  if constexpr (sizeof(V) == 16) return V(_mm_srli_si128(__m128i(a), 2));
-#endif
-  V v{};
-  for (std::size_t i = 0; i < sizeof(V) / sizeof(int16_t); ++i) v[i] = i % 8 < 7 ? a[i + 1] : int16_t{0};
-  return v;
-}
 }  // namespace native
 
 // Of int16 lanes the upper 16 bits of a * b.
 template <int N>
 inline Lanes<int16_t, N> upperProducts(const Lanes<int16_t, N>& a, const Lanes<int16_t, N>& b) {
   return Lanes<int16_t, N>::each(a, b, [](auto x, auto y) { return native::upperProducts(x, y); });
-}
-
-// Every eight int16 lanes moved down by one, with a zero at their end.
-template <int N>
-inline Lanes<int16_t, N> dropFirst(const Lanes<int16_t, N>& a) {
-  return Lanes<int16_t, N>::each(a, [](auto x) { return native::dropFirst(x); });
 }
 
 // ---- Products ----

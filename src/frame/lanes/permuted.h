@@ -91,27 +91,6 @@ inline Lanes<T, 2 * N> concatenated(const Lanes<T, N>& a, const Lanes<T, N>& b) 
   return permuted<order::from<0>, 2 * N>(a, b);
 }
 
-// N / 2 numbers from p on in both halves of one register: one load, where a concatenation takes two (1.09 to 1.35 times faster at
-// x86-64-v3, MatVecMul 16s of products, 13 to 64 columns).
-template <class T, int N>
-inline Lanes<T, N> loadTwice(const T* p) {
-  using L = Lanes<T, N>;
-  static_assert(L::kParts == 1);
-  constexpr std::size_t kBytes [[maybe_unused]] = sizeof(L);
-  L v;
-#if defined(__AVX512F__)
-  if constexpr (kBytes == 64) return v.part[0] = typename L::Part(_mm512_broadcast_i64x4(native::load<__m256i>(p))), v;
-#endif
-#if defined(__AVX2__)
-  if constexpr (kBytes == 32) return v.part[0] = typename L::Part(_mm256_broadcastsi128_si256(native::load<__m128i>(p))), v;
-#endif
-#if defined(__SSE3__)
-  if constexpr (kBytes == 16) return v.part[0] = typename L::Part(__m128i(_mm_set1_pd(native::load<double>(p)))), v;
-#endif
-  const auto half = Lanes<T, N / 2>::load(p);
-  return concatenated(half, half);
-}
-
 // ---- Lanes of two sets in turn ----
 
 namespace order {
@@ -133,10 +112,6 @@ constexpr int everySecond(int i, int) {
   return 2 * i + First;
 }
 constexpr int reversed(int i, int n) { return n - 1 - i; }
-template <int K>
-constexpr int shiftedIn(int i, int n) {
-  return n - K + i;
-}
 }  // namespace order
 
 // 2N lanes, `first` and then `second`.
@@ -151,24 +126,10 @@ inline LanesPair<T, N> interleaved(const Lanes<T, N>& a, const Lanes<T, N>& b) {
   static_assert(G < N);
   return {permuted<order::inTurn<G, 0>>(a, b), permuted<order::inTurn<G, N>>(a, b)};
 }
-// The reverse of interleaved<1>: the even and the odd ones of 2N lanes.
-template <class T, int N>
-inline LanesPair<T, N> deinterleaved(const Lanes<T, N>& first, const Lanes<T, N>& second) {
-  static_assert(N > 1);
-  return {permuted<order::everySecond<0>>(first, second), permuted<order::everySecond<1>>(first, second)};
-}
-
 // Lane N - 1 first.
 template <class T, int N>
 inline Lanes<T, N> reversed(const Lanes<T, N>& a) {
   return permuted<order::reversed>(a);
-}
-
-// The last K lanes of a, then the first N - K of b: lane i is element i - K where a and b are loaded side by side.
-template <int K, class T, int N>
-inline Lanes<T, N> shiftIn(const Lanes<T, N>& a, const Lanes<T, N>& b) {
-  static_assert(K <= N);
-  return permuted<order::shiftedIn<K>>(a, b);
 }
 
 }  // namespace qorsr

@@ -193,25 +193,4 @@ inline Lanes<int32_t, N> truncated(const Lanes<float, N>& a) {
   return v;
 }
 
-// ---- Three ways ----
-
-// Picks one of three numbers in each lane: the first where x > high, else the second where x > low, else the third (a NaN in x
-// too). For functions that are approximated on three ranges: made once, then asked for each coefficient.
-template <class T, int N>
-class ThreeWay {
- public:
-  ThreeWay(const Lanes<T, N>& x, T high, T low) {
-    for (int i = 0; i < L::kParts; ++i) part_[i] = native::ThreeWay<T, L::kPart>(x.part[i], high, low);
-  }
-  Lanes<T, N> pick(T first, T second, T third) const {
-    L v;
-    for (int i = 0; i < L::kParts; ++i) v.part[i] = part_[i].pick(first, second, third);
-    return v;
-  }
-
- private:
-  using L = Lanes<T, N>;
-  native::ThreeWay<T, L::kPart> part_[L::kParts];
-};
-
 }  // namespace qorsr

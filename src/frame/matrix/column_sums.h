@@ -24,6 +24,12 @@
 
 namespace qorsr {
 
+// The last K of n lanes, then what stands behind them.
+template <int K>
+constexpr int shiftedIn(int i, int n) {
+  return n - K + i;
+}
+
 // ---- Kernels ----
 
 // Sum of four lanes, neighbours first.
@@ -60,7 +66,7 @@ template <class Acc, int kRest, class T>
 [[gnu::always_inline]] inline Lanes<Acc, 4> restOfRow(const T* end, int32_t width) {
   using L = Lanes<Acc, 4>;
   if constexpr (L::kParts == 1) {
-    if (width >= 4) return shiftIn<kRest>(loadAs<Acc, 4>(end - 4), L(Acc(0)));
+    if (width >= 4) return permuted<shiftedIn<kRest>>(loadAs<Acc, 4>(end - 4), L(Acc(0)));
   }
   const auto at = [&](int k) { return k < kRest ? static_cast<Acc>(end[k - kRest]) : Acc(0); };
   return L::of(at(0), at(1), at(2), Acc(0));

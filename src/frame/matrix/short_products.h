@@ -18,6 +18,27 @@
 
 namespace qorsr {
 
+// N / 2 numbers from p on in both halves of one register: one load, where a concatenation takes two (1.09 to 1.35 times faster at
+// x86-64-v3, MatVecMul 16s of products, 13 to 64 columns).
+template <class T, int N>
+inline Lanes<T, N> loadTwice(const T* p) {
+  using L = Lanes<T, N>;
+  static_assert(L::kParts == 1);
+  constexpr std::size_t kBytes [[maybe_unused]] = sizeof(L);
+  L v;
+#if defined(__AVX512F__)
+  if constexpr (kBytes == 64) return v.part[0] = typename L::Part(_mm512_broadcast_i64x4(native::load<__m256i>(p))), v;
+#endif
+#if defined(__AVX2__)
+  if constexpr (kBytes == 32) return v.part[0] = typename L::Part(_mm256_broadcastsi128_si256(native::load<__m128i>(p))), v;
+#endif
+#if defined(__SSE3__)
+  if constexpr (kBytes == 16) return v.part[0] = typename L::Part(__m128i(_mm_set1_pd(native::load<double>(p)))), v;
+#endif
+  const auto half = Lanes<T, N / 2>::load(p);
+  return concatenated(half, half);
+}
+
 // ---- Rows times a vector ----
 
 // Sums over the halves of R sets. Eight halves take far fewer steps together than eight joins: they are transposed within 128 bits,

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <type_traits>
 
-#include "frame/lanes/values.h"
+#include "frame/lanes.h"
 
 namespace qorsr {
 
