@@ -26,8 +26,7 @@ std::string tableOf(const Recording& recording) { return recording.name + ".tsv"
 Table frameTable(const Analysis& analysis) {
   Table rows = {{"seconds", "pitch Hz", "correlation", "periodicity", "level dB", "sign changes a second"}};
   for (int k = 1; k <= analysis.formants; ++k) {
-    rows[0].push_back("F" + std::to_string(k) + " Hz");
-    rows[0].push_back("B" + std::to_string(k) + " Hz");
+    for (const std::string quantity : {"F", "B"}) rows[0].push_back(quantity + std::to_string(k) + " Hz");
   }
   for (const Frame& frame : analysis.frames) {
     const auto pitch = static_cast<double>(frame.pitch.hertz);
