@@ -73,7 +73,9 @@ inline float weightAsFloat(float weight) { return weight; }
 inline float weightAsFloat(int32_t weight) { return static_cast<float>(weight) * 0x1.0p-14F; }
 inline void assignWeight(float& weight, float value) { weight = value; }
 // required: what reaches 2^31 wraps to -2^31.
-inline void assignWeight(int32_t& weight, float value) { weight = truncateOrLowest<int32_t>(std::max(value * 16384.0F, -2147483648.0F)); }
+inline void assignWeight(int32_t& weight, float value) {
+  weight = truncateOrLowest<int32_t>(std::max(value * 16384.0F, -2147483648.0F));
+}
 
 // One filter's rising section and then its falling one. required: filter n + 1 may be read; it has no falling section.
 template <class Bank>
