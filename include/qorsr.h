@@ -2880,6 +2880,113 @@ QORSR_API QorStatus qorsNormalizeInRangeMinMax_32f8u(const float* source, uint8_
 
 /* ---------------- Voice activity ---------------- */
 
+/** @defgroup voice_activity Voice activity
+ *  Speech or not, frame by frame, as front-ends need it that drop frames without speech. A frame gives three measures; each is
+ *  compared with a threshold that follows a slow tracker of its own. A frame is active if one of the measures lies above its
+ *  threshold, or if the caller's own count says so. The decision comes from the longest run of active frames among the last seven,
+ *  and from two hangovers, so that the ends of words are kept.
+ *
+ *      state memory: qorsVADGetBufSize_Aurora_32f()      then, once a stream, qorsVADInit_Aurora_32f()
+ *      once a frame:  qorsVADDecision_Aurora_32f()
+ *      at the end:    qorsVADFlush_Aurora_32f(), until it gives #qorVADUndecided: at most seven times
+ *
+ *  `decision` is #qorVADSpeech, #qorVADNoSpeech or #qorVADUndecided. The first ten frames are undecided. The ring of seven frames
+ *  makes the decision come late: of a word between silences, #qorVADSpeech begins two frames behind the first active frame.
+ *
+ *  **Measures**, with x the 64 values of `frame` and B the values of `bands`:
+ *  - variance: sum x^2 / 64 - (sum x)^2 / 4096;
+ *  - energy: S^2 - 3, S the sum of B[0] to B[24];
+ *  - spectrum: 3/4 c + 1/4 of the c of the frame before, c = (B[1] + B[2] + B[3]) / 3.
+ *
+ *  What the values are is up to the caller: in the front-end of the source below they are the 25 mel bands of the first stage's
+ *  Wiener filter, and its coefficients.
+ *
+ *  **Trackers.** T follows its measure m: in the first 14 frames T = max(T, m); then, if L T < m < U T, T = 0.8 T + 0.2 m; then, if
+ *  m is at most D T (of the variance: below), T = 0.97 T + 0.03 m. The measure is active if now m > G T.
+ *
+ *  | measure | U | L | D | G |
+ *  |---|---|---|---|---|
+ *  | variance | 1.5 | 0.85 | 0.25 | 1.65 |
+ *  | energy | 1.5 | 0.75 | 0.5 | 1.65 |
+ *  | spectrum | 1.5 | 0.75 | 0.5 | 3.25 |
+ *
+ *  The energy's tracker is e in frame 1. In frames n = 1 to 14 a mean becomes ((n - 1) mean + e) 1.1 / n; once e / mean exceeds 2.5,
+ *  the tracker takes the larger e no more: the stream began within a word.
+ *
+ *  **Decision**, with R the longest run of active frames in the ring:
+ *  - R at least 4: the long hangover begins anew: 23 frames, and 40 from the next time on if this happens before frame 36;
+ *  - R at least 3: the short hangover begins anew, 5 frames, and it is speech;
+ *  - R below 3: each hangover that is not 0 loses one frame; if both are 0, there is no speech.
+ *
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `size` | out | 1 | bytes: 64 |
+ *  | `state` of `VADInit_*` | block | bytes of `VADGetBufSize_*` | |
+ *  | `state` | in, out | | |
+ *  | `bands` | in | 25 | energies of bands |
+ *  | `frame` | in | 64 | |
+ *  | `activityCount` | value | any | at least 5: the frame is active |
+ *  | `decision` | out | 1 | |
+ *
+ *  Statuses: null, and no other. Values are not examined: a NaN or an infinity may settle in a tracker.
+ *
+ *  @warning The energy of 16-bit bands is taken modulo 2^32 (required): keep the sum of the 25 bands below 46341.
+ *  @warning After a flush a stream ends. A new one begins with `Init`.
+ *
+ *  **Exact arithmetic**
+ *  - Floats: all steps in float, in the order written, c by a division. The sums of `frame` run in sixteen lanes, S in eight, B[24]
+ *    behind them, all joined by halves. The larger of T and m is T where m is a NaN.
+ *  - 16 bits: integers. The variance is 64 times the sum of squares less the square of the sum, undivided. Products and shifts take 64
+ *    bits, shifts round down, what the state keeps wraps to 32 bits. The shares (required; they differ a little from those above):
+ *
+ *    | measure | L T | U T | follows: T = | D T | sinks: T = | G T |
+ *    |---|---|---|---|---|---|---|
+ *    | variance | 27 T >> 5 | 48 T >> 5 | (26 T >> 5) + (6 m >> 5) | 8 T >> 5 | (31 T >> 5) + m | 53 T >> 5 |
+ *    | energy | 96 T >> 7 | 192 T >> 7 | (102 T >> 7) + (26 m >> 7) | 64 T >> 7 | (124 T >> 7) + (m >> 5) | 211 T >> 7 |
+ *    | spectrum | 24 T >> 5 | 48 T >> 5 | (102 T >> 7) + (26 m >> 7) | 16 T >> 5 | (124 T >> 7) + (m >> 5) | 416 T >> 7 |
+ *
+ *    The spectrum is (8184 (B[1] + B[2] + B[3]) >> 5) + (8 c >> 5), c = 341 (B[1] + B[2] + B[3]) of the frame before; the mean of energy
+ *    ((n - 1) mean + e) 141 / n, truncated, >> 7; the jump 128 e / mean, truncated, above 320, and none where the mean is 0.
+ *  - Flush: the ring moves on and its oldest entry becomes the newest, with nothing written. required: there the counters fall in every
+ *    frame, below 0 too, and both at or below 0 end the speech.
+ *  - The count of frames stays at 2^31 - 1.
+ *
+ *  Source of the method: ETSI ES 202 050, "Distributed speech recognition; Advanced front-end feature extraction algorithm", annex A
+ *  (2007). @{ */
+
+/** A stream of floats. */
+typedef struct VADState_Aurora_32f VADState_Aurora_32f;
+/** A stream of 16-bit values. */
+typedef struct VADState_Aurora_16s VADState_Aurora_16s;
+
+/** What a decision says. */
+enum {
+  qorVADSpeech = 1,   /**< Speech. */
+  qorVADNoSpeech = 2, /**< No speech. */
+  qorVADUndecided = 4 /**< No decision: the stream's beginning, or the end of a flush. */
+};
+
+/** size = bytes of the caller's block for a stream of floats: 64. @see @ref voice_activity */
+QORSR_API QorStatus qorsVADGetBufSize_Aurora_32f(int32_t* size);
+/** size = bytes of the caller's block for a stream of 16-bit values: 64. @see @ref voice_activity */
+QORSR_API QorStatus qorsVADGetBufSize_Aurora_16s(int32_t* size);
+/** Begins a stream of floats, in the caller's block at any address. @see @ref voice_activity */
+QORSR_API QorStatus qorsVADInit_Aurora_32f(VADState_Aurora_32f* state);
+/** Begins a stream of 16-bit values, in the caller's block at any address. @see @ref voice_activity */
+QORSR_API QorStatus qorsVADInit_Aurora_16s(VADState_Aurora_16s* state);
+/** The decision of the next frame; state is read and written: float. @see @ref voice_activity */
+QORSR_API QorStatus qorsVADDecision_Aurora_32f(const float* bands, const float* frame, int32_t activityCount, int32_t* decision,
+                                               VADState_Aurora_32f* state);
+/** The decision of the next frame; state is read and written: 16-bit. @see @ref voice_activity */
+QORSR_API QorStatus qorsVADDecision_Aurora_16s(const int16_t* bands, const int16_t* frame, int32_t activityCount, int32_t* decision,
+                                               VADState_Aurora_16s* state);
+/** One of the decisions that still waited when a stream of floats ended; state is read and written. The two names are one function.
+ *  @see @ref voice_activity */
+QORSR_API QorStatus qorsVADFlush_Aurora_32f(int32_t* decision, VADState_Aurora_32f* state);
+/** As qorsVADFlush_Aurora_32f(), for a stream of 16-bit values. @see @ref voice_activity */
+QORSR_API QorStatus qorsVADFlush_Aurora_16s(int32_t* decision, VADState_Aurora_16s* state);
+/** @} */
+
 /* ---------------- Noise tracking by minima ---------------- */
 
 /* ================================ Vector quantisation ================================ */
