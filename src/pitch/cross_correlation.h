@@ -13,6 +13,8 @@
 
 namespace qorsr {
 
+using enum ShortTerms;
+
 // Of energies whose product is not above the least normal float, 0.
 inline float normalised(float product, float energy1, float energy2) {
   if (__builtin_fabsf(energy1 * energy2) <= 1.1754944e-38F) return 0.0F;
@@ -24,7 +26,7 @@ inline float toFloat(int64_t sum) { return static_cast<float>(static_cast<double
 
 inline QorStatus crossCorrelation(const int16_t* first, const int16_t* second, int32_t length, float* result) {
   if (QorStatus bad = Checks().null(first, second, result).size(length)) return bad;
-  const auto sums = shortDots<3>(length, [&](auto load, auto add) {
+  const auto sums = shortDots<kProducts, kSquares, kSquares>(length, [&](auto load, auto add) {
     const auto x = load(first), y = load(second);
     add(0, x, y);
     add(1, x, x);
@@ -36,7 +38,7 @@ inline QorStatus crossCorrelation(const int16_t* first, const int16_t* second, i
 
 inline QorStatus partialCrossCorrelation(const int16_t* first, const int16_t* second, int32_t length, float energy, float* result) {
   if (QorStatus bad = Checks().null(first, second, result).size(length).require(energy != 0.0F, qorStatusBadRange)) return bad;
-  const auto sums = shortDots<2>(length, [&](auto load, auto add) {
+  const auto sums = shortDots<kProducts, kSquares>(length, [&](auto load, auto add) {
     const auto y = load(second);
     add(0, load(first), y);
     add(1, y, y);
@@ -104,7 +106,7 @@ inline QorStatus decimatedCrossCorrelation(const int16_t* first, const int16_t* 
 inline QorStatus interpolatedCrossCorrelation(const int16_t* first, const int16_t* second, int32_t length, float* position,
                                               float* coefficient) {
   if (QorStatus bad = Checks().null(first, second, position, coefficient).size(length)) return bad;
-  const auto sums = shortDots<5>(length, [&](auto load, auto add) {
+  const auto sums = shortDots<kSquares, kProducts, kSquares, kProducts, kProducts>(length, [&](auto load, auto add) {
     const auto x = load(first), y = load(second), next = load(second + 1);
     add(0, y, y);
     add(1, y, next);
