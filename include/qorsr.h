@@ -2989,6 +2989,154 @@ QORSR_API QorStatus qorsVADFlush_Aurora_16s(int32_t* decision, VADState_Aurora_1
 
 /* ---------------- Noise tracking by minima ---------------- */
 
+/** @defgroup noise_tracking Noise tracking by minima
+ *  The power spectrum of noise under speech, bin by bin, by minima-controlled recursive averaging (MCRA): where the power has risen far
+ *  above its recent minimum, there is speech, and the estimate waits.
+ *
+ *      state memory: qorsGetSizeMCRA_32f()      then, once a stream, qorsInitMCRA_32f() or qorsAltInitMCRA_32f()
+ *      once a frame:  qorsUpdateNoisePSDMCRA_32f_I(): the frame's power spectrum in, the noise's in and out
+ *
+ *  With `length` that of the transform, there are length / 2 + 1 bins. Of every bin, x its power:
+ *
+ *      s = as s + (1 - as) x                          smoothed power
+ *      m = min(m, s),  t = min(t, s)                  minimum, and that since the last restart
+ *      p = ap p + (1 - ap where s > 5 m, else 0)      probability of speech
+ *      a = ad + (1 - ad) p
+ *      noise = a noise + (1 - a) x
+ *
+ *  Once a window of frames the search for the minimum begins anew: m = min(s, t), t = s. So a rise of the noise is found after one to
+ *  two windows. The first frame of a stream makes s, m, t and noise equal to x, and p to 0: what `noise` held before does not matter.
+ *
+ *  **Time constants** do not depend on the frame rate: with T = hop 125 / sampleRate, the hop in units of 8 ms, ad = 0.7^T, as = 0.8^T,
+ *  ap = 0.2^T, and the window is one second, 125 / T frames. `Init` takes length / 2 for the hop; `AltInit` is told the hop. Their
+ *  windows differ where length / 2 is no power of two: `Init` then counts hops of the power of two below it (required).
+ *
+ *  **Integers** (`32s`): powers of any unit, not negative; smoothing constants have 31 fraction bits.
+ *
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `size` | out | 1 | bytes |
+ *  | `state` of `InitMCRA_*`, `AltInitMCRA_*` | block | bytes of `GetSizeMCRA_*` | |
+ *  | `state` of `UpdateNoisePSDMCRA_*` | in, out | | |
+ *  | `sampleRate` | value | 8000 to 48000 | hertz |
+ *  | `length` | value | 8 to 8192 | samples of the transform, any number |
+ *  | `hop` | value | 1 to length / 2 | samples between frames |
+ *  | `spectrum` | in | state.bins | power |
+ *  | `noise` | in, out | state.bins | power |
+ *  | `bins` of `InitMCRA_*`, `AltInitMCRA_*` | is | length / 2 + 1 | |
+ *
+ *  | Members | Statuses, in order |
+ *  |---|---|
+ *  | `GetSize` | null; length (#qorStatusBadSize) |
+ *  | `Init` | null; sampleRate (#qorStatusBadRange); length (#qorStatusBadSize) |
+ *  | `AltInit` | null; sampleRate or hop (#qorStatusBadRange); length (#qorStatusBadSize) |
+ *  | `Update` | null |
+ *
+ *  @warning The constants of `32s` come from a short series around T = 0 (see below): use hops up to 12 ms, where they are within 0.01
+ *  of those of `32f`. Beyond 30 ms or so they are of no use.
+ *  @warning A state must not be moved or copied.
+ *
+ *  **Exact arithmetic**
+ *  - Floats: in float, every product and sum rounded, as written. min(a, b) is b where one of them is a NaN. T in float; powers in double
+ *    by the library's own function; the window is trunc(125 F), F = sampleRate 0.008 / hop rounded to float (`Init`: double arithmetic,
+ *    hop the power of two; `AltInit`: the product rounded to float, then divided in float).
+ *  - The window counts from its restart: the counter, raised after every frame, returns to 0 when a frame finds it at the window.
+ *  - Integers: s = (as s + (2^31 - 1 - as) x) >> 31, in 64 bits. p and noise are computed in double from 2^31 - 1 in place of 1, p = p
+ *    ap / 2^31 + (2^31 - 1 - ap or 0), a = ad + p (2^31 - 1 - ad) / 2^31, noise = a noise / 2^31 + (2^31 - 1 - a) x / 2^31, with p not
+ *    yet rounded in a; both are stored rounded to nearest even, in whatever mode the caller has; out of range as the most negative.
+ *  - Constants of integers: with T in Q15 and c the logarithm in Q31, u = c T >> 31, v = (u u >> 15) >> 1, w = v u >> 15, the power is
+ *    (1 + u + v + w / 3) in Q15, times 2^16, modulo 2^32. 0.2^T is the eighth power of that of ln(0.2) / 8. The window is (F + 1) 125 >>
+ *    15, F = 17179869 sampleRate >> 16, shifted right by log2 of the hop's power of two (`Init`), or divided by the hop before the
+ *    shift (`AltInit`).
+ *
+ *  Source of the method: Cohen and Berdugo, "Noise Estimation by Minima Controlled Recursive Averaging for Robust Speech Enhancement",
+ *  IEEE Signal Processing Letters 9 (2002). @{ */
+
+/** A stream of float spectra. */
+typedef struct MCRAState_32f MCRAState_32f;
+/** A stream of 32-bit spectra. */
+typedef struct MCRAState_32s MCRAState_32s;
+
+/** size = bytes of the caller's block: (length / 2) 16 + 84. It may begin at any multiple of 4. @see @ref noise_tracking */
+QORSR_API QorStatus qorsGetSizeMCRA_32f(int32_t length, int32_t* size);
+/** As qorsGetSizeMCRA_32f(), for 32-bit spectra. @see @ref noise_tracking */
+QORSR_API QorStatus qorsGetSizeMCRA_32s(int32_t length, int32_t* size);
+/** Begins a stream of float spectra, length / 2 samples apart. @see @ref noise_tracking */
+QORSR_API QorStatus qorsInitMCRA_32f(int32_t sampleRate, int32_t length, MCRAState_32f* state);
+/** Begins a stream of 32-bit spectra, length / 2 samples apart. @see @ref noise_tracking */
+QORSR_API QorStatus qorsInitMCRA_32s(int32_t sampleRate, int32_t length, MCRAState_32s* state);
+/** Begins a stream of float spectra, `hop` samples apart. @see @ref noise_tracking */
+QORSR_API QorStatus qorsAltInitMCRA_32f(int32_t sampleRate, int32_t length, int32_t hop, MCRAState_32f* state);
+/** Begins a stream of 32-bit spectra, `hop` samples apart. @see @ref noise_tracking */
+QORSR_API QorStatus qorsAltInitMCRA_32s(int32_t sampleRate, int32_t length, int32_t hop, MCRAState_32s* state);
+/** The noise's power spectrum after one more frame; state and noise are read and written: float. @see @ref noise_tracking */
+QORSR_API QorStatus qorsUpdateNoisePSDMCRA_32f_I(const float* spectrum, MCRAState_32f* state, float* noise);
+/** The noise's power spectrum after one more frame; state and noise are read and written: 32-bit. @see @ref noise_tracking */
+QORSR_API QorStatus qorsUpdateNoisePSDMCRA_32s_I(const int32_t* spectrum, MCRAState_32s* state, int32_t* noise);
+/** @} */
+
+/** @defgroup suppression_gains Gains that suppress noise
+ *  From ratios of signal to noise, bin by bin, the factors that a noisy spectrum is multiplied with.
+ *
+ *  **Wiener**: gain[i] = x / (1 + x), x = snr[i] the ratio of signal power to noise power (a priori).
+ *
+ *  **Ephraim and Malah** (`EMNS`): the gain of least mean square error of amplitudes. With prior = x / (1 + x), which the Wiener members
+ *  give, posterior the ratio of the noisy power to the noise's, and v = posterior prior,
+ *
+ *      gain = prior F(v),   F(v) = sqrt(pi / v) / 2  exp(-v / 2)  ((1 + v) I0(v / 2) + v I1(v / 2)),
+ *
+ *  I0 and I1 modified Bessel functions. A frame of a noise suppressor:
+ *
+ *      noise by qorsUpdateNoisePSDMCRA_32f_I(),  posterior = power / noise,
+ *      x = 0.98 gain_before^2 posterior_before + 0.02 max(posterior - 1, 0),
+ *      qorsFilterUpdateWiener_32f(x, prior),  qorsFilterUpdateEMNS_32f(prior, posterior, gain),  spectrum = gain spectrum
+ *
+ *  **Integers** (`32s`): ratios have 15 fraction bits, prior and gain 31; a gain of 1 and more is 2^31 - 1.
+ *
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `prior` of `FilterUpdateEMNS_32f` | in | length; each 0 to 1 | x / (1 + x) |
+ *  | `prior` of `FilterUpdateEMNS_32s` | in | length; each at least 0 | the same, Q31 |
+ *  | `posterior` | in | length | limited to 3.1e-5 .. 100; `32s`: 2^-15 .. 100 |
+ *  | `snr` | in | length; each at least 0 | x; Q15 in `32s` |
+ *  | `gain` | out | length | Q31 in `32s` |
+ *  | `length` | value | 1 to 65535 | |
+ *
+ *  | Status, in order | When |
+ *  |---|---|
+ *  | #qorStatusNullPointer | a pointer is null |
+ *  | #qorStatusBadLength | length outside 1 to 65535 |
+ *  | #qorStatusBadRange | `EMNS`: a prior below 0, or above 1 (`32f`) |
+ *  | #qorStatusBadArgument | Wiener: a ratio below 0 (required: with all gains written, and 0 in its place) |
+ *
+ *  **Error** of `EMNS`: F is within 0.7 % of the function for v from 3.2e-5 to 100; below, v counts in few steps.
+ *
+ *  @warning Integer Wiener gains are a staircase: x counts in steps of 1/16 below 4, of 4 below 64, of 64 below 512; from there to 1024 the
+ *  gain is that of 512, and beyond 2^31 - 1. Below 1/16 it is 0.
+ *  @warning The gain of `EMNS_32f` exceeds 1 where posterior is small.
+ *
+ *  **Exact arithmetic**
+ *  - `EMNS`: q = trunc(2^22 v), `32f` with v rounded to float, `32s` (posterior prior) >> 24. F is an integer T0[q], F rounded, for q up
+ *    to 128, and of q = 0 2^31 - 1. From 129 on, with 2^b the power of two at or below q, i = b - 7 and e = q - 2^b, it is ((e ((e T2[i]
+ *    >> 13) - T3[i])) >> (i + 5)) + T1[i], in integers, over 2^22; T1, T2, T3 are tables of the 22 octaves.
+ *  - `32f`: gain = prior T0[q], or prior times the integer (rounded to float) over 2^22. A NaN in posterior counts as 3.1e-5, one in prior
+ *    passes into the gain. `32s`: exact, limited to 2^31 - 1; (prior F) >> 22 rounds down.
+ *  - Wiener: `32f` by a division in float; minus zero and a NaN stay. `32s`: trunc(2^31 x / (1 + x)), x the lower end of its step.
+ *  - Nothing is allocated.
+ *
+ *  Source of the method: Ephraim and Malah, "Speech Enhancement Using a Minimum Mean-Square Error Short-Time Spectral Amplitude
+ *  Estimator", IEEE Transactions on Acoustics, Speech, and Signal Processing 32 (1984). @{ */
+
+/** Gains by Ephraim and Malah: float. @see @ref suppression_gains */
+QORSR_API QorStatus qorsFilterUpdateEMNS_32f(const float* prior, const float* posterior, float* gain, int32_t length);
+/** Gains by Ephraim and Malah: 32-bit. @see @ref suppression_gains */
+QORSR_API QorStatus qorsFilterUpdateEMNS_32s(const int32_t* prior, const int32_t* posterior, int32_t* gain, int32_t length);
+/** Wiener gains: float. @see @ref suppression_gains */
+QORSR_API QorStatus qorsFilterUpdateWiener_32f(const float* snr, float* gain, int32_t length);
+/** Wiener gains, a staircase: 32-bit. @see @ref suppression_gains */
+QORSR_API QorStatus qorsFilterUpdateWiener_32s(const int32_t* snr, int32_t* gain, int32_t length);
+/** @} */
+
 /* ================================ Vector quantisation ================================ */
 
 /* ---------------- Codebook training ---------------- */

@@ -113,6 +113,18 @@ TEST(VoiceActivityRecords, OfIntegers) {
   expectRecords<int16_t, model::ActivityOfIntegers, VADState_Aurora_16s>(qorsVADInit_Aurora_16s, qorsVADDecision_Aurora_16s);
 }
 
+TEST(VoiceActivityThresholds, OfTheJump) {
+  for (const float mean : {0.5F, 3.0F, 1000.0F, -4.0F}) {
+    EXPECT_FALSE(RealActivity::jumps(2.5F * mean, mean));
+    EXPECT_TRUE(RealActivity::jumps(2.501F * mean, mean));
+  }
+  for (const int64_t mean : {1, 3, 1000, -4}) {
+    EXPECT_FALSE(WholeActivity::jumps(mean * 5 / 2, mean));
+    EXPECT_TRUE(WholeActivity::jumps(mean * 5 / 2 + (mean < 0 ? -1 : 1) * (1 + mean / 40), mean));
+  }
+  EXPECT_FALSE(WholeActivity::jumps(INT32_MAX, 0));
+}
+
 // A count of frames stays at its end, and a record there goes on as one in mid-stream.
 TEST(VoiceActivityFrames, StayAtTheEndOfTheirRange) {
   EXPECT_EQ(qorsr::nextFrame(INT32_MAX - 1), INT32_MAX);
