@@ -2,7 +2,10 @@
 
 #include <cmath>
 
-#include "features/real_transform.cpp"  // NOLINT(bugprone-suspicious-include): a copy of its own, at the level of this module
+// NOLINTBEGIN(bugprone-suspicious-include): copies of its own, at the level of this module
+#include "features/real_transform.cpp"
+#include "frame/elementary/angle.cpp"
+// NOLINTEND(bugprone-suspicious-include)
 
 void programWindow(const float* samples, const float* window, int32_t frameLength, float* frame, int32_t fftLength) {
   for (int32_t i = 0; i < frameLength; ++i) frame[i] = (samples[i + 1] - 0.97F * samples[i]) * window[i];

@@ -5,8 +5,22 @@
 namespace voice {
 namespace {
 
-constexpr int rounds = 20;
-constexpr double noise = 1e-6;  // added to the energy, so that few harmonics leave R regular
+constexpr int rounds = 20;        // at most
+constexpr double settled = 1e-4;  // the change of coefficients that ends them, relative
+constexpr double noise = 1e-6;    // added to the energy, so that few harmonics leave R regular
+
+// In several sums at once, so that they may run side by side.
+double dot(const double* a, const double* b, size_t count) {
+  constexpr size_t lanes = 8;
+  double sums[lanes] = {}, rest = 0;
+  size_t i = 0;
+  for (; i + lanes <= count; i += lanes) {
+    for (size_t l = 0; l < lanes; ++l) sums[l] += a[i + l] * b[i + l];
+  }
+  for (; i < count; ++i) rest += a[i] * b[i];
+  for (const double sum : sums) rest += sum;
+  return rest;
+}
 
 }  // namespace
 
@@ -14,8 +28,7 @@ bool DiscreteFit::factorise(const std::vector<double>& harmonics) {
   const size_t n = order_ + 1, count = harmonics.size();
   std::vector<double> lags(n);
   for (size_t i = 0; i < n; ++i) {
-    for (size_t m = 0; m < count; ++m) lags[i] += harmonics[m] * cosines_[i * count + m];
-    lags[i] /= static_cast<double>(count);
+    lags[i] = dot(harmonics.data(), &waves_[2 * i * count], count) / static_cast<double>(count);
   }
   lags[0] *= 1 + noise;
   factor_.assign(n * n, 0);
@@ -45,44 +58,43 @@ void DiscreteFit::solve(std::vector<double>& x) const {
 bool DiscreteFit::improve(std::vector<double>& a, const std::vector<double>& harmonics, double step) {
   order_ = a.size() - 1;
   const size_t n = order_ + 1, count = harmonics.size();
-  cosines_.resize(n * count);
-  sines_.resize(n * count);
+  waves_.resize(n * 2 * count);
   for (size_t m = 0; m < count; ++m) {
     const double c = std::cos(step * static_cast<double>(m + 1)), s = std::sin(step * static_cast<double>(m + 1));
     double re = 1, im = 0;
     for (size_t i = 0; i < n; ++i) {
-      cosines_[i * count + m] = re;
-      sines_[i * count + m] = im;
+      waves_[2 * i * count + m] = re;
+      waves_[(2 * i + 1) * count + m] = im;
       const double next = re * c - im * s;
       im = re * s + im * c;
       re = next;
     }
   }
   if (!factorise(harmonics)) return false;
-  std::vector<double> fitted = a, h(n), re(count), im(count);
+  const size_t columns = 2 * count;
+  std::vector<double> fitted = a, h(n), z(columns);
   for (int round = 0; round < rounds; ++round) {
     // 1 / A at the harmonics, A = re - j im.
-    re.assign(count, 0);
-    im.assign(count, 0);
+    z.assign(columns, 0);
     for (size_t i = 0; i < n; ++i) {
-      for (size_t m = 0; m < count; ++m) {
-        re[m] += fitted[i] * cosines_[i * count + m];
-        im[m] += fitted[i] * sines_[i * count + m];
-      }
+      for (size_t c = 0; c < columns; ++c) z[c] += fitted[i] * waves_[i * columns + c];
     }
     for (size_t m = 0; m < count; ++m) {
-      const double scale = 1 / ((re[m] * re[m] + im[m] * im[m]) * static_cast<double>(count));
-      re[m] *= scale;
-      im[m] *= scale;
+      double &re = z[m], &im = z[count + m];
+      const double scale = 1 / ((re * re + im * im) * static_cast<double>(count));
+      re *= scale;
+      im *= scale;
     }
     // The real part of e^-jwi (re + j im).
-    for (size_t i = 0; i < n; ++i) {
-      double sum = 0;
-      for (size_t m = 0; m < count; ++m) sum += cosines_[i * count + m] * re[m] + sines_[i * count + m] * im[m];
-      h[i] = sum;
-    }
+    for (size_t i = 0; i < n; ++i) h[i] = dot(&waves_[i * columns], z.data(), columns);
     solve(h);
-    for (size_t i = 0; i < n; ++i) fitted[i] = (fitted[i] + h[i]) / 2;
+    double change = 0, size = 0;
+    for (size_t i = 0; i < n; ++i) {
+      change += std::fabs(h[i] - fitted[i]);
+      size += std::fabs(fitted[i]);
+      fitted[i] = (fitted[i] + h[i]) / 2;
+    }
+    if (change < settled * size) break;
   }
   for (const double value : fitted) {
     if (!std::isfinite(value)) return false;

@@ -22,8 +22,8 @@ class DiscreteFit {
   void solve(std::vector<double>& x) const;
 
   size_t order_ = 0;
-  std::vector<double> cosines_, sines_;  ///< [lag][harmonic]
-  std::vector<double> factor_;           ///< lower triangle of R, Cholesky's
+  std::vector<double> waves_;   ///< [lag][cosines, then sines, of the harmonics]
+  std::vector<double> factor_;  ///< lower triangle of R, Cholesky's
 };
 
 }  // namespace voice
