@@ -2876,6 +2876,133 @@ QORSR_API QorStatus qorsNormalizeInRangeMinMax_32f8u(const float* source, uint8_
 
 /* ---------------- Spectral noise reduction ---------------- */
 
+/** @defgroup noise_reduction Spectral noise reduction
+ *  The frame-by-frame steps of a two-stage Wiener filter for speech at 8 kHz. The caller holds all buffers and what passes from frame to
+ *  frame; nothing here keeps a state.
+ *
+ *  **Power spectrum** (`SmoothedPowerSpectrum`) of a packed real transform: spectrum[0] is the first bin, spectrum[1] the last one, both
+ *  real; real and imaginary parts of the others follow. Neighbouring bins are merged: with n = length / 4,
+ *
+ *      power[k] = (x[4k]^2 + x[4k+1]^2 + x[4k+2]^2 + x[4k+3]^2) / 2, k = 1 to n - 1
+ *      power[0] = (x[0]^2 + x[2]^2 + x[3]^2) / 2,   power[n] = x[1]^2, which is not halved
+ *
+ *  `Sfs` members give that times 2^-scaleFactor.
+ *
+ *  **Noise** (`NoiseSpectrumUpdate`), x the present spectrum and n the noise so far:
+ *
+ *      result = n ((0.1 x / (x + n)) (n / (n + 0.1 x) + 1) + 0.9)
+ *
+ *  It falls by a tenth a frame at most and rises more slowly. A divisor of 0 gives 0. `Sfs`: times 2^-scaleFactor. The result may be
+ *  the noise itself.
+ *
+ *  **Gains** (`WienerFilterDesign`), with the denoised spectrum p of the frame before: a = (0.02 max(x - n, 0) + 0.98 p) / n,
+ *  b = max(a / (a + 1) x / n, 10^(-22/20)), gain = b / (b + 1). `16s`: in Q14, 16384 is 1.
+ *
+ *  **Taps** (`TabsCalculation`) from coefficients c, with c[0] in the middle: taps[8] = c[0], taps[8 - k] = c[k] and
+ *  taps[8 + k] = c[k + 1] for k = 1 to 8.
+ *
+ *  **Filter** (`ResidualFilter`): result[i] = sum over k = 0 to 16 of taps[k] source[i + k]. `16s`: times 2^-scaleFactor; with taps in Q15
+ *  the scale factor is 15.
+ *
+ *  **Waveform** (`WaveProcessing`): with Teager's energy e[n] = |x[n]^2 - x[n-1] x[n+1]|, at the ends |(x[0] - x[1]) x[0]| and |(x[199] -
+ *  x[198]) x[199]|, summed over 9 samples (ends repeated) to s[n], peaks are searched: the largest s; from it, forwards, the largest of
+ *  s[p+25] to s[p+79] for as long as there is room behind p, and backwards the largest of s[p-79] to s[p-25] likewise. From 4 samples
+ *  before each peak on, 0.8 of the way to the next one is amplified by 1.2 (behind the last peak: of the way from the one before); what is
+ *  left is weakened by 0.8. Both samples at each step between the two stay as they are. `16s`: 38/32 and 27/32, over 27/32 of the way.
+ *
+ *  @warning The two sides of the filter are one coefficient apart: c[1] stands on the left side only and c[9] on the right one.
+ *
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `spectrum` | in | length | packed transform |
+ *  | `power` | out | length / 4 + 1 | |
+ *  | `present` | in | length | power spectrum of this frame |
+ *  | `noise` | in | length | noise so far |
+ *  | `denoised` | in | length | denoised spectrum of the frame before |
+ *  | `gain` | out | length | `16s`: Q14 |
+ *  | `result` of `ResidualFilter_*` | out | 80 | |
+ *  | `result` of `WaveProcessing_*` | out | 200 | |
+ *  | `result` | out | length | new noise |
+ *  | `coefficients` | in | 10 | |
+ *  | `taps` of `TabsCalculation_*` | out | 17 | |
+ *  | `taps` of `ResidualFilter_*` | in | 17 | |
+ *  | `source` of `ResidualFilter_*` | in | 96 | the frame with 16 samples more |
+ *  | `source` of `WaveProcessing_*` | in | 200 | |
+ *  | `length` of `SmoothedPowerSpectrum*` | value | at least 4, a multiple of 4 | |
+ *  | `length` | value | at least 1 | |
+ *  | `scaleFactor` | value | any | |
+ *
+ *  | Status, in order | when |
+ *  |---|---|
+ *  | #qorStatusNullPointer | a pointer is null |
+ *  | #qorStatusBadSize | a length below 1; `SmoothedPowerSpectrum`: not a multiple of 4 |
+ *
+ *  **Exact arithmetic.** Every operation is rounded on its own, in the order that is written.
+ *  - `SmoothedPowerSpectrum_32f`: ((x[4k]^2 + x[4k+1]^2) + (x[4k+2]^2 + x[4k+3]^2)) 0.5, without x[1]^2 in the first result. Integer squares
+ *    are halved one by one, rounding down. required, at the limits:
+ *    - `16s`: sums wrap in 32 bits (four times -32768 give -2^31) and are limited to 16 bits; the first and the last result are limited to
+ *      32767.
+ *    - `32s`: the first result is an exact sum, shifted and saturated; those in the middle are formed in double, from squares that are not
+ *      halved times 2^-(scaleFactor + 1), rounded to nearest, ties to even, and what is out of range (a NaN, too) becomes the most negative
+ *      integer; the last one is the square's low 32 bits, taken as a signed number, shifted and saturated.
+ *    - `32s64s`: exact sums modulo 2^64, shifted; the last one from the square's low 32 bits likewise.
+ *  - `NoiseSpectrumUpdate` rounds every operation toward zero, in every rounding mode of the caller. `Sfs`: integers are converted to float;
+ *    r = n / d, t = n ((x / (x + n)) 0.1 (r + 1) + 0.9) 2^-scaleFactor, with d = 0.1 x + n, a zero if that is one when truncated
+ *    (`32s`: d = n + 0.1 x truncated, and sums of integers are exact before they are converted). t is limited and truncated, and a NaN (0
+ *    times an infinite power of two) gives 0. required: what is above 2^31 in `32s` becomes the most negative integer.
+ *  - `WienerFilterDesign_32f`: r = 1 / n, a / (a + 1) times x r, with 0.07943282 as the floor, which a NaN takes too (no noise gives one).
+ *    `16s`, with quotients truncated and i = 16384 / n: A = ((4014 p + 82 max(x - n, 0)) i) >> 14, g = (A 16384) / (A + 4096), b =
+ *    max(((x g) >> 14) i, 1301), gain = 128 b / ((b >> 7) + 128). No noise gives 1206, and so does a divisor A + 4096 of 0.
+ *  - `ResidualFilter_32f` adds in the order of the taps. `16s`: products of taps 0 and 1, of 2 and 3, and so on up to 15 are added in 32 bits
+ *    that wrap (required); these sums and the last product exactly; times the power of two, limited to 16 bits, to nearest, ties to even.
+ *  - `WaveProcessing`: s is a running sum (required: s[n] = (s[n-1] + e[n+4]) - e[n-5], beginning with nine terms in their order); the
+ *    first of equal values is a peak. `16s`: energies have 32 bits, sums wrap there; products are rounded to nearest, ties to even, and
+ *    saturated.
+ *  - Nothing is allocated.
+ *
+ *  Source of the method: Macho and others, "Evaluation of a noise-robust DSR front-end on Aurora databases", ICSLP 2002; ETSI ES 202 050.
+ *  Ephraim and Malah, "Speech enhancement using a minimum mean-square error short-time spectral amplitude estimator", IEEE Trans. ASSP 32
+ *  (1984). @{ */
+
+/** Power spectrum of a packed float transform, two bins in each result. @see @ref noise_reduction */
+QORSR_API QorStatus qorsSmoothedPowerSpectrumAurora_32f(const float* spectrum, float* power, int32_t length);
+/** Power spectrum of a packed 16-bit transform, two bins in each result. @see @ref noise_reduction */
+QORSR_API QorStatus qorsSmoothedPowerSpectrumAurora_16s(const int16_t* spectrum, int16_t* power, int32_t length);
+/** Power spectrum of a packed 32-bit transform, two bins in each result, scaled. @see @ref noise_reduction */
+QORSR_API QorStatus qorsSmoothedPowerSpectrumAurora_32s_Sfs(const int32_t* spectrum, int32_t* power, int32_t length,
+                                                            int32_t scaleFactor);
+/** Power spectrum of a packed 32-bit transform as 64-bit numbers, two bins in each result, scaled. @see @ref noise_reduction */
+QORSR_API QorStatus qorsSmoothedPowerSpectrumAurora_32s64s_Sfs(const int32_t* spectrum, int64_t* power, int32_t length,
+                                                               int32_t scaleFactor);
+/** New noise estimate of a float spectrum. @see @ref noise_reduction */
+QORSR_API QorStatus qorsNoiseSpectrumUpdate_Aurora_32f(const float* present, const float* noise, float* result, int32_t length);
+/** New noise estimate of a 16-bit spectrum, scaled. @see @ref noise_reduction */
+QORSR_API QorStatus qorsNoiseSpectrumUpdate_Aurora_16s_Sfs(const int16_t* present, const int16_t* noise, int16_t* result,
+                                                           int32_t length, int32_t scaleFactor);
+/** New noise estimate of a 32-bit spectrum, scaled. @see @ref noise_reduction */
+QORSR_API QorStatus qorsNoiseSpectrumUpdate_Aurora_32s_Sfs(const int32_t* present, const int32_t* noise, int32_t* result,
+                                                           int32_t length, int32_t scaleFactor);
+/** Wiener gains of a float spectrum. @see @ref noise_reduction */
+QORSR_API QorStatus qorsWienerFilterDesign_Aurora_32f(const float* present, const float* noise, const float* denoised, float* gain,
+                                                      int32_t length);
+/** Wiener gains of a 16-bit spectrum, in Q14. @see @ref noise_reduction */
+QORSR_API QorStatus qorsWienerFilterDesign_Aurora_16s(const int16_t* present, const int16_t* noise, const int16_t* denoised,
+                                                      int16_t* gain, int32_t length);
+/** The 17 taps of a filter from 10 float coefficients. @see @ref noise_reduction */
+QORSR_API QorStatus qorsTabsCalculation_Aurora_32f(const float* coefficients, float* taps);
+/** The 17 taps of a filter from 10 16-bit coefficients. @see @ref noise_reduction */
+QORSR_API QorStatus qorsTabsCalculation_Aurora_16s(const int16_t* coefficients, int16_t* taps);
+/** Filters a float frame of 80 samples. @see @ref noise_reduction */
+QORSR_API QorStatus qorsResidualFilter_Aurora_32f(const float* source, float* result, const float* taps);
+/** Filters a 16-bit frame of 80 samples; results are scaled. @see @ref noise_reduction */
+QORSR_API QorStatus qorsResidualFilter_Aurora_16s_Sfs(const int16_t* source, int16_t* result, const int16_t* taps,
+                                                      int32_t scaleFactor);
+/** Weights a float frame of 200 samples by its energy's contour. @see @ref noise_reduction */
+QORSR_API QorStatus qorsWaveProcessing_Aurora_32f(const float* source, float* result);
+/** Weights a 16-bit frame of 200 samples by its energy's contour. @see @ref noise_reduction */
+QORSR_API QorStatus qorsWaveProcessing_Aurora_16s(const int16_t* source, int16_t* result);
+/** @} */
+
 /* ---------------- Band split and equalisation ---------------- */
 
 /* ---------------- Voice activity ---------------- */

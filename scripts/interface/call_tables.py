@@ -4,7 +4,8 @@ import argparse
 import description
 import formula
 
-ELEMENTS = {"uint8_t": "k8u", "int16_t": "k16s", "uint16_t": "k16u", "int32_t": "k32s", "float": "k32f", "double": "k64f"}
+ELEMENTS = {"uint8_t": "k8u", "int16_t": "k16s", "uint16_t": "k16u", "int32_t": "k32s", "int64_t": "k64s", "float": "k32f",
+            "double": "k64f"}
 REAL = ("float", "double")
 
 
@@ -87,7 +88,7 @@ class Tables:
             return "{}"
         choices = self.list("Bound", [self.bound(t, real) for t in d.choices or []])
         flags = [str(f).lower() for f in (d.low_open, d.high_open)]
-        return f"{{{self.bound(d.low, real)}, {self.bound(d.high, real)}, {flags[0]}, {flags[1]}, {choices}}}"
+        return f"{{{self.bound(d.low, real)}, {self.bound(d.high, real)}, {flags[0]}, {flags[1]}, {choices}, {self.formula(d.step)}}}"
 
     def shape(self, s):
         if s is None:

@@ -21,9 +21,10 @@ class Domain:
     low_open: bool = False
     high_open: bool = False
     choices: list = None
+    step: tuple = None  # multiples of it alone
 
     def formulas(self):
-        return [t for t in (self.low, self.high, *(self.choices or [])) if t is not None]
+        return [t for t in (self.low, self.high, self.step, *(self.choices or [])) if t is not None]
 
 
 @dataclass
@@ -105,7 +106,7 @@ def parse_domain(text):
         domain.low, domain.high = (formula.parse(e) for e in ends)
         return domain
     parts = split_outside_brackets(text, [r",\s", r"\sor\s"])
-    bounds = [re.match(r"(at least|above|at most|below)\s+(.*)", p) for p in parts]
+    bounds = [re.match(r"(at least|above|at most|below|a multiple of)\s+(.*)", p) for p in parts]
     if not any(bounds):
         domain.choices = [formula.parse(p) for p in parts]
         return domain
@@ -113,7 +114,9 @@ def parse_domain(text):
         if not bound:
             raise Mistake(f"values '{text}': cannot read '{part}'")
         tree = formula.parse(bound[2])
-        if bound[1] in ("at least", "above"):
+        if bound[1] == "a multiple of":
+            domain.step = tree
+        elif bound[1] in ("at least", "above"):
             domain.low, domain.low_open = tree, bound[1] == "above"
         else:
             domain.high, domain.high_open = tree, bound[1] == "below"

@@ -45,6 +45,7 @@ struct Domain {
   Bound low, high;
   bool lowOpen = false, highOpen = false;
   std::span<const Bound> choices;
+  Whole step = nullptr;  // multiples of it alone
   bool any() const { return low.whole == nullptr && high.whole == nullptr && choices.empty(); }
 };
 // width elements; or rows of width elements, stride apart. With `each`, one such block for each element of that array.
@@ -53,7 +54,7 @@ struct Shape {
   int each = -1, eachName = -1;
 };
 
-enum class Element : uint8_t { k8u, k16s, k16u, k32s, k32f, k64f, kRecord };
+enum class Element : uint8_t { k8u, k16s, k16u, k32s, k64s, k32f, k64f, kRecord };
 enum class Kind : uint8_t { kValue, kArea, kRows, kRecord, kMakes, kBlock, kFrees };
 struct Parameter {
   const char* name;

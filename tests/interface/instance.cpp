@@ -234,6 +234,9 @@ std::vector<Argument> valuesOutside(const Parameter& parameter, const Numbers& n
       }
       below = above = true;
     }
+    if constexpr (!std::is_floating_point_v<T>) {
+      if (domain.step != nullptr && domain.step(numbers) > 1) add(neighbour(low, true));
+    }
     if (below && low > Limits::lowest()) {
       add(Limits::lowest());
       add(neighbour(low, false));

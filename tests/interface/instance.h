@@ -124,6 +124,8 @@ auto withElement(Element element, Body body) {
       return body(uint16_t{});
     case Element::k32s:
       return body(int32_t{});
+    case Element::k64s:
+      return body(int64_t{});
     case Element::k32f:
       return body(float{});
     default:

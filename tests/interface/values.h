@@ -69,7 +69,8 @@ T drawWithin(const Domain& domain, const Numbers& numbers, int64_t span, kit::Ra
     }
   } else {
     if (domain.low.whole == nullptr) return static_cast<T>(random.integer(std::max<int64_t>(low, int64_t{high} - span), high));
-    return static_cast<T>(random.integer(low, std::min<int64_t>(high, int64_t{low} + span)));
+    const int64_t value = random.integer(low, std::min<int64_t>(high, int64_t{low} + span));
+    return static_cast<T>(domain.step != nullptr ? std::max<int64_t>(value - value % domain.step(numbers), low) : value);
   }
 }
 
