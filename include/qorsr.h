@@ -3058,6 +3058,8 @@ QORSR_API QorStatus qorsWaveProcessing_Aurora_16s(const int16_t* source, int16_t
  *  Statuses: null, and no other. Values are not examined: a NaN or an infinity may settle in a tracker.
  *
  *  @warning The energy of 16-bit bands is taken modulo 2^32 (required): keep the sum of the 25 bands below 46341.
+ *  @warning Keep S above the root of 3 from the first frame on: negative energies in the first frames may leave the tracker negative,
+ *  and then every frame is active.
  *  @warning After a flush a stream ends. A new one begins with `Init`.
  *
  *  **Exact arithmetic**
