@@ -25,6 +25,21 @@ install(FILES ${PROJECT_SOURCE_DIR}/include/qorsr.h ${PROJECT_SOURCE_DIR}/includ
 install(FILES ${PROJECT_SOURCE_DIR}/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN "*.md")
 
+# A manual page a function, where a Python is at hand to make them.
+find_package(Python3 3.9 COMPONENTS Interpreter QUIET)
+if(Python3_FOUND)
+  set(interface ${PROJECT_SOURCE_DIR}/scripts/interface)
+  set(manual ${PROJECT_BINARY_DIR}/man)
+  add_custom_command(
+    OUTPUT ${manual}/man7/qorsr.7
+    COMMAND ${Python3_EXECUTABLE} -B ${interface}/manual_pages.py ${PROJECT_SOURCE_DIR}/include/qorsr.h ${manual}
+    DEPENDS ${PROJECT_SOURCE_DIR}/include/qorsr.h ${interface}/manual_pages.py ${interface}/description.py ${interface}/formula.py
+            ${interface}/header.py
+    VERBATIM)
+  add_custom_target(qorsr_manual ALL DEPENDS ${manual}/man7/qorsr.7)
+  install(DIRECTORY ${manual}/ DESTINATION ${CMAKE_INSTALL_MANDIR})
+endif()
+
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN "*.c" PATTERN "*.md")
 
 # find_package(qorsr): qorsr::qorsr, qorsr::qorcore, qorsr::qorsr_static, qorsr::qorcore_static

@@ -9,7 +9,7 @@
  *  parameters in a table (what is read and written, how many elements), then errors, statuses and traps; how sums are grouped and
  *  which quirks are kept stands last, under "Exact arithmetic".
  *
- *  ## Reading a name `qors`, the operation, then words for variant, element types, layout and scaling:
+ *  **Reading a name.** `qors`, the operation, then words for variant, element types, layout and scaling:
  *  `qorsMeanVarColumn_16s32s_D2LSfs`.
  *  - Types: `16s`, `32s`, `64s` signed integers, `8u` bytes, `1u` packed bits, `32f` float, `64f` double. One type word: source
  *    and result alike. Two: source, result. Three: source, first result, second result.
@@ -22,11 +22,11 @@
  *  qorsMeanColumn_32f_D2() source, height, stride, result, width; qorsSumRow_32f_D2() source, width, stride, result, height. All
  *  are 32-bit integers, so a compiler does not see a mistake: look at the declaration.
  *
- *  ## Scale factors The exact result times 2^-sf is rounded and saturated: a positive sf makes results smaller, a negative one
+ *  **Scale factors.** The exact result times 2^-sf is rounded and saturated: a positive sf makes results smaller, a negative one
  *  larger, 0 leaves them. Where a product of data with a and b fraction bits is to have q, sf = a + b - q. How a family rounds
  *  stands with it; scorers scale as told in @ref gaussian_single.
  *
- *  ## What every function promises
+ *  **What every function promises.**
  *  - **Statuses.** A negative status: a fault in the arguments (or no memory); no result was written, unless the function says
  *    otherwise. A positive one: a warning, with all results written. The checks run in the order in which a family lists them, and
  *    the first that fails decides. "Null" in such a list: a required pointer is null (#qorStatusNullPointer); a size below its

@@ -67,6 +67,7 @@ class Described:
     shape: Shape = None
     domain: Domain = field(default_factory=Domain)  # of a value; of each element of an area
     patterns: list = field(default_factory=list)  # of a record: functions that make it; of a block: those that tell its size
+    line: Line = None  # of the table, where all this stands
 
     def formulas(self):
         return (self.shape.formulas() if self.shape else []) + self.domain.formulas()
@@ -178,7 +179,7 @@ def describe(parameter, line, records):
         if not condition:
             raise Mistake(f"{parameter.type} {parameter.name}: {what} ('{line.text}')")
 
-    described = Described(parameter, line.use, line.null, line.meaning, line.use)
+    described = Described(parameter, line.use, line.null, line.meaning, line.use, line=line)
     record = parameter.base in records
     if line.use == "value":
         must(parameter.stars == 0, "a pointer has no value")
