@@ -3274,6 +3274,75 @@ QORSR_API QorStatus qorsFilterUpdateWiener_32s(const int32_t* snr, int32_t* gain
 
 /* ---------------- Split quantisation and forming of vectors ---------------- */
 
+/** @defgroup vector_forming Vectors from indices
+ *  A vector that was quantised in parts, each part with a table of its own, put together again: the row that each index names, one
+ *  behind the other.
+ *
+ *  - `FormVector`: tables of any shape. Book j gives dimensions[j] elements from tables[j][indices[j] * strides[j]] on.
+ *  - `2i`, `4i`: tables whose rows have two or four elements and no gaps. There are length / 2 or length / 4 of them; what remains of the
+ *    length is not touched.
+ *
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `indices` of `FormVector_2i_*` | in | length / 2; each at least 0, usually 0 to 3 | below sizes[j] |
+ *  | `indices` of `FormVector_4i_*` | in | length / 4; each at least 0, usually 0 to 3 | below sizes[j] |
+ *  | `indices` | in | bookCount; each at least 0, usually 0 to 3 | below sizes[j] |
+ *  | `tables` of `FormVector_2i_*` | in | length / 2 x 8 | sizes[j] rows each; at the usual indices four are read |
+ *  | `tables` of `FormVector_4i_*` | in | length / 4 x 16 | the same |
+ *  | `tables` | in | bookCount x 21 | sizes[j] rows each, strides[j] apart; at the usual numbers 21 elements are read |
+ *  | `sizes` of `FormVector_2i_*` | in | length / 2; each at least 1, usually 4 to 9 | rows of each table |
+ *  | `sizes` of `FormVector_4i_*` | in | length / 4; each at least 1, usually 4 to 9 | rows of each table |
+ *  | `sizes` | in | bookCount; each at least 1, usually 4 to 9 | rows of each table |
+ *  | `dimensions` | in | bookCount; each at least 1, usually 1 to 6 | |
+ *  | `strides` | in | bookCount; each at least 1, usually 1 to 5 | elements from one row to the next; not compared with the dimension |
+ *  | `bookCount`, `length` | value | at least 1 | |
+ *  | `result` of `FormVector_2i_*` | out | length / 2 * 2 | |
+ *  | `result` of `FormVector_4i_*` | out | length / 4 * 4 | |
+ *  | `result` | out | sum(dimensions) | |
+ *
+ *  Statuses: null; bookCount or length below 1 (#qorStatusBadSize); then, for each book in order, a dimension or stride below 1, or an index
+ *  that is negative or not below the size (#qorStatusBadSize). Nothing is then written.
+ *
+ *  @warning qorsFormVector_2i_16s32f() alone lets an index pass that equals the size (required): the table must then have one row more. @{ */
+
+/** A vector of one row from each table: 16-bit indices, 16-bit rows. @see @ref vector_forming */
+QORSR_API QorStatus qorsFormVector_16s16s(const int16_t* indices, const int16_t* const* tables, const int32_t* sizes,
+                                          const int32_t* dimensions, const int32_t* strides, int32_t bookCount, int16_t* result);
+/** A vector of one row from each table: 16-bit indices, float rows. @see @ref vector_forming */
+QORSR_API QorStatus qorsFormVector_16s32f(const int16_t* indices, const float* const* tables, const int32_t* sizes,
+                                          const int32_t* dimensions, const int32_t* strides, int32_t bookCount, float* result);
+/** A vector of one row from each table: byte indices, 16-bit rows. @see @ref vector_forming */
+QORSR_API QorStatus qorsFormVector_8u16s(const uint8_t* indices, const int16_t* const* tables, const int32_t* sizes,
+                                         const int32_t* dimensions, const int32_t* strides, int32_t bookCount, int16_t* result);
+/** A vector of one row from each table: byte indices, float rows. @see @ref vector_forming */
+QORSR_API QorStatus qorsFormVector_8u32f(const uint8_t* indices, const float* const* tables, const int32_t* sizes,
+                                         const int32_t* dimensions, const int32_t* strides, int32_t bookCount, float* result);
+/** A vector of rows of two elements: 16-bit indices, 16-bit rows. @see @ref vector_forming */
+QORSR_API QorStatus qorsFormVector_2i_16s16s(const int16_t* indices, const int16_t* const* tables, const int32_t* sizes,
+                                             int16_t* result, int32_t length);
+/** A vector of rows of two elements: 16-bit indices, float rows. An index that equals the size passes. @see @ref vector_forming */
+QORSR_API QorStatus qorsFormVector_2i_16s32f(const int16_t* indices, const float* const* tables, const int32_t* sizes,
+                                             float* result, int32_t length);
+/** A vector of rows of two elements: byte indices, 16-bit rows. @see @ref vector_forming */
+QORSR_API QorStatus qorsFormVector_2i_8u16s(const uint8_t* indices, const int16_t* const* tables, const int32_t* sizes,
+                                            int16_t* result, int32_t length);
+/** A vector of rows of two elements: byte indices, float rows. @see @ref vector_forming */
+QORSR_API QorStatus qorsFormVector_2i_8u32f(const uint8_t* indices, const float* const* tables, const int32_t* sizes, float* result,
+                                            int32_t length);
+/** A vector of rows of four elements: 16-bit indices, 16-bit rows. @see @ref vector_forming */
+QORSR_API QorStatus qorsFormVector_4i_16s16s(const int16_t* indices, const int16_t* const* tables, const int32_t* sizes,
+                                             int16_t* result, int32_t length);
+/** A vector of rows of four elements: 16-bit indices, float rows. @see @ref vector_forming */
+QORSR_API QorStatus qorsFormVector_4i_16s32f(const int16_t* indices, const float* const* tables, const int32_t* sizes,
+                                             float* result, int32_t length);
+/** A vector of rows of four elements: byte indices, 16-bit rows. @see @ref vector_forming */
+QORSR_API QorStatus qorsFormVector_4i_8u16s(const uint8_t* indices, const int16_t* const* tables, const int32_t* sizes,
+                                            int16_t* result, int32_t length);
+/** A vector of rows of four elements: byte indices, float rows. @see @ref vector_forming */
+QORSR_API QorStatus qorsFormVector_4i_8u32f(const uint8_t* indices, const float* const* tables, const int32_t* sizes, float* result,
+                                            int32_t length);
+/** @} */
+
 /* ================================ Model estimation ================================ */
 
 /** @defgroup re_estimation Model re-estimation
@@ -3857,7 +3926,217 @@ QORSR_API QorStatus qorsFindPeaks_32s8u(const int32_t* source, uint8_t* flags, i
 
 /* ---------------- Arbitrary ratios ---------------- */
 
+/** @defgroup resample Resampling by any ratio
+ *  One stored low-pass filter converts a signal by any ratio, given with each call. Where the ratio is known in advance, @ref
+ *  resample_fixed is several times faster.
+ *
+ *  The filter is a sinc of cut-off rollOff (1: half the sample rate) under a Kaiser window of shape alpha that spans `window` samples,
+ *  tabulated nStep entries a sample and interpolated linearly. With h that filter, y(t) = norm * sum over k of h(t - k) x[k]. With a
+ *  factor below 1 the filter is stretched by 1 / factor, so that it cuts at half the new rate, and multiplied by factor; the gain at
+ *  frequency zero is norm.
+ *
+ *  Good values: a window of 16 (fast) to 64 (steep) samples, nStep 128 (16-bit) to 1024, rollOff 0.9 to 0.95, alpha 6 (aliases at -60
+ *  dB) to 9 (-90 dB).
+ *
+ *  **Time and history** are the caller's. `time` is where the next output lies, in input samples from `source`. Outputs are made
+ *  while the time is below trunc(time) + length, 1 / factor apart; `count` says how many, and `time` is then where the next one would
+ *  lie. Samples on both sides of these times are read: window / 2 of them, divided by factor where it is below 1, and one more. A stream
+ *  keeps these in its buffer: after a call it moves the samples that are still needed to the front, by a whole number of samples, and takes
+ *  that number from `time`. Pieces of any lengths then give the same bits as the whole.
+ *
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `state` of `ResamplePolyphaseInitAlloc_*` | makes | | |
+ *  | `state` of `ResamplePolyphaseFree_*` | frees | | |
+ *  | `state` | in | | may be shared by streams and threads |
+ *  | `window` | value | at least 2 / nStep, usually 4 to 32 | input samples |
+ *  | `nStep` | value | at least 1 | table entries a sample |
+ *  | `rollOff` | value | above 0, at most 1 | |
+ *  | `alpha` | value | at least 1 | |
+ *  | `hint` | value | any | of 16-bit states: 2: float table; else a 16-bit table |
+ *  | `length` | value | at least 1 | input samples |
+ *  | `factor` | value | above 0, usually 0.25 to 4 | output rate / input rate |
+ *  | `norm` | value | any | gain |
+ *  | `time` | in, out | 1; each 80 to 90 | the next output, in input samples |
+ *  | `source` | in | length + 180 | around `time`, see above: at these values at most 65 samples on either side |
+ *  | `destination` | in, out | length * factor + 1 | |
+ *  | `count` | out | 1 | of outputs |
+ *
+ *  | Members | Statuses, in order |
+ *  |---|---|
+ *  | `InitAlloc` | null; nStep below 1 (#qorStatusBadSize); window below 2 / nStep, rollOff not above 0 or above 1, alpha below 1, window nStep / 2 above 268435453 (#qorStatusBadArgument); no memory (#qorStatusNoMemory; required: #qorStatusNullPointer where the design of a 16-bit table has no scratch). `*state` is then as it was |
+ *  | `ResamplePolyphase_16s`, `_32f` | null; factor not above 0 (a NaN passes) or length below 1 (#qorStatusBadSize) |
+ *  | `Free` | null |
+ *
+ *  @warning The samples around the span are not checked for: a small factor reads far to both sides, window / (2 factor) samples.
+ *
+ *  @warning The destination must hold length * factor outputs, and one more.
+ *
+ *  **Exact arithmetic**
+ *  - The table: L = trunc(window * 0.5 * nStep) + 1 entries, the products float. t[0] = rollOff, t[k] = sin(rollOff w k) / (w k) *
+ *    I0(alpha sqrt(1 - (k / (L - 1))^2)) / I0(alpha) with w = pi / nStep, and all of it over t[0] plus twice the sum of t[nStep], t[2
+ *    nStep], ...; in double, then float. I0 is summed until a term is below 1e-21 of the sum. 16-bit tables are scaled to a largest
+ *    magnitude of 16383 and rounded, halves away from zero. An entry that repeats the last follows.
+ *  - With i = trunc(time) and f = time - i, the samples i, i - 1, ... begin at u = f nStep, and then the samples i + 1, i + 2, ... at
+ *    (1 - f) nStep. Factor at least 1: the index is trunc(u + 1e-5) and then nStep more a sample, q = u - index stays, samples are added
+ *    while the index is below L. Factor below 1: u is multiplied by factor, factor nStep is added for each sample, index and q are those
+ *    of each u, samples are added while u is below L - 1e-5. A sample counts t[index] (1 - q) + t[index + 1] q.
+ *  - Sums are double: while at least four steps of the table remain, groups ((p0 + p1) + p2) + p3, each then added to the sum (groups of eight
+ *    where the factor is below 1 and the table 16-bit); the rest one by one. The 16-bit result is the nearest number, halves away from
+ *    zero, limited to 16 bits; a NaN gives 0.
+ *  - A negative time is truncated toward zero like any other; the filter is then read at the mirror image of a negative index. A time
+ *    outside the 32-bit range, or a NaN: no output, the time stays. A factor of infinity or NaN, or so large that the time does not grow:
+ *    one output.
+ *
+ *  Source of the method: Smith and Gossett, "A Flexible Sampling-Rate Conversion Method", Proc. ICASSP (1984); the window: Kaiser,
+ *  "Nonrecursive Digital Filter Design Using the I0-sinh Window Function", Proc. IEEE Symp. Circuits and Systems (1974). @{ */
+
+/** A filter for any ratio: 16-bit samples. */
+typedef struct ResamplePolyphaseState_16s ResamplePolyphaseState_16s;
+/** A filter for any ratio: float samples. */
+typedef struct ResamplePolyphaseState_32f ResamplePolyphaseState_32f;
+
+/** Designs a filter for any ratio: 16-bit samples. @see @ref resample */
+QORSR_API QorStatus qorsResamplePolyphaseInitAlloc_16s(ResamplePolyphaseState_16s** state, float window, int32_t nStep,
+                                                       float rollOff, float alpha, int32_t hint);
+/** Designs a filter for any ratio: float samples. @see @ref resample */
+QORSR_API QorStatus qorsResamplePolyphaseInitAlloc_32f(ResamplePolyphaseState_32f** state, float window, int32_t nStep,
+                                                       float rollOff, float alpha, int32_t hint);
+/** Releases a filter for any ratio: 16-bit samples. @see @ref resample */
+QORSR_API QorStatus qorsResamplePolyphaseFree_16s(ResamplePolyphaseState_16s* state);
+/** Releases a filter for any ratio: float samples. @see @ref resample */
+QORSR_API QorStatus qorsResamplePolyphaseFree_32f(ResamplePolyphaseState_32f* state);
+/** Resamples by any ratio: 16-bit samples. @see @ref resample */
+QORSR_API QorStatus qorsResamplePolyphase_16s(const ResamplePolyphaseState_16s* state, const int16_t* source, int32_t length,
+                                              int16_t* destination, double factor, float norm, double* time, int32_t* count);
+/** Resamples by any ratio: float samples. @see @ref resample */
+QORSR_API QorStatus qorsResamplePolyphase_32f(const ResamplePolyphaseState_32f* state, const float* source, int32_t length,
+                                              float* destination, double factor, float norm, double* time, int32_t* count);
+/** @} */
+
 /* ---------------- Fixed ratios ---------------- */
+
+/** @defgroup resample_fixed Resampling by a fixed ratio
+ *  For two rates that are known in advance, say 48000 and 16000: a filter row for each output phase, one dot product an output. The
+ *  filter is that of @ref resample, at the lower of the two rates' cut-off, or the caller's own (`SetFixedFilter`).
+ *
+ *  The rates are reduced by their common divisor to in and out (48000 and 44100: 160 and 147). With F = filterLength rounded up to a
+ *  multiple of 4 and n = F / 2, an output at the time i + p / out is min(out / in, 1) * norm * the dot product of row p with the samples i + 1 - n
+ *  to i + n; row 0, whose time is a sample, has one tap more, and begins one sample earlier. There are `out` rows of
+ *  (filterLength + 4) / 4 * 4 elements.
+ *
+ *  **Time and history** as in @ref resample, with n samples in front of trunc(time) and n behind the last sample of the span. The time
+ *  is taken to the nearest phase; what that leaves is kept in it, so nothing drifts: after a call it is exact.
+ *
+ *  **States** with the hint 2 are accurate: float taps, double sums. Otherwise a `32f` state sums floats, and a `16s` state has 16-bit taps in
+ *  Q14 with exact integer sums, the fastest form. In a block of the caller of the size that `GetSize` tells, at any address (`Init`: rows
+ *  of zeros, `16s` with the hint 1 only; never given to `Free`), or allocated (`InitAlloc`: with a designed filter). A block may be moved.
+ *
+ *  **Filters of the caller.** Row p in Q14 (`16s` states) or float, for rows of rowLength elements in the buffer: the samples i + 1 - n to i +
+ *  n (row 0: i - n to i + n) in their order. `GetFixedFilter` and `SetFixedFilter` copy the first elements of each row, as many as both rows
+ *  have, of `rows` rows or all that the state has.
+ *
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `state` of `ResamplePolyphaseFixedInitAlloc_*` | makes | | |
+ *  | `state` of `ResamplePolyphaseFixedInit_*` | block | bytes of `ResamplePolyphaseFixedGetSize_*` | |
+ *  | `state` of `ResamplePolyphaseFixedFree_*` | frees | | |
+ *  | `state` of `ResamplePolyphaseSetFixedFilter_*` | in, out | | |
+ *  | `state` | in | | may be shared by streams and threads |
+ *  | `inRate`, `outRate`, `filterLength` | value | at least 1 | |
+ *  | `rollOff` | value | above 0, at most 1 | |
+ *  | `alpha` | value | at least 1 | |
+ *  | `hint` of `*GetSize_16s`, `*FixedInit_16s` | value | 1 | |
+ *  | `hint` | value | any | 2: accurate |
+ *  | `size` | out | 1 | bytes |
+ *  | `rowLength` of `ResamplePolyphaseFixedGetSize_*` | out | 1 | elements of a row |
+ *  | `rows` of `ResamplePolyphaseFixedGetSize_*` | out | 1 | phases |
+ *  | `length` | value | at least 1 | input samples |
+ *  | `norm` | value | any | gain |
+ *  | `time` | in, out | 1; each state.filterLength + 2 to state.filterLength + 4 | the next output, in input samples |
+ *  | `source` | in | length + 2 * state.filterLength + 10 | around `time`, see above |
+ *  | `destination` | in, out | ceil(length * state.outRate / state.inRate) + 1 | |
+ *  | `count` | out | 1 | of outputs |
+ *  | `rowLength`, `rows` | value | at least 1 | |
+ *  | `filter` of `ResamplePolyphaseSetFixedFilter_*` | in | rows x rowLength | |
+ *  | `filter` | in, out | rows x rowLength | |
+ *
+ *  | Members | Statuses, in order |
+ *  |---|---|
+ *  | `GetSize`, `Init` | null; rates or filterLength below 1 (#qorStatusBadSize); `16s`: a hint other than 1 (#qorStatusBadArgument); a size above 2147483646, `32f`: 2147483645 (#qorStatusBadSize) |
+ *  | `InitAlloc` | null; rates or filterLength below 1 (#qorStatusBadSize); rollOff not above 0 or above 1, alpha below 1, a size above 2147483646 (#qorStatusBadArgument); #qorStatusNoMemory. `*state` is then as it was |
+ *  | `ResamplePolyphaseFixed_16s`, `_32f` | null; length below 1 (#qorStatusBadSize) |
+ *  | `GetFixedFilter`, `SetFixedFilter` | null; rowLength or rows below 1 (#qorStatusBadSize) |
+ *  | `Free` | null |
+ *
+ *  @warning Where filterLength is no multiple of 4 a row has no place for the extra tap of phase 0, and that tap is 0: use multiples of 4.
+ *
+ *  @warning The rows of a `16s` state that was allocated with the hint 2 are floats: qorsResamplePolyphaseGetFixedFilter_16s() and
+ *  qorsResamplePolyphaseSetFixedFilter_16s() make no sense of them.
+ *
+ *  **Exact arithmetic**
+ *  - The filter: t[k] as in @ref resample for w = pi / max(in, out), from k = 0 to last = trunc(F / 2 * out), which is formed in floats with
+ *    1e-5 added to F (to F out / in where out is below in). Phase p has t[p + j out] as tap j on its left side, row 0 has
+ *    t[last] at both ends. All of it over the sum of row 0, or, where out is below in, of t at the multiples of in. 16-bit taps: times 16384
+ *    and rounded, halves away from zero.
+ *  - The nearest phase is trunc((time - trunc(time)) out + 0.5). Outputs are made while position < (trunc(time) + length) out, where position
+ *    counts phases in whole numbers of 64 bits; afterwards time = (position - phase) / out + (time - trunc(time)).
+ *  - Float and double sums have 16 lanes that whole sets of 16 taps join, and four lanes for the sets of four behind them; lanes are
+ *    joined by halves, then (sixteen + four) + the last tap of phase 0. Sums of `16s` states with the hint 2 are rounded to float. The sum
+ *    is multiplied in double by (min(out / in, 1) * (16-bit taps: 2^-14)) * norm; 16-bit results are the nearest number, halves away
+ *    from zero, limited to 16 bits; a NaN gives 0. A time outside the 32-bit range, or a NaN: no output, the time stays.
+ *  - Size in bytes, divisions rounded down: (out + 7) / 8 * 16 + (out + 4) / 4 * 16 + rowLength * out * 2 + 32 (`16s`), * 4 + 28 (`32f`).
+ *
+ *  Source of the method: Crochiere and Rabiner, "Multirate Digital Signal Processing", Prentice-Hall (1983). @{ */
+
+/** A filter for a fixed ratio: 16-bit samples. */
+typedef struct ResamplePolyphaseFixedState_16s ResamplePolyphaseFixedState_16s;
+/** A filter for a fixed ratio: float samples. */
+typedef struct ResamplePolyphaseFixedState_32f ResamplePolyphaseFixedState_32f;
+
+/** Bytes of a block, elements of a row, and phases: 16-bit samples. @see @ref resample_fixed */
+QORSR_API QorStatus qorsResamplePolyphaseFixedGetSize_16s(int32_t inRate, int32_t outRate, int32_t filterLength, int32_t* size,
+                                                          int32_t* rowLength, int32_t* rows, int32_t hint);
+/** Bytes of a block, elements of a row, and phases: float samples. @see @ref resample_fixed */
+QORSR_API QorStatus qorsResamplePolyphaseFixedGetSize_32f(int32_t inRate, int32_t outRate, int32_t filterLength, int32_t* size,
+                                                          int32_t* rowLength, int32_t* rows, int32_t hint);
+/** Lays out a state for a filter of the caller in the caller's block: 16-bit samples. @see @ref resample_fixed */
+QORSR_API QorStatus qorsResamplePolyphaseFixedInit_16s(ResamplePolyphaseFixedState_16s* state, int32_t inRate, int32_t outRate,
+                                                       int32_t filterLength, int32_t hint);
+/** Lays out a state for a filter of the caller in the caller's block: float samples. @see @ref resample_fixed */
+QORSR_API QorStatus qorsResamplePolyphaseFixedInit_32f(ResamplePolyphaseFixedState_32f* state, int32_t inRate, int32_t outRate,
+                                                       int32_t filterLength, int32_t hint);
+/** Designs a filter for a fixed ratio: 16-bit samples. @see @ref resample_fixed */
+QORSR_API QorStatus qorsResamplePolyphaseFixedInitAlloc_16s(ResamplePolyphaseFixedState_16s** state, int32_t inRate,
+                                                            int32_t outRate, int32_t filterLength, float rollOff, float alpha,
+                                                            int32_t hint);
+/** Designs a filter for a fixed ratio: float samples. @see @ref resample_fixed */
+QORSR_API QorStatus qorsResamplePolyphaseFixedInitAlloc_32f(ResamplePolyphaseFixedState_32f** state, int32_t inRate,
+                                                            int32_t outRate, int32_t filterLength, float rollOff, float alpha,
+                                                            int32_t hint);
+/** Releases an allocated filter for a fixed ratio: 16-bit samples. @see @ref resample_fixed */
+QORSR_API QorStatus qorsResamplePolyphaseFixedFree_16s(ResamplePolyphaseFixedState_16s* state);
+/** Releases an allocated filter for a fixed ratio: float samples. @see @ref resample_fixed */
+QORSR_API QorStatus qorsResamplePolyphaseFixedFree_32f(ResamplePolyphaseFixedState_32f* state);
+/** Resamples by a fixed ratio: 16-bit samples. @see @ref resample_fixed */
+QORSR_API QorStatus qorsResamplePolyphaseFixed_16s(const ResamplePolyphaseFixedState_16s* state, const int16_t* source,
+                                                   int32_t length, int16_t* destination, float norm, double* time, int32_t* count);
+/** Resamples by a fixed ratio: float samples. @see @ref resample_fixed */
+QORSR_API QorStatus qorsResamplePolyphaseFixed_32f(const ResamplePolyphaseFixedState_32f* state, const float* source,
+                                                   int32_t length, float* destination, float norm, double* time, int32_t* count);
+/** Copies filter rows from a state: 16-bit samples. @see @ref resample_fixed */
+QORSR_API QorStatus qorsResamplePolyphaseGetFixedFilter_16s(const ResamplePolyphaseFixedState_16s* state, int16_t* filter,
+                                                            int32_t rowLength, int32_t rows);
+/** Copies filter rows from a state: float samples. @see @ref resample_fixed */
+QORSR_API QorStatus qorsResamplePolyphaseGetFixedFilter_32f(const ResamplePolyphaseFixedState_32f* state, float* filter,
+                                                            int32_t rowLength, int32_t rows);
+/** Copies filter rows into a state: 16-bit samples. @see @ref resample_fixed */
+QORSR_API QorStatus qorsResamplePolyphaseSetFixedFilter_16s(ResamplePolyphaseFixedState_16s* state, const int16_t* filter,
+                                                            int32_t rowLength, int32_t rows);
+/** Copies filter rows into a state: float samples. @see @ref resample_fixed */
+QORSR_API QorStatus qorsResamplePolyphaseSetFixedFilter_32f(ResamplePolyphaseFixedState_32f* state, const float* filter,
+                                                            int32_t rowLength, int32_t rows);
+/** @} */
 
 /* ================================ Numeric vectors ================================ */
 

@@ -44,6 +44,8 @@ class Tables:
             return f"(*n[{self.id(tree[1])}].record)[{self.id(tree[2])}].{'real' if real else 'whole'}"
         if kind == "call":
             function, arguments = tree[1], tree[2]
+            if function == "sum" and arguments[0][0] == "member":
+                return f"sum(n[{self.id(arguments[0][1])}], {self.id(arguments[0][2])})"
             if function == "sum":
                 return f"sum(n[{self.id(arguments[0][1])}])"
             if function == "ceil":
@@ -88,7 +90,9 @@ class Tables:
             return "{}"
         choices = self.list("Bound", [self.bound(t, real) for t in d.choices or []])
         flags = [str(f).lower() for f in (d.low_open, d.high_open)]
-        return f"{{{self.bound(d.low, real)}, {self.bound(d.high, real)}, {flags[0]}, {flags[1]}, {choices}, {self.formula(d.step)}}}"
+        usual = ", ".join(f"{{{'nullptr' if real else self.formula(t)}, {self.formula(t, True)}}}" for t in d.usual or []) or "{}, {}"
+        return (f"{{{self.bound(d.low, real)}, {self.bound(d.high, real)}, {flags[0]}, {flags[1]}, {choices}, {self.formula(d.step)}, "
+                f"{usual}}}")
 
     def shape(self, s):
         if s is None:
@@ -99,7 +103,7 @@ class Tables:
     def parameter(self, call, p):
         base = p.parameter.base
         partner, makers = -1, []
-        if p.kind in ("record", "frees"):
+        if p.kind in ("record", "records", "frees"):
             makers = [str(self.index[m.function.name]) for m in self.interface.made_by(call, p)]
         elif p.kind == "makes":
             partner = self.index[self.interface.freed_by(base).function.name]

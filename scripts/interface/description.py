@@ -22,9 +22,10 @@ class Domain:
     high_open: bool = False
     choices: list = None
     step: tuple = None  # multiples of it alone
+    usual: tuple = None  # what the tests draw: (low, high)
 
     def formulas(self):
-        return [t for t in (self.low, self.high, self.step, *(self.choices or [])) if t is not None]
+        return [t for t in (self.low, self.high, self.step, *(self.choices or []), *(self.usual or [])) if t is not None]
 
 
 @dataclass
@@ -63,7 +64,7 @@ class Described:
     use: str
     null: bool
     meaning: str
-    kind: str  # value, area, rows, record, makes, block, frees
+    kind: str  # value, area, rows, record, records, makes, block, frees
     shape: Shape = None
     domain: Domain = field(default_factory=Domain)  # of a value; of each element of an area
     patterns: list = field(default_factory=list)  # of a record: functions that make it; of a block: those that tell its size
@@ -102,6 +103,10 @@ def parse_domain(text):
     if text in ("", "any"):
         return Domain()
     domain = Domain()
+    if usual := re.fullmatch(r"(.*),\s*usually\s+(.*?)\s+to\s+(.*)", text):
+        domain = parse_domain(usual[1])
+        domain.usual = (formula.parse(usual[2]), formula.parse(usual[3]))
+        return domain
     ends = split_outside_brackets(text, [r"\sto\s"])
     if len(ends) == 2:
         domain.low, domain.high = (formula.parse(e) for e in ends)
@@ -195,8 +200,10 @@ def describe(parameter, line, records):
         return described
     must(line.use == "in" or record or not parameter.read_only, "const, but written")
     if record:
-        must(parameter.stars == 1, "arrays of records are not described yet")
         described.kind, described.patterns = "record", patterns_in(line.third)
+        if parameter.stars == 2:
+            must(line.use == "in", "arrays of records are read only")
+            described.kind, described.shape = "records", parse_shape(line.third.partition(";")[0].strip())
         return described
     shape, _, contents = (part.strip() for part in line.third.partition(";"))
     must(shape, "the elements are missing")
@@ -322,7 +329,7 @@ class Description:
     def check_records_of(self, call):
         by_name = {p.parameter.name: p for p in call.parameters}
         for p in call.parameters:
-            if p.kind in ("record", "frees") and not self.made_by(call, p):
+            if p.kind in ("record", "records", "frees") and not self.made_by(call, p):
                 raise Mistake(f"no function makes the {p.parameter.base} {p.parameter.name}")
             if p.kind == "makes" and not self.freed_by(p.parameter.base):
                 raise Mistake(f"no function frees the {p.parameter.base} {p.parameter.name}")
@@ -335,7 +342,7 @@ class Description:
                         raise Mistake(f"{sizer.function.name} takes {q.parameter.name}, which this function has not")
         trees = [t for p in call.parameters for t in p.formulas()] + list(call.names.values())
         for record, name in sorted(set().union(*(formula.members(t) for t in trees)) if trees else []):
-            if by_name.get(record) is None or by_name[record].kind != "record":
+            if by_name.get(record) is None or by_name[record].kind not in ("record", "records"):
                 raise Mistake(f"{record}.{name}: {record} is no record that the function is given")
             for maker in self.made_by(call, by_name[record]):
                 if name not in maker.names and not any(p.parameter.name == name and p.kind == "value" for p in maker.parameters):

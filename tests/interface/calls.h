@@ -14,11 +14,12 @@
 
 namespace interface_calls {
 
-// What a name stands for in formulas: a number, a record (the numbers of the call that made it), or an array of counts.
+// What a name stands for in formulas: a number, a record (the numbers of the call that made it), several, or an array of counts.
 struct Number {
   int64_t whole = 0;
   double real = 0;
   const std::vector<Number>* record = nullptr;
+  std::vector<const std::vector<Number>*> records;
   std::span<const int32_t> counts;
 };
 using Numbers = std::vector<Number>;  // by the id of a name; the same ids for all functions
@@ -34,6 +35,11 @@ inline int64_t sum(const Number& array) {
   for (const int32_t count : array.counts) total += count;
   return total;
 }
+inline int64_t sum(const Number& array, std::size_t id) {
+  int64_t total = 0;
+  for (const Numbers* record : array.records) total += (*record)[id].whole;
+  return total;
+}
 
 using Whole = int64_t (*)(const Numbers&);
 using Real = double (*)(const Numbers&);
@@ -45,7 +51,8 @@ struct Domain {
   Bound low, high;
   bool lowOpen = false, highOpen = false;
   std::span<const Bound> choices;
-  Whole step = nullptr;  // multiples of it alone
+  Whole step = nullptr;       // multiples of it alone
+  Bound usualLow, usualHigh;  // what is drawn
   bool any() const { return low.whole == nullptr && high.whole == nullptr && choices.empty(); }
 };
 // width elements; or rows of width elements, stride apart. With `each`, one such block for each element of that array.
@@ -55,7 +62,7 @@ struct Shape {
 };
 
 enum class Element : uint8_t { k8u, k16s, k16u, k32s, k64s, k32f, k64f, kRecord };
-enum class Kind : uint8_t { kValue, kArea, kRows, kRecord, kMakes, kBlock, kFrees };
+enum class Kind : uint8_t { kValue, kArea, kRows, kRecord, kRecords, kMakes, kBlock, kFrees };
 struct Parameter {
   const char* name;
   int id;

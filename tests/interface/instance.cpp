@@ -1,5 +1,6 @@
 #include "interface/instance.h"
 
+#include <cmath>
 #include <cstdio>
 
 #include "interface/values.h"
@@ -65,6 +66,7 @@ bool Instance::drawAll(const Draw& draw, kit::Random& random) {
   numbers_.assign(nameCount(), {});
   arguments_.assign(function_->parameters.size(), {});
   records_.clear();
+  listed_.clear();
   records_.resize(function_->parameters.size());
   areas_.clear();
   areas_.reserve(function_->parameters.size());
@@ -94,6 +96,18 @@ bool Instance::draw(const Parameter& parameter, const Draw& draw, kit::Random& r
       areas_.emplace_back(parameter, numbers_, draw, random);
       number.counts = areas_.back().counts();
       break;
+    case Kind::kRecords: {
+      std::vector<void*> pointers;
+      for (int64_t i = 0; i < parameter.shape.width(numbers_); ++i) {
+        listed_.push_back(std::make_unique<MadeRecord>(parameter, draw, random));
+        number.records.push_back(&listed_.back()->numbers());
+        pointers.push_back(listed_.back()->record());
+      }
+      areas_.emplace_back(parameter, pointers.size() * sizeof(void*), sizeof(void*), draw, random);
+      std::memcpy(areas_.back().argument(), pointers.data(), pointers.size() * sizeof(void*));
+      areas_.back().remember();
+      break;
+    }
     case Kind::kMakes:
       areas_.emplace_back(parameter, sizeof(void*), sizeof(void*), draw, random);
       break;
@@ -128,6 +142,7 @@ bool Instance::drawValue(const Parameter& parameter, const Draw& draw, kit::Rand
     number.real = static_cast<double>(value);
     if constexpr (std::is_floating_point_v<T>) {
       arguments_[index].real = static_cast<double>(value);
+      number.whole = std::isnan(number.real) ? 0 : static_cast<int64_t>(std::ceil(std::clamp(number.real, -1e15, 1e15)));
     } else {
       number.whole = arguments_[index].whole = value;
     }
@@ -137,12 +152,14 @@ bool Instance::drawValue(const Parameter& parameter, const Draw& draw, kit::Rand
 
 std::optional<std::size_t> Instance::blockBytes(const Function& sizer) const {
   std::vector<Argument> arguments(sizer.parameters.size());
-  int32_t size = 0;
+  int32_t size = 0, more[8] = {};  // the size is told first
+  int32_t* next = &size;
   for (std::size_t i = 0; i < sizer.parameters.size(); ++i) {
     const Parameter& p = sizer.parameters[i];
     const Number& number = numbers_[static_cast<std::size_t>(p.id)];
     if (p.kind != Kind::kValue) {
-      arguments[i].pointer = &size;
+      arguments[i].pointer = next;
+      next = next == &size ? more : next + 1;
     } else if (p.element == Element::k32f || p.element == Element::k64f) {
       arguments[i].real = number.real;
     } else {
@@ -204,6 +221,9 @@ std::string Instance::touched(bool mayWrite) const {
     } else if (function_->parameters[i].kind != Kind::kFrees && records_[i]->blockTouched()) {
       return std::string(function_->parameters[i].name) + ": the record was changed";
     }
+  }
+  for (const auto& record : listed_) {
+    if (record->blockTouched()) return "a record of an array was changed";
   }
   if (!recordsMayChange && kit::Core::contents() != coreBefore_) return "a record in the library's memory was changed";
   return {};

@@ -105,6 +105,7 @@ class Instance {
   std::vector<Argument> arguments_;
   std::vector<LaidArea> areas_;
   std::vector<std::unique_ptr<MadeRecord>> records_;  // by parameter; null where it is none
+  std::vector<std::unique_ptr<MadeRecord>> listed_;   // of arrays of records
   std::vector<std::byte> coreBefore_;
   int largest_ = -1;  // the name of the number that may be large
 };

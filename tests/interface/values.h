@@ -54,21 +54,28 @@ T drawAny(const Draw& draw, kit::Random& random) {
 // Whole numbers stay within `span` of a bound, and meet both bounds; others are drawn from the whole range.
 template <class T>
 T drawWithin(const Domain& domain, const Numbers& numbers, int64_t span, kit::Random& random) {
-  const auto [low, high] = range<T>(domain, numbers);
+  auto [low, high] = range<T>(domain, numbers);
+  const bool bounded = domain.usualLow.real != nullptr;
+  if (bounded) {
+    low = std::max(low, choice<T>(domain.usualLow, numbers));
+    high = std::min(high, choice<T>(domain.usualHigh, numbers));
+  }
   if constexpr (std::is_floating_point_v<T>) {
     switch (random.integer(0, 7)) {
       case 0:
-        return domain.low.real != nullptr ? low : high;
+        return domain.low.real != nullptr || bounded ? low : high;
       case 1:
-        return domain.high.real != nullptr ? high : low;
+        return domain.high.real != nullptr || bounded ? high : low;
       default: {
-        const double from = domain.low.real != nullptr ? static_cast<double>(low) : std::min(static_cast<double>(high) - 100, 0.0);
-        const double to = domain.high.real != nullptr ? static_cast<double>(high) : std::max(from + 100, 0.0);
+        const double from =
+            domain.low.real != nullptr || bounded ? static_cast<double>(low) : std::min(static_cast<double>(high) - 100, 0.0);
+        const double to = domain.high.real != nullptr || bounded ? static_cast<double>(high) : std::max(from + 100, 0.0);
         return std::clamp(static_cast<T>(random.real(from, to)), low, high);
       }
     }
   } else {
-    if (domain.low.whole == nullptr) return static_cast<T>(random.integer(std::max<int64_t>(low, int64_t{high} - span), high));
+    if (domain.low.whole == nullptr && !bounded)
+      return static_cast<T>(random.integer(std::max<int64_t>(low, int64_t{high} - span), high));
     const int64_t value = random.integer(low, std::min<int64_t>(high, int64_t{low} + span));
     return static_cast<T>(domain.step != nullptr ? std::max<int64_t>(value - value % domain.step(numbers), low) : value);
   }
