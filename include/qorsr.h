@@ -3632,6 +3632,246 @@ QORSR_API QorStatus qorsDcsClustLCompute_64f(const double* sum, const double* sq
                                              double occupancy);
 /** @} */
 
+/* ================================ Vector quantisation ================================ */
+
+/** @defgroup codebook Codebooks
+ *  A codebook is a set of rows, the codewords, that vectors are replaced by: each by the nearest of them (@ref
+ *  vector_quantisation). Nearest is meant in the weighted squared distance
+ *
+ *      d(x, c) = sum over j of w[j] (x[j] - c[j])^2
+ *
+ *  with all weights 1 in the `L2` functions. Inverse variances of the elements are usual weights.
+ *
+ *  - **Every row** (#qorCdbkEveryRow): each training row becomes a codeword, and a search compares them all. For rows of one
+ *    element or two, where that pays, a grid over their range is made, with a list of the codewords near each cell.
+ *  - **Trained** (#qorCdbkSplitBySpread, #qorCdbkSplitByMembers): `size` codewords are found by splitting, first all rows, then
+ *    again and again one leaf in two: the leaf with the largest distance of a member from its centroid, or the one with most
+ *    members. Behind each split all centroids are refined by up to 20 rounds of Lloyd's algorithm. The splits make a tree, and a
+ *    search descends in it: a small part of the distances, and nearly always the nearest codeword.
+ *
+ *  **States.** `InitAlloc` makes a codebook in allocated memory; `Free` releases it. `Init` wraps ready rows (height = size, mode
+ *  #qorCdbkEveryRow) in a block of the caller, of the size that `GetSize` tells, at any address that an element may have; it is
+ *  searched like a codebook of every row without a grid, and is never given to `Free`. A codebook holds copies of all it needs. It
+ *  is not changed by a search, and may serve several threads, but for the searches of one vector (`VQSingle`, `VQDistSingle`).
+ *
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `state` of `CdbkInitAlloc_*` | makes | | |
+ *  | `state` of `CdbkInit_*` | block | bytes of `CdbkGetSize_*` | |
+ *  | `state` of `CdbkFree_*` | frees | | |
+ *  | `state` | in | | |
+ *  | `source` | in | height x dimension, step apart | training rows |
+ *  | `weights` | in | dimension; each at least 0 | |
+ *  | `dimension`, `height` | value | at least 1 | |
+ *  | `step` | value | at least dimension | of the source |
+ *  | `step` of `GetCodebook_*` | value | at least state.dimension | of the destination |
+ *  | `size` | value | 1 to min(height, 16383) | codewords |
+ *  | `size` of `CdbkGetSize_*`, `CdbkInit_*` | value | 1 to 16383 | |
+ *  | `height` of `CdbkGetSize_*`, `CdbkInit_*` | value | size | |
+ *  | `mode` | value | 1, 2 or 3 | #qorCdbkEveryRow and its fellows |
+ *  | `mode` of `CdbkGetSize_*`, `CdbkInit_*` | value | 1 | |
+ *  | `bytes` | out | 1 | |
+ *  | `rows` of `CdbkInitAlloc_*` | is | if(mode == 1, height, size) | |
+ *  | `rows` of `CdbkInit_*` | is | size | |
+ *  | `count` | out | 1 | codewords |
+ *  | `destination` | in, out | state.rows x state.dimension, step apart | as many rows as there are codewords are written |
+ *
+ *  | Members | Statuses, in order |
+ *  |---|---|
+ *  | `GetSize`, `Init` | mode 2 or 3 (#qorStatusBadCodebookMode); null; dimension, step, height or size below 1, dimension above step, size above 16383, height other than size, or more than 2147483647 bytes (#qorStatusBadSize) |
+ *  | `InitAlloc` | dimension below 1, `L2` alone (#qorStatusBadSize); null source, weights; the sizes of `Init`, but height not below size (#qorStatusBadSize); a negative weight (#qorStatusBadArgument); #qorStatusNoMemory; a mode other than 1 to 3 (#qorStatusBadCodebookMode); null state; what training reports |
+ *  | training | #qorStatusNoMemory; #qorStatusBadArgument: a split left two centroids in one place |
+ *  | training, a warning | #qorStatusCdbkSizeChanged: the codebook is valid, but has fewer rows, because no leaf was left to split, or has height rows though size was less (#qorCdbkEveryRow) |
+ *  | `Free` | null; a mode that `InitAlloc` does not make (#qorStatusBadMode), of a state that stays as it is |
+ *  | `GetCdbkSize`, `GetCodebook` | null; step below 1 or below the dimension (#qorStatusBadSize) |
+ *
+ *  @warning With #qorCdbkEveryRow all height rows are taken, whatever the size: `GetCodebook` then writes height rows.
+ *
+ *  @warning Leaves of equal rows are not split, but rows that differ by less than the rounding of their mean, or by distances
+ *  below 1e-5, may end in #qorStatusBadArgument, and no codebook is made: scale small features up.
+ *
+ *  **Cost** of training: each round of a split compares the rows with the leaves whose members changed in the round before, not
+ *  with all of them. Memory while it trains: the rows in float, sixteen bytes a row, sixteen a codeword and element. An every-row
+ *  codebook of two elements builds its grid in time proportional to height times cells times tries; of thousands of rows, seconds.
+ *
+ *  **Exact arithmetic**
+ *  - Distances are float sums, in eight lanes, as those of Gaussian scores (@ref gaussian_single); 16-bit elements and weights are
+ *    converted first, exactly. Comparisons are made in double: a is below b if b > a * 1.000001; a is close to b if |max(a, b)| *
+ *    0.0001F >= |a - b|. Everything stands in order: of rows, of leaves, the first one found.
+ *  - Root: the mean of all rows. Spread: twice the largest distance of a member to its centroid (kept as each is below the next).
+ *    Float rows: distances of the root up to max(b 1e-6, a -1e-6), a and b its least and largest element, are zero.
+ *  - A leaf is split if it has the largest spread, or most members and a spread above 0. The half of its rows (rounded down) with
+ *    the smallest distances make the left child, which goes to the end of the leaves; the right child takes the leaf's place.
+ *  - A round: centroids of all leaves from their rows, in their order (float sums divided by the count; 16-bit rows: a double sum
+ *    times the reciprocal, to nearest, ties to even). If those of the two children lie within 1e-6, the left one is moved from
+ *    row to row: for i = 1, 2, ..., 1000 by i / 100 of half the way to the first row that is further than 1e-5, until the relative
+ *    differences of both distances sum up to more than a millionth of the members. Then each row, in order, goes to its nearest
+ *    leaf, which is one that is below the best before it; a leaf's last row stays. The rounds end when no row moves.
+ *  - Centroids of inner nodes: children's, each added up as often as it has members, divided by the sum of both (16-bit:
+ *    truncated). Each of three leaves or more has a list of near leaves, nearest first: max(floor(log2 n), 4) of them, one more if
+ *    n is greater than that power of two. Of three or four leaves it repeats some, and may hold the leaf itself.
+ *  - Line of n cells: from n = 4 on while the cost 2 height / n falls by more than 0.05 of itself, in float; no grid if a cell is
+ *    empty, the range below 1e-5 or the cost above height / 5. Low edge m 0.9 (m > 0) or m 1.1, cells 1.1 (M - m) / n wide, for a
+ *    range m to M. Cell: (x - low) / width, truncated; 16-bit: plus 0.001. A list: rows of the cell, then the nearest row to its
+ *    lower edge from below, and to its upper edge from above.
+ *  - Plane: from 4 x 4 cells on, a row or a column more at a time, whichever is better, while the mean length of the lists falls by
+ *    more than 0.05; no grid if it is above height / 10. A list: codewords whose least distance to the corners and the feet of the
+ *    perpendiculars on the edges is below, or close to, the smallest of the largest. Rows of cells run down from the high edge.
+ *    Lists around the grid are unions: of a side, of a side and its neighbour.
+ *  - required: `CdbkInit_L2_32f` leaves the number of bits of an index, which bit streams use, as the caller's memory has it.
+ *
+ *  Source of the method: Y. Linde, A. Buzo and R. Gray, "An Algorithm for Vector Quantizer Design", IEEE Trans. Communications 28
+ *  (1980); S. Lloyd, "Least Squares Quantization in PCM", IEEE Trans. Information Theory 28 (1982); A. Buzo et al., "Speech Coding
+ *  Based upon Vector Quantization", IEEE Trans. ASSP 28 (1980) (trees). @{ */
+
+/** How a codebook is made. */
+enum {
+  qorCdbkEveryRow = 1,      /**< Every training row is a codeword. */
+  qorCdbkSplitBySpread = 2, /**< Trained: the leaf with the largest spread is split. */
+  qorCdbkSplitByMembers = 3 /**< Trained: the leaf with most members is split. */
+};
+
+/** A codebook of float rows. */
+typedef struct CdbkState_32f CdbkState_32f;
+/** A codebook of 16-bit rows. */
+typedef struct CdbkState_16s CdbkState_16s;
+
+/** Bytes of a codebook of ready rows: float. @see @ref codebook */
+QORSR_API QorStatus qorsCdbkGetSize_32f(int32_t dimension, int32_t step, int32_t height, int32_t size, int32_t mode,
+                                        int32_t* bytes);
+/** Bytes of a codebook of ready rows: 16-bit. @see @ref codebook */
+QORSR_API QorStatus qorsCdbkGetSize_16s(int32_t dimension, int32_t step, int32_t height, int32_t size, int32_t mode,
+                                        int32_t* bytes);
+/** Makes a codebook of ready rows in the caller's memory: float. @see @ref codebook */
+QORSR_API QorStatus qorsCdbkInit_L2_32f(CdbkState_32f* state, const float* source, int32_t dimension, int32_t step, int32_t height,
+                                        int32_t size, int32_t mode);
+/** Makes a codebook of ready rows in the caller's memory: 16-bit. @see @ref codebook */
+QORSR_API QorStatus qorsCdbkInit_L2_16s(CdbkState_16s* state, const int16_t* source, int32_t dimension, int32_t step,
+                                        int32_t height, int32_t size, int32_t mode);
+/** Makes or trains a codebook: float, every weight 1. @see @ref codebook */
+QORSR_API QorStatus qorsCdbkInitAlloc_L2_32f(CdbkState_32f** state, const float* source, int32_t dimension, int32_t step,
+                                             int32_t height, int32_t size, int32_t mode);
+/** Makes or trains a codebook: 16-bit, every weight 1. @see @ref codebook */
+QORSR_API QorStatus qorsCdbkInitAlloc_L2_16s(CdbkState_16s** state, const int16_t* source, int32_t dimension, int32_t step,
+                                             int32_t height, int32_t size, int32_t mode);
+/** Makes or trains a codebook: float, with weights. @see @ref codebook */
+QORSR_API QorStatus qorsCdbkInitAlloc_WgtL2_32f(CdbkState_32f** state, const float* source, const float* weights, int32_t dimension,
+                                                int32_t step, int32_t height, int32_t size, int32_t mode);
+/** Makes or trains a codebook: 16-bit, with weights. @see @ref codebook */
+QORSR_API QorStatus qorsCdbkInitAlloc_WgtL2_16s(CdbkState_16s** state, const int16_t* source, const int16_t* weights,
+                                                int32_t dimension, int32_t step, int32_t height, int32_t size, int32_t mode);
+/** Releases an allocated codebook: float. @see @ref codebook */
+QORSR_API QorStatus qorsCdbkFree_32f(CdbkState_32f* state);
+/** Releases an allocated codebook: 16-bit. @see @ref codebook */
+QORSR_API QorStatus qorsCdbkFree_16s(CdbkState_16s* state);
+/** Number of codewords: float. @see @ref codebook */
+QORSR_API QorStatus qorsGetCdbkSize_32f(const CdbkState_32f* state, int32_t* count);
+/** Number of codewords: 16-bit. @see @ref codebook */
+QORSR_API QorStatus qorsGetCdbkSize_16s(const CdbkState_16s* state, int32_t* count);
+/** The codewords: float. @see @ref codebook */
+QORSR_API QorStatus qorsGetCodebook_32f(const CdbkState_32f* state, float* destination, int32_t step);
+/** The codewords: 16-bit. @see @ref codebook */
+QORSR_API QorStatus qorsGetCodebook_16s(const CdbkState_16s* state, int16_t* destination, int32_t step);
+/** @} */
+
+/** @defgroup vector_quantisation Vector quantisation
+ *  Each vector is replaced by the index of its nearest codeword in a @ref codebook, d(x, c) = sum over j of w[j] (x[j] - c[j])^2.
+ *
+ *  - **Blocks** (`VQ`, `VQDist`): one index a row, and its distance. The search uses what the codebook has, grid or tree.
+ *  - **The K nearest** (`VQSingle_Sort`): of one vector, nearest first; the whole book is compared.
+ *  - **All within a ratio** (`VQSingle_Thresh`): all codewords whose distance is at most threshold times that of the nearest,
+ *    nearest first; the nearest is found as blocks find it.
+ *
+ *  Distances are Euclidean, the root of d. `32s_Sfs` members give them as round(distance * 2^-scaleFactor), ties to even, saturated.
+ *
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `source` | in | height x state.dimension, step apart | one vector a row |
+ *  | `x` | in | state.dimension | |
+ *  | `step` | value | at least state.dimension | |
+ *  | `height` | value | at least 1 | |
+ *  | `state` | in | | |
+ *  | `state` of `VQ*Single_*` | in, out | | holds a table that the call overwrites |
+ *  | `indices`, `distances` | out | height | |
+ *  | `indices`, `distances` of `VQ*Single_Sort_*` | out | k | |
+ *  | `indices`, `distances` of `VQ*Single_Thresh_*` | in, out | state.rows | count of them are written |
+ *  | `k` | value | 1 to if(state.mode == 1, state.rows, 1) | up to the number of codewords |
+ *  | `threshold` | value | at least 1 | a ratio of distances |
+ *  | `count` | out | 1 | codewords that were found |
+ *  | `scaleFactor` | value | any | |
+ *
+ *  | Members | Statuses, in order |
+ *  |---|---|
+ *  | blocks | null; step, then height, below 1, step below the dimension (#qorStatusBadSize); #qorStatusNoMemory, for dimensions above 128 alone |
+ *  | `Sort` | null; k below 1, or above the number of codewords (#qorStatusBadSize) |
+ *  | `Thresh` | null; threshold below 1 (#qorStatusBadArgument); #qorStatusNoMemory, as blocks |
+ *
+ *  @warning A tree's answer is not always the nearest codeword. `Thresh` takes its limit from that answer.
+ *
+ *  @warning The index is -1, with the distance 1.8446743e19, where no distance is below the largest float: vectors that hold a NaN or
+ *  are far off, in codebooks with weights or a grid.
+ *
+ *  @warning `VQDistSingle_Thresh_16s32s_Sfs` takes its limits from the distance of the nearest codeword as converted: with coarse
+ *  scale factors not even the nearest one may be within them.
+ *
+ *  @warning A state whose mode is none of #qorCdbkEveryRow and its fellows (`Init` accepts others) is not searched: blocks and
+ *  `Thresh` succeed and find nothing, blocks writing nothing.
+ *
+ *  **Exact arithmetic.** Distances as in @ref codebook. Which codeword is found:
+ *  - Every row, all weights 1, no grid: the first of those at the least distance; a NaN is passed over, but the first row is where
+ *    the search begins. With weights, or by a list: in order, each that is below the best so far by the margin (best > d * 1.000001
+ *    in double), from the largest float on. So near ties go to the lower index.
+ *  - By a grid: cells as in @ref codebook; below the first cell the first list serves, behind the last one the last. A plane has
+ *    lists of its own around it.
+ *  - Tree, all weights 1. Down: of the centroids of the four grandchildren (a child that is a leaf stands for its two), right if
+ *    the smaller distance of the right ones is strictly less than that of the left ones. At a leaf: the first of its list of near
+ *    leaves that is strictly nearer becomes the leaf, until there is none.
+ *  - Tree, weights. The same with scores, larger is nearer: those of qorsLogGauss_32f_D2L() and qorsLogGaussSingle_32f() with the
+ *    vector as the mean and the weights as inverse variances; of 16-bit data qorsLogGauss_16s32s_D2LSfs() and
+ *    qorsLogGaussSingle_16s32s_Sfs(), scale factor floor(log2(dimension)) + 1. Left if one left score is above both right ones,
+ *    each times 1.000001; a near leaf is taken if it is above 1.000001 times the leaf's score and not close to it.
+ *  - `Sort`: k times the smallest squared distance, the lowest index on a tie, a NaN last; what is taken counts as the largest float
+ *    from then on (3.4028235e38), so where distances overflow an index may come again.
+ *  - `Thresh`: in that order up to the first that is above limit * 1.000001 (in double), limit = threshold * threshold * d0 * d0 in
+ *    float from the distance d0 of the nearest codeword. With integer results d0 is converted first; limit is that of the integer
+ *    times 2^scaleFactor, and only distances are given that as integers are at most trunc(d0 * threshold).
+ *
+ *  Source of the method: A. Gersho and R. Gray, "Vector Quantization and Signal Compression", Kluwer (1992). @{ */
+
+/** The nearest codeword of each vector: float. @see @ref vector_quantisation */
+QORSR_API QorStatus qorsVQ_32f(const float* source, int32_t step, int32_t* indices, int32_t height, const CdbkState_32f* state);
+/** The nearest codeword of each vector: 16-bit. @see @ref vector_quantisation */
+QORSR_API QorStatus qorsVQ_16s(const int16_t* source, int32_t step, int32_t* indices, int32_t height, const CdbkState_16s* state);
+/** The nearest codeword of each vector, and its distance: float. @see @ref vector_quantisation */
+QORSR_API QorStatus qorsVQDist_32f(const float* source, int32_t step, int32_t* indices, float* distances, int32_t height,
+                                   const CdbkState_32f* state);
+/** The nearest codeword of each vector, and its distance: 16 to 32 bits, scaled. @see @ref vector_quantisation */
+QORSR_API QorStatus qorsVQDist_16s32s_Sfs(const int16_t* source, int32_t step, int32_t* indices, int32_t* distances, int32_t height,
+                                          const CdbkState_16s* state, int32_t scaleFactor);
+/** The k nearest codewords of one vector: float. @see @ref vector_quantisation */
+QORSR_API QorStatus qorsVQSingle_Sort_32f(const float* x, int32_t* indices, CdbkState_32f* state, int32_t k);
+/** The k nearest codewords of one vector: 16-bit. @see @ref vector_quantisation */
+QORSR_API QorStatus qorsVQSingle_Sort_16s(const int16_t* x, int32_t* indices, CdbkState_16s* state, int32_t k);
+/** The k nearest codewords of one vector, and their distances: float. @see @ref vector_quantisation */
+QORSR_API QorStatus qorsVQDistSingle_Sort_32f(const float* x, int32_t* indices, float* distances, CdbkState_32f* state, int32_t k);
+/** The k nearest codewords of one vector, and their distances: 16 to 32 bits, scaled. @see @ref vector_quantisation */
+QORSR_API QorStatus qorsVQDistSingle_Sort_16s32s_Sfs(const int16_t* x, int32_t* indices, int32_t* distances, CdbkState_16s* state,
+                                                     int32_t k, int32_t scaleFactor);
+/** All codewords nearly as near to a vector as the nearest: float. @see @ref vector_quantisation */
+QORSR_API QorStatus qorsVQSingle_Thresh_32f(const float* x, int32_t* indices, CdbkState_32f* state, float threshold,
+                                            int32_t* count);
+/** All codewords nearly as near to a vector as the nearest: 16-bit. @see @ref vector_quantisation */
+QORSR_API QorStatus qorsVQSingle_Thresh_16s(const int16_t* x, int32_t* indices, CdbkState_16s* state, float threshold,
+                                            int32_t* count);
+/** All codewords nearly as near to a vector as the nearest, and their distances: float. @see @ref vector_quantisation */
+QORSR_API QorStatus qorsVQDistSingle_Thresh_32f(const float* x, int32_t* indices, float* distances, CdbkState_32f* state,
+                                                float threshold, int32_t* count);
+/** All codewords nearly as near to a vector as the nearest, and their distances: 16 to 32 bits, scaled.
+ *  @see @ref vector_quantisation */
+QORSR_API QorStatus qorsVQDistSingle_Thresh_16s32s_Sfs(const int16_t* x, int32_t* indices, int32_t* distances, CdbkState_16s* state,
+                                                       float threshold, int32_t* count, int32_t scaleFactor);
+/** @} */
+
 /* ================================ Matching and decomposition ================================ */
 
 /** @defgroup dtw Dynamic time warping

@@ -1,0 +1,298 @@
+// The nearest codeword of each of many vectors, by what the codebook has: a full search, a grid of lists, a tree.
+//
+// What is defined is the order of comparisons. Full search, every weight 1: strictly nearer, in the order of the rows, from row 0 on.
+// With weights, and in lists: nearer by a margin (margins.h), in order, from the largest float on. Trees: a descent that looks two
+// levels ahead, then a climb from leaf to nearer leaf. A block of vectors takes each row of the book together (full search); where a
+// vector's nearest row is nearer than all others by more than the margin, the order cannot show, else that vector is searched alone.
+#pragma once
+
+#include <bit>
+#include <cstdint>
+#include <limits>
+
+#include "quantise/codebook.h"
+#include "quantise/codebook_grid.h"
+#include "quantise/codebook_sums.h"
+#include "quantise/codebook_tree.h"
+#include "quantise/margins.h"
+#include "scoring/frame_block.h"
+#include "scoring/single_frame.h"
+
+namespace qorsr {
+
+// A codeword and its squared distance; index -1 where none was found.
+struct Nearest {
+  int32_t index = -1;
+  float square = std::numeric_limits<float>::max();
+};
+
+// Vectors of a dimension up to this need no memory.
+inline constexpr int32_t kStackDimension = 128;
+
+// ---- Scans ----
+
+inline constexpr int32_t kScanChunk = 64;
+
+// Strictly nearer, from the first row on.
+struct StrictScan {
+  static void take(Nearest& nearest, float square, int32_t index) {
+    if (nearest.index < 0 || square < nearest.square) nearest = {index, square};
+  }
+};
+// Nearer by the margin, from the largest float on.
+struct MarginScan {
+  static void take(Nearest& nearest, float square, int32_t index) {
+    if (isBelow(static_cast<double>(square), static_cast<double>(nearest.square))) nearest = {index, square};
+  }
+};
+
+template <class Scan, class T, class Weights>
+Nearest scanBook(const T* x, StridedRows<const T> book, const Weights& weights, int32_t count, int32_t dimension) {
+  Nearest nearest;
+  float squares[kScanChunk];
+  for (int32_t first = 0; first < count; first += kScanChunk) {
+    const int32_t n = count - first < kScanChunk ? count - first : kScanChunk;
+    squaredDistances(x, StridedRows<const T>{book[first], book.stride}, weights, n, dimension, squares);
+    for (int32_t i = 0; i < n; ++i) Scan::take(nearest, squares[i], first + i);
+  }
+  return nearest;
+}
+
+template <class T, class Weights>
+Nearest scanList(const T* x, StridedRows<const T> book, const Weights& weights, const int32_t* list, int32_t count,
+                 int32_t dimension) {
+  Nearest nearest;
+  float squares[kScanChunk];
+  for (int32_t first = 0; first < count; first += kScanChunk) {
+    const int32_t n = count - first < kScanChunk ? count - first : kScanChunk;
+    squaredDistances(x, IndexedRows<T>{book.base, book.stride, list + first}, weights, n, dimension, squares);
+    for (int32_t i = 0; i < n; ++i) MarginScan::take(nearest, squares[i], list[first + i]);
+  }
+  return nearest;
+}
+
+// ---- Trees ----
+
+// Every weight 1: distances.
+template <class T>
+Nearest searchTree(const CodebookTree& tree, const T* x, StridedRows<const T> book, UnitRows unit, int32_t dimension) {
+  int32_t at = tree.isLeaf() ? ~0 : 0;
+  while (at >= 0) {
+    float d[4];
+    squaredDistances(x, StridedRows<const T>{tree.rowsOf<T>(at, dimension), dimension}, unit, 4, dimension, d);
+    const float left = d[1] < d[0] ? d[1] : d[0], right = d[3] < d[2] ? d[3] : d[2];
+    at = tree.children()[2 * at + (right < left ? 1 : 0)];
+  }
+  Nearest nearest{~at, squaredDistance(x, book[~at], unit, dimension)};
+  for (bool climbs = true; climbs;) {
+    climbs = false;
+    const int32_t* const list = tree.neighboursOf(nearest.index);
+    float d[kMostNeighbours];
+    squaredDistances(x, IndexedRows<T>{book.base, book.stride, list}, unit, tree.neighbourCount, dimension, d);
+    for (int32_t i = 0; i < tree.neighbourCount && !climbs; ++i) {
+      if (d[i] < nearest.square) {
+        nearest = {list[i], d[i]};
+        climbs = true;
+      }
+    }
+  }
+  return nearest;
+}
+
+// Scores of rows by Gaussian likelihood: the vector is the mean, the weights are inverse variances; larger is nearer.
+// required: of 16-bit data a leaf's own score is rounded, those of rows are truncated.
+template <class T>
+struct TreeScores;
+template <>
+struct TreeScores<float> {
+  using Score = float;
+  explicit TreeScores(int32_t) {}
+  template <class Rows>
+  void operator()(const float* x, Rows rows, const float* weights, int32_t count, int32_t dimension, float* scores) const {
+    scoreFrames<Write>(score::Folded<float>(), rows, diagonal(x, weights), dimension, scores, count, 0.0F);
+  }
+  float one(const float* x, const float* row, const float* weights, int32_t dimension) const {
+    float result = 0.0F;
+    scoreOne(score::Folded<float>(), row, diagonal(x, weights), dimension, &result, 0.0F);
+    return result;
+  }
+};
+template <>
+struct TreeScores<int16_t> {
+  using Score = int32_t;
+  int32_t scaleFactor;  // floor(log2(dimension)) + 1
+
+  explicit TreeScores(int32_t dimension) : scaleFactor(std::bit_width(static_cast<uint32_t>(dimension))) {}
+  template <class Rows>
+  void operator()(const int16_t* x, Rows rows, const int16_t* weights, int32_t count, int32_t dimension, int32_t* scores) const {
+    scoreFrames<Write>(score::Truncated(scaleFactor), rows, diagonal(x, weights), dimension, scores, count, 0);
+  }
+  int32_t one(const int16_t* x, const int16_t* row, const int16_t* weights, int32_t dimension) const {
+    int32_t result = 0;
+    scoreOne(score::Rounded(scaleFactor), row, diagonal(x, weights), dimension, &result, 0);
+    return result;
+  }
+};
+
+// Whether a score is larger than another times 1.000001. required: scores are negative as a rule, so that equal ones count as larger.
+inline bool isAbove(double a, double b) { return a > b * 1.000001; }
+
+template <class T>
+Nearest searchTree(const CodebookTree& tree, const T* x, StridedRows<const T> book, SharedRow<T> weights, int32_t dimension) {
+  const TreeScores<T> scoresOf(dimension);
+  using Score = typename TreeScores<T>::Score;
+  const T* const w = weights.row;
+  int32_t at = tree.isLeaf() ? ~0 : 0;
+  while (at >= 0) {
+    Score all[4];
+    scoresOf(x, StridedRows<const T>{tree.rowsOf<T>(at, dimension), dimension}, w, 4, dimension, all);
+    const auto beatsRight = [&all](Score left) {
+      return isAbove(static_cast<double>(left), static_cast<double>(all[2])) &&
+             isAbove(static_cast<double>(left), static_cast<double>(all[3]));
+    };
+    at = tree.children()[2 * at + (beatsRight(all[0]) || beatsRight(all[1]) ? 0 : 1)];
+  }
+  int32_t leaf = ~at;
+  if (tree.neighbourCount > 0) {
+    auto own = static_cast<double>(scoresOf.one(x, book[leaf], w, dimension));
+    for (bool climbs = true; climbs;) {
+      climbs = false;
+      const int32_t* const list = tree.neighboursOf(leaf);
+      const T* rows[kMostNeighbours];
+      Score all[kMostNeighbours];
+      for (int32_t i = 0; i < tree.neighbourCount; ++i) rows[i] = book[list[i]];
+      scoresOf(x, ListedRows<const T>{rows}, w, tree.neighbourCount, dimension, all);
+      for (int32_t i = 0; i < tree.neighbourCount && !climbs; ++i) {
+        const auto other = static_cast<double>(all[i]);
+        if (isAbove(other, own) && !isClose(other, own)) {
+          leaf = list[i];
+          own = other;
+          climbs = true;
+        }
+      }
+    }
+  }
+  return {leaf, squaredDistance(x, book[leaf], weights, dimension)};
+}
+
+// ---- Full search of blocks ----
+
+// Row k of the book in float, in `buffer` if that takes a conversion.
+inline const float* rowInFloat(const float* row, int32_t, float*) { return row; }
+inline const float* rowInFloat(const int16_t* row, int32_t dimension, float* buffer) {
+  coverColumns<float, kNativeLanes<float>>(
+      dimension, [&](int32_t j, auto n) __attribute__((always_inline)) { loadAs<float, n>(row + j).store(buffer + j); });
+  return buffer;
+}
+
+// `columns` holds kBlock vectors; `buffer` one row.
+template <class T, class Weigh>
+[[gnu::noinline, gnu::flatten]] void strictBlock(StridedRows<const T> book, Weigh weigh, int32_t count, int32_t dimension,
+                                                 const float* columns, float* buffer, Lanes<float, kBlock>* squares,
+                                                 Lanes<int32_t, kBlock>* indices) {
+  auto best = blockDistances(columns, rowInFloat(book[0], dimension, buffer), weigh, dimension);
+  Lanes<int32_t, kBlock> index(0);
+  for (int32_t k = 1; k < count; ++k) {
+    const auto d = blockDistances(columns, rowInFloat(book[k], dimension, buffer), weigh, dimension);
+    for (int i = 0; i < d.kParts; ++i) {
+      const auto nearer = d.part[i] < best.part[i];
+      best.part[i] = nearer ? d.part[i] : best.part[i];
+      index.part[i] = nearer ? Lanes<int32_t, kBlock>(k).part[i] : index.part[i];
+    }
+  }
+  *squares = best;
+  *indices = index;
+}
+template <class T, class Weigh>
+[[gnu::noinline, gnu::flatten]] NearestOfBlock marginBlock(StridedRows<const T> book, Weigh weigh, int32_t count, int32_t dimension,
+                                                           const float* columns, float* buffer) {
+  NearestOfBlock nearest(std::numeric_limits<float>::max());
+  for (int32_t k = 0; k < count; ++k) {
+    nearest.add(blockDistances(columns, rowInFloat(book[k], dimension, buffer), weigh, dimension), k);
+  }
+  return nearest;
+}
+
+// Scratch of a call: vectors side by side, a row of the book and the weights in float.
+using BlockScratch = Scratch<float, kStackDimension*(kBlock + 2)>;
+
+// Calls put(r, nearest) for the first vectors, as many as blocks hold, and returns their number.
+template <class State, class Put>
+int32_t searchFullBlocks(const State& state, const typename State::Element* source, int64_t step, int32_t height,
+                         const BlockScratch& scratch, const Put& put) {
+  using T = typename State::Element;
+  const auto book = bookOf(state);
+  const int32_t dimension = state.dimension, count = state.count;
+  float* const columns = scratch.get();
+  float* const buffer = columns + int64_t{dimension} * kBlock;
+  const bool weighted = (state.flags & kWeighted) != 0;
+  const float* const weights = weighted ? rowInFloat(weightsOf(state), dimension, buffer + dimension) : nullptr;
+  int32_t r = 0;
+  while (height - r > kBlock / 4) {  // fewer are searched one by one
+    const int32_t n = height - r < kBlock ? height - r : kBlock;
+    storeColumns(source + r * step, step, n, dimension, columns);
+    float squares[kBlock], seconds[kBlock];
+    int32_t indices[kBlock];
+    if (!weighted) {
+      Lanes<float, kBlock> square;
+      Lanes<int32_t, kBlock> index;
+      strictBlock(book, UnitBlockWeights(), count, dimension, columns, buffer, &square, &index);
+      square.store(squares);
+      index.store(indices);
+    } else {
+      const NearestOfBlock nearest = marginBlock(book, BlockWeights{weights}, count, dimension, columns, buffer);
+      nearest.best.store(squares);
+      nearest.second.store(seconds);
+      nearest.index.store(indices);
+    }
+    for (int32_t i = 0; i < n; ++i) {
+      if (weighted && !(seconds[i] > squares[i] * kClearMargin)) {
+        put(r + i, scanBook<MarginScan>(source + (r + i) * step, book, SharedRow<T>{weightsOf(state)}, count, dimension));
+      } else {
+        put(r + i, Nearest{indices[i], squares[i]});
+      }
+    }
+    r += n;
+  }
+  return r;
+}
+
+// ---- Rows of a source ----
+
+// Calls put(r, nearest) for each of `height` vectors, `step` apart, in order; of a mode that has no search never. Status: no memory.
+template <class State, class Put>
+QorStatus searchRows(const State& state, const typename State::Element* source, int64_t step, int32_t height, const Put& put) {
+  using T = typename State::Element;
+  const int32_t dimension = state.dimension;
+  const auto book = bookOf(state);
+  const bool tree = isTreeMode(state.mode), full = !tree && (state.flags & kHasGrid) == 0;
+  if (full) {
+    const BlockScratch scratch(int64_t{dimension} * (kBlock + 2));
+    if (!scratch) return qorStatusNoMemory;
+    if (state.mode != kEveryRow) return qorStatusOk;
+    int32_t r = searchFullBlocks(state, source, step, height, scratch, put);
+    for (; r < height; ++r) {
+      const T* const x = source + r * step;
+      put(r, (state.flags & kWeighted) != 0 ? scanBook<MarginScan>(x, book, SharedRow<T>{weightsOf(state)}, state.count, dimension)
+                                            : scanBook<StrictScan>(x, book, UnitRows{}, state.count, dimension));
+    }
+    return qorStatusOk;
+  }
+  const Scratch<T, kStackDimension> vector(dimension);
+  if (!vector) return qorStatusNoMemory;
+  withWeights(state, [&](const auto& weights) {
+    for (int32_t r = 0; r < height; ++r) {
+      std::memcpy(vector.get(), source + r * step, static_cast<std::size_t>(dimension) * sizeof(T));
+      if (tree) {
+        put(r, searchTree<T>(treeOf(state), vector.get(), book, weights, dimension));
+      } else {
+        const CodebookGrid& grid = gridOf(state);
+        const auto list = listFor(grid, vector.get());
+        put(r, scanList(vector.get(), book, weights, grid.indexAt(list.begin), list.count, dimension));
+      }
+    }
+  });
+  return qorStatusOk;
+}
+
+}  // namespace qorsr
