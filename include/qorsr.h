@@ -3669,7 +3669,7 @@ QORSR_API QorStatus qorsDcsClustLCompute_64f(const double* sum, const double* sq
  *  | `size` of `CdbkGetSize_*`, `CdbkInit_*` | value | 1 to 16383 | |
  *  | `height` of `CdbkGetSize_*`, `CdbkInit_*` | value | size | |
  *  | `mode` | value | 1, 2 or 3 | #qorCdbkEveryRow and its fellows |
- *  | `mode` of `CdbkGetSize_*`, `CdbkInit_*` | value | 1 | |
+ *  | `mode` of `CdbkGetSize_*`, `CdbkInit_*` | value | -2147483647 - 1, 1, 4 or 2147483647 | any but 2 and 3: those above are tested |
  *  | `bytes` | out | 1 | |
  *  | `rows` of `CdbkInitAlloc_*` | is | if(mode == 1, height, size) | |
  *  | `rows` of `CdbkInit_*` | is | size | |
@@ -3791,11 +3791,11 @@ QORSR_API QorStatus qorsGetCodebook_16s(const CdbkState_16s* state, int16_t* des
  *  | `step` | value | at least state.dimension | |
  *  | `height` | value | at least 1 | |
  *  | `state` | in | | |
- *  | `state` of `VQ*Single_*` | in, out | | holds a table that the call overwrites |
- *  | `indices`, `distances` | out | height | |
+ *  | `state` of `VQ*Single_*` | in, out | `CdbkInit_*` | of any codebook; holds a table that the call overwrites |
+ *  | `indices`, `distances` | in, out | height | of a state that is searched, all are written |
  *  | `indices`, `distances` of `VQ*Single_Sort_*` | out | k | |
  *  | `indices`, `distances` of `VQ*Single_Thresh_*` | in, out | state.rows | count of them are written |
- *  | `k` | value | 1 to if(state.mode == 1, state.rows, 1) | up to the number of codewords |
+ *  | `k` | value | 1 to state.rows | up to the number of codewords |
  *  | `threshold` | value | at least 1 | a ratio of distances |
  *  | `count` | out | 1 | codewords that were found |
  *  | `scaleFactor` | value | any | |
