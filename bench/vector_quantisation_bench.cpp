@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -50,19 +51,32 @@ struct Task {
 
 std::vector<int32_t> indices(4096);
 
-// Codebooks are made by the module that searches them.
-CdbkState_32f* made(const bench::Level& level, const std::vector<float>& rows, int32_t width, int32_t size, int32_t mode) {
-  CdbkState_32f* state = nullptr;
-  const auto height = static_cast<int32_t>(rows.size() / static_cast<std::size_t>(width));
-  level.ours<decltype(qorsCdbkInitAlloc_L2_32f)>("qorsCdbkInitAlloc_L2_32f")(&state, rows.data(), width, width, height, size, mode);
+template <class State, class T, class Make>
+State* made(Make* make, const std::vector<T>& rows, int32_t width, int32_t size, int32_t mode) {
+  State* state = nullptr;
+  make(&state, rows.data(), width, width, static_cast<int32_t>(rows.size() / static_cast<std::size_t>(width)), size, mode);
   return state;
 }
-CdbkState_16s* made(const bench::Level& level, const std::vector<int16_t>& rows, int32_t width, int32_t size, int32_t mode) {
-  CdbkState_16s* state = nullptr;
-  const auto height = static_cast<int32_t>(rows.size() / static_cast<std::size_t>(width));
-  level.ours<decltype(qorsCdbkInitAlloc_L2_16s)>("qorsCdbkInitAlloc_L2_16s")(&state, rows.data(), width, width, height, size, mode);
-  return state;
-}
+
+// A codebook that the module of a level makes when it is first searched.
+template <class State, class T>
+class Book {
+ public:
+  template <class Make>
+  Book(Make* make, const std::vector<T>& rows, int32_t width, int32_t size, int32_t mode)
+      : make_([=, &rows] { return made<State>(make, rows, width, size, mode); }) {}
+
+  State* get() const {
+    if (*state_ == nullptr) *state_ = make_();
+    return *state_;
+  }
+
+ private:
+  std::function<State*()> make_;
+  std::shared_ptr<State*> state_ = std::make_shared<State*>(nullptr);
+};
+using Book32f = Book<CdbkState_32f, float>;
+using Book16s = Book<CdbkState_16s, int16_t>;
 
 void addSearches(const bench::Level& level, const Task& t) {
   const auto search = level.ours<decltype(qorsVQ_32f)>("qorsVQ_32f");
@@ -72,19 +86,22 @@ void addSearches(const bench::Level& level, const Task& t) {
   const Task* p = &t;
   const double distances = static_cast<double>(t.height) * t.count;
   const std::string blocks = "full search, blocks, " + t.name(), single = "full search, one by one, " + t.name();
-  CdbkState_32f* const full = made(level, t.book, t.width, t.count, 1);
-  CdbkState_16s* const full16 = made(level, t.book16, t.width, t.count, 1);
+  const auto make = level.ours<decltype(qorsCdbkInitAlloc_L2_32f)>("qorsCdbkInitAlloc_L2_32f");
+  const auto make16 = level.ours<decltype(qorsCdbkInitAlloc_L2_16s)>("qorsCdbkInitAlloc_L2_16s");
+  const Book32f full(make, t.book, t.width, t.count, 1);
+  const Book16s full16(make16, t.book16, t.width, t.count, 1);
   bench::add({blocks, "ours", level.name, distances, "distances"},
-             [=] { search(p->queries.data(), p->width, indices.data(), p->height, full); });
+             [=] { search(p->queries.data(), p->width, indices.data(), p->height, full.get()); });
   bench::add({blocks, "plain", level.name},
              [=] { plain(p->queries.data(), p->height, p->book.data(), p->count, p->width, indices.data()); });
   bench::add({single, "ours", level.name, distances, "distances"}, [=] {
-    for (int32_t r = 0; r < p->height; ++r) search(p->queries.data() + int64_t{r} * p->width, p->width, indices.data(), 1, full);
+    for (int32_t r = 0; r < p->height; ++r)
+      search(p->queries.data() + int64_t{r} * p->width, p->width, indices.data(), 1, full.get());
   });
   bench::add({single, "plain", level.name},
              [=] { plain(p->queries.data(), p->height, p->book.data(), p->count, p->width, indices.data()); });
   bench::add({blocks + ", 16-bit", "ours", level.name, distances, "distances"},
-             [=] { search16(p->queries16.data(), p->width, indices.data(), p->height, full16); });
+             [=] { search16(p->queries16.data(), p->width, indices.data(), p->height, full16.get()); });
   bench::add({blocks + ", 16-bit", "plain", level.name},
              [=] { plain16(p->queries16.data(), p->height, p->book16.data(), p->count, p->width, indices.data()); });
 }
@@ -92,22 +109,23 @@ void addSearches(const bench::Level& level, const Task& t) {
 void addTree(const bench::Level& level, const Task& t, const std::vector<float>& rows) {
   const auto search = level.ours<decltype(qorsVQ_32f)>("qorsVQ_32f");
   const Task* p = &t;
-  CdbkState_32f* const tree = made(level, rows, t.width, t.count, 2);
-  CdbkState_32f* const full = made(level, t.book, t.width, t.count, 1);
+  const auto make = level.ours<decltype(qorsCdbkInitAlloc_L2_32f)>("qorsCdbkInitAlloc_L2_32f");
+  const Book32f tree(make, rows, t.width, t.count, 2), full(make, t.book, t.width, t.count, 1);
   const std::string name = "tree, " + t.name();
   bench::add({name, "ours", level.name, static_cast<double>(t.height), "vectors"},
-             [=] { search(p->queries.data(), p->width, indices.data(), p->height, tree); });
-  bench::add({name, "full", level.name}, [=] { search(p->queries.data(), p->width, indices.data(), p->height, full); });
+             [=] { search(p->queries.data(), p->width, indices.data(), p->height, tree.get()); });
+  bench::add({name, "full", level.name}, [=] { search(p->queries.data(), p->width, indices.data(), p->height, full.get()); });
 }
 
 void addTraining(const bench::Level& level, const std::vector<float>& rows, int32_t width, int32_t size, bool withPlain) {
   const auto height = static_cast<int32_t>(rows.size() / static_cast<std::size_t>(width));
+  const auto make = level.ours<decltype(qorsCdbkInitAlloc_L2_32f)>("qorsCdbkInitAlloc_L2_32f");
   const auto release = level.ours<decltype(qorsCdbkFree_32f)>("qorsCdbkFree_32f");
   const auto train = level.plain<decltype(plainTrain_32f)>("plainTrain_32f");
   const std::vector<float>* p = &rows;
   const std::string name =
       "training, " + std::to_string(size) + " codewords of " + std::to_string(height) + " rows of " + std::to_string(width);
-  bench::add({name, "ours", level.name, 1, "codebooks"}, [=] { release(made(level, *p, width, size, 2)); });
+  bench::add({name, "ours", level.name, 1, "codebooks"}, [=] { release(made<CdbkState_32f>(make, *p, width, size, 2)); });
   if (!withPlain) return;
   static std::vector<float> book(1 << 20);
   bench::add({name, "plain", level.name}, [=] { train(p->data(), height, width, size, book.data()); });
@@ -151,7 +169,8 @@ void addFaissTraining(const std::vector<float>& rows, int32_t width, int32_t siz
 int main(int argc, char** argv) {
   setenv("OMP_NUM_THREADS", "1", 1);  // peers compute with one thread, as we do
   setenv("OPENBLAS_NUM_THREADS", "1", 1);
-  static const std::vector<Task> tasks = {{13, 64, 512}, {13, 1024, 512}, {39, 64, 512}, {39, 1024, 512}, {2, 64, 512}, {8, 256, 512}};
+  static const std::vector<Task> tasks = {{13, 64, 512},   {13, 1024, 512}, {39, 64, 512},
+                                          {39, 1024, 512}, {2, 64, 512},    {8, 256, 512}};
   static const Task deep[] = {{13, 1024, 512}};
   static const auto rows = vectors(5000, 13, 3);
   for (const bench::Level& level : bench::levels()) {
