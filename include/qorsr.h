@@ -3005,6 +3005,134 @@ QORSR_API QorStatus qorsWaveProcessing_Aurora_16s(const int16_t* source, int16_t
 
 /* ---------------- Band split and equalisation ---------------- */
 
+/** @defgroup band_split Band split and equalisation
+ *  The wide band of a front-end for speech at 16 kHz: a filter pair splits the signal into two bands of 8 kHz each, mel banks of a fixed
+ *  form measure them, the high band is coded in three values, and the cepstrum is equalised.
+ *
+ *  **Split** (`LowHighFilter`), with taps h of a low-pass filter of half the band, and T = tapCount:
+ *
+ *      low[i] = sum over k = 0 to T - 1 of h[k] x[2i + k]
+ *      high[i] = s sum over k of (-1)^k h[k] x[2i + k], s = -1 for even i, 1 for odd i
+ *
+ *  for i = 0 to length / 2 - 1; an odd length loses its last sample. The caller supplies the T - 2 samples behind the frame (so they are
+ *  the past of the next one). `16s`: times 2^-scaleFactor; with taps in Q15 the scale factor is 15.
+ *
+ *  **Banks** (`MelFBank...Low`, `MelFBank...High`): records of @ref filter_bank, for spectra of 128 samples at 8 kHz, bins 0 to 64; evaluated
+ *  with qorsEvalFBank_32f() and its relatives, released with qorsFBankFree_32f() if they have memory of their own. Triangles from bin to
+ *  bin, 0 at both ends, at centres equally far apart in mel(f) = 2595 log10(1 + f / 700).
+ *  - Low: 25 filters from 1 to 4000 Hz, the first of which is half a triangle, all divided by the sum of their weights.
+ *  - High: 3 filters from 80 to 4000 Hz, as they are.
+ *
+ *  **Coding** (`HighBandCoding`): with L(z) = log(z), at least -10, of three values b of the low band, a spectrum A of it and a spectrum B of
+ *  the high one:
+ *
+ *      A0, A1, A2 = L of the sums of A[33] to A[38], A[39] to A[48], A[49] to A[64]
+ *      T0, T1, T2 = L of half the sums of B[66] to B[76], B[78] to B[96], B[98] to B[128]
+ *      result[j] = 0.1 (T0 - (A0 - L(b[j]))) + 0.2 (T1 - (A1 - L(b[j]))) + 0.7 (T2 - (A2 - L(b[j])))
+ *
+ *  `32s`: logarithms have 7 fraction bits, and results 2^-scaleFactor in whole numbers; -7 keeps the fraction.
+ *
+ *  **Equaliser** (`BlindEqualization`): the cepstrum loses the bias, and the bias follows what is left of the cepstrum towards a reference,
+ *  the faster the louder the frame:
+ *
+ *      mu = min(max(logEnergy - 211/64, 0), 1) 9/1024
+ *      cepstrum[i] -= bias[i],   bias[i] += mu (cepstrum[i] - reference[i])
+ *
+ *  `16s`: logEnergy counts 64ths. The bias is the caller's, one for each stream, and begins with zeros. The three vectors may overlap: then
+ *  each element is read when it is its turn.
+ *
+ *  @warning Of all-zero spectra and a low band of zeros the coding is -10, not 0.
+ *  @warning `HighBandCoding_32s` with a scale factor below -7 shifts left by scaleFactor + 7 modulo 32: -8 by 31 (required).
+ *
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `size` | out | 1 | bytes |
+ *  | `state` of `*InitAlloc*` | makes | | |
+ *  | `state` of `MelFBankInitLow_*` | block | bytes of `MelFBankGetSizeLow_*` | begins at any address that the element type allows |
+ *  | `state` of `MelFBankInitHigh_*` | block | bytes of `MelFBankGetSizeHigh_*` | |
+ *  | `filterCount` of `MelFBankInit*Low_*` | is | 25 | |
+ *  | `filterCount` of `MelFBankInit*High_*` | is | 3 | |
+ *  | `bins`, `inputs` of `MelFBankInit*` | is | 65 | |
+ *  | `source` | in | max(length / 2 * 2 + tapCount - 2, 1) | |
+ *  | `low`, `high` | out | length / 2 | |
+ *  | `taps` | in | tapCount | |
+ *  | `tapCount` | value | at least 1 | |
+ *  | `lowBand` | in | 3 | |
+ *  | `spectrumA` | in | 65 | bins 33 to 64 are used |
+ *  | `spectrumB` | in | 129 | bins 66 to 128 are used |
+ *  | `result` | out | 3 | |
+ *  | `reference` | in | length | |
+ *  | `cepstrum`, `bias` | in, out | length | |
+ *  | `length` | value | at least 1 | |
+ *  | `logEnergy`, `scaleFactor` | value | any | |
+ *
+ *  | Functions | Statuses, in order |
+ *  |---|---|
+ *  | `MelFBank` | null; `InitAlloc`: #qorStatusNoMemory |
+ *  | `LowHighFilter` | null source or taps; tapCount below 1; null bands; length below 1 (#qorStatusBadSize) |
+ *  | `HighBandCoding` | null |
+ *  | `BlindEqualization` | null; length below 1 |
+ *
+ *  **Exact arithmetic**
+ *  - `LowHighFilter`: products of even and of odd taps are added apart, each in the order of the taps, to E and O; low = E + O, high =
+ *    s (E - O). `16s`: exact sums, times the power of two in double, limited to 16 bits, to nearest, ties to even.
+ *  - Banks: centres are computed in double and rounded to nearest, ties to even, to bin 64 at most. Weights are j / span and 1 - j / span in
+ *    float, `16s`: in Q14, each quotient truncated. A section without width has no weights.
+ *  - `HighBandCoding_32f`: sums in the order of the bins, logarithms in double where the argument is above exp(-10), each rounded to float,
+ *    all else in float. `32s`: sums are exact and limited to 32 bits, those of B divided by 8 to nearest, ties to even; logarithms are
+ *    rounded to nearest, -1280 of what is not above 0; those of B gain 177. required: the terms are (102 T0 - 102 d0) >> 10, (205 (T1 - d1))
+ *    >> 10 and (717 (T2 - d2)) >> 10, d = A - b, shifted one by one; their sum is shifted right by scaleFactor + 7.
+ *  - `BlindEqualization_16s`: e = min(max(logEnergy - 211, 0), 64), t = c - b in 32 bits; the cepstrum is t saturated, the bias is
+ *    saturated(b + ((9 e (t - reference)) >> 16)), with t as it was.
+ *  - Only `InitAlloc` allocates.
+ *
+ *  Source of the method: ETSI ES 202 050; Mauuary, "Blind equalization in the cepstral domain for robust telephone based speech
+ *  recognition", EUSIPCO 1998. @{ */
+
+/** size = bytes of the caller's block for the low band's bank. @see @ref band_split */
+QORSR_API QorStatus qorsMelFBankGetSizeLow_Aurora_32f(int32_t* size);
+/** size = bytes of the caller's block for the low band's bank, for 16-bit data. @see @ref band_split */
+QORSR_API QorStatus qorsMelFBankGetSizeLow_Aurora_16s(int32_t* size);
+/** size = bytes of the caller's block for the high band's bank. @see @ref band_split */
+QORSR_API QorStatus qorsMelFBankGetSizeHigh_Aurora_32f(int32_t* size);
+/** size = bytes of the caller's block for the high band's bank, for 16-bit data. @see @ref band_split */
+QORSR_API QorStatus qorsMelFBankGetSizeHigh_Aurora_16s(int32_t* size);
+/** The low band's bank in the caller's block. @see @ref band_split */
+QORSR_API QorStatus qorsMelFBankInitLow_Aurora_32f(FBankState_32f* state);
+/** The low band's bank in the caller's block, for 16-bit data. @see @ref band_split */
+QORSR_API QorStatus qorsMelFBankInitLow_Aurora_16s(FBankState_16s* state);
+/** The high band's bank in the caller's block. @see @ref band_split */
+QORSR_API QorStatus qorsMelFBankInitHigh_Aurora_32f(FBankState_32f* state);
+/** The high band's bank in the caller's block, for 16-bit data. @see @ref band_split */
+QORSR_API QorStatus qorsMelFBankInitHigh_Aurora_16s(FBankState_16s* state);
+/** The low band's bank in memory of its own. @see @ref band_split */
+QORSR_API QorStatus qorsMelFBankInitAllocLow_Aurora_32f(FBankState_32f** state);
+/** The low band's bank in memory of its own, for 16-bit data. @see @ref band_split */
+QORSR_API QorStatus qorsMelFBankInitAllocLow_Aurora_16s(FBankState_16s** state);
+/** The high band's bank in memory of its own. @see @ref band_split */
+QORSR_API QorStatus qorsMelFBankInitAllocHigh_Aurora_32f(FBankState_32f** state);
+/** The high band's bank in memory of its own, for 16-bit data. @see @ref band_split */
+QORSR_API QorStatus qorsMelFBankInitAllocHigh_Aurora_16s(FBankState_16s** state);
+/** Splits a float signal into two bands of half its rate. @see @ref band_split */
+QORSR_API QorStatus qorsLowHighFilter_Aurora_32f(const float* source, float* low, float* high, int32_t length, const float* taps,
+                                                 int32_t tapCount);
+/** Splits a 16-bit signal into two bands of half its rate; results are scaled. @see @ref band_split */
+QORSR_API QorStatus qorsLowHighFilter_Aurora_16s_Sfs(const int16_t* source, int16_t* low, int16_t* high, int32_t length,
+                                                     const int16_t* taps, int32_t tapCount, int32_t scaleFactor);
+/** Codes the high band against the low one: three logarithms, float. @see @ref band_split */
+QORSR_API QorStatus qorsHighBandCoding_Aurora_32f(const float* lowBand, const float* spectrumA, const float* spectrumB,
+                                                  float* result);
+/** Codes the high band against the low one: three logarithms, 32-bit, scaled. @see @ref band_split */
+QORSR_API QorStatus qorsHighBandCoding_Aurora_32s_Sfs(const int32_t* lowBand, const int32_t* spectrumA, const int32_t* spectrumB,
+                                                      int32_t* result, int32_t scaleFactor);
+/** Corrects a float cepstrum by its bias, both in place. @see @ref band_split */
+QORSR_API QorStatus qorsBlindEqualization_Aurora_32f(const float* reference, float* cepstrum, float* bias, int32_t length,
+                                                     float logEnergy);
+/** Corrects a 16-bit cepstrum by its bias, both in place. @see @ref band_split */
+QORSR_API QorStatus qorsBlindEqualization_Aurora_16s(const int16_t* reference, int16_t* cepstrum, int16_t* bias, int32_t length,
+                                                     int32_t logEnergy);
+/** @} */
+
 /* ---------------- Voice activity ---------------- */
 
 /** @defgroup voice_activity Voice activity
