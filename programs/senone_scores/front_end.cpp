@@ -9,6 +9,7 @@
 #include <optional>
 
 #include "common/fault.h"
+#include "common/resampling.h"
 #include "derivatives.h"
 
 namespace senones {
@@ -180,10 +181,8 @@ void FrontEnd::centre(std::vector<float>& cepstra, int frames) const {
       "qorsNormalizeColumn_32f_D2");
 }
 
-Features FrontEnd::analyse(const program::Sound& sound) {
-  if (sound.rate != settings_.rate) {
-    throw program::BadSound(std::to_string(sound.rate) + " Hz; the model needs " + std::to_string(settings_.rate));
-  }
+Features FrontEnd::analyse(const program::Sound& recording) {
+  const program::Sound sound = program::resampled(recording, settings_.rate);
   if (sound.samples.size() < window_.size()) throw program::BadSound("shorter than one frame");
   Features features;
   features.frames = static_cast<int>((sound.samples.size() - window_.size()) / static_cast<size_t>(settings_.hop)) + 1;

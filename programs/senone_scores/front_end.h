@@ -31,8 +31,8 @@ class FrontEnd {
  public:
   explicit FrontEnd(const FrontEndSettings& settings);
 
-  /** Throws program::BadSound for a recording of another rate or too few samples. */
-  Features analyse(const program::Sound& sound);
+  /** Of a recording of any rate. Throws program::BadSound for too few samples. */
+  Features analyse(const program::Sound& recording);
 
   const FrontEndSettings& settings() const { return settings_; }
 

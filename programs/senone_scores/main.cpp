@@ -20,7 +20,9 @@ struct Options {
 };
 
 void addOptions(CLI::App& app, Options& options) {
-  app.add_option("wav", options.files, "Recordings: WAV files of one channel, of the model's rate")->required()->type_name("WAV");
+  app.add_option("wav", options.files, "Recordings: WAV files of one channel, 8 to 48 kHz; resampled where the model needs it")
+      ->required()
+      ->type_name("WAV");
   app.add_option("--model", options.model, "Folder of the model: means, variances, sendump, mdef, feat.params")
       ->capture_default_str()
       ->type_name("FOLDER");
