@@ -192,6 +192,117 @@ double addSide(double sum, const Prototype<Entry>& h, const Walk& walk, typename
   return sum;
 }
 
+// ---- The same side of four outputs, in lanes ----
+//
+// Whole groups, as long as all four have one; their rest goes one by one. (resample: 2 to 4 times the loop over single outputs.)
+
+struct EntryPairs {
+  Lanes<double, 4> here, next;
+};
+
+// An entry and the one behind it in one load.
+inline EntryPairs entryPairs(const float* a, const float* b, const float* c, const float* d) {
+  using native::load;
+  const auto eight =
+      std::bit_cast<Lanes<float, 8>>(Lanes<double, 4>::of(load<double>(a), load<double>(b), load<double>(c), load<double>(d)));
+  return {as<double>(permuted<order::everySecond<0>, 4>(eight)), as<double>(permuted<order::everySecond<1>, 4>(eight))};
+}
+inline EntryPairs entryPairs(const int16_t* a, const int16_t* b, const int16_t* c, const int16_t* d) {
+  using native::load;
+  const auto four = Lanes<int32_t, 4>::of(load<int32_t>(a), load<int32_t>(b), load<int32_t>(c), load<int32_t>(d));
+  static_assert(std::endian::native == std::endian::little);
+  return {as<double>(shiftLeft(four, 16) >> 16), as<double>(four >> 16)};
+}
+
+// The places of four outputs. groups(taps) says for how many groups all have table left; next() gives the filter there, and moves on.
+template <class Entry>
+class EvenPlaces {
+ public:
+  EvenPlaces(const Prototype<Entry>& h, const EvenWalk& walk, const EvenWalk::Place (&places)[4]) : step_(walk.step) {
+    double fractions[4];
+    for (int i = 0; i < 4; ++i) {
+      entries_[i] = h.table + places[i].index;
+      fractions[i] = places[i].fraction;
+      left_ = std::min(left_, walk.length - places[i].index);
+    }
+    fraction_ = Lanes<double, 4>::load(fractions);
+    rest_ = Lanes<double, 4>(1.0) - fraction_;
+  }
+  bool holdsSteps(int steps) const { return left_ >= steps * step_; }
+  void moved(int steps) { left_ -= steps * step_; }
+  Lanes<double, 4> next() {
+    const EntryPairs pair = entryPairs(entries_[0], entries_[1], entries_[2], entries_[3]);
+    for (const Entry*& entry : entries_) entry += step_;
+    return pair.here * rest_ + pair.next * fraction_;
+  }
+  void giveBack(const Prototype<Entry>& h, EvenWalk::Place (&places)[4]) const {
+    for (int i = 0; i < 4; ++i) places[i].index = entries_[i] - h.table;
+  }
+
+ private:
+  int64_t step_, left_ = INT64_MAX;
+  const Entry* entries_[4];
+  Lanes<double, 4> fraction_, rest_;
+};
+
+template <class Entry>
+class StretchedPlaces {
+ public:
+  StretchedPlaces(const Prototype<Entry>& h, const StretchedWalk& walk, const double (&places)[4])
+      : table_(h.table), end_(walk.end), single_(walk.step), step_(walk.step), u_(Lanes<double, 4>::load(places)) {}
+  bool holdsSteps(int steps) const { return !anyLess(Lanes<double, 4>(end_ - steps * single_), u_); }
+  void moved(int) {}
+  Lanes<double, 4> next() {
+    const Lanes<int32_t, 4> index = truncated(u_);
+    const Lanes<double, 4> fraction = u_ - as<double>(index);
+    int32_t at[4];
+    index.store(at);
+    const EntryPairs pair = entryPairs(table_ + at[0], table_ + at[1], table_ + at[2], table_ + at[3]);
+    u_ += step_;
+    return pair.here * (Lanes<double, 4>(1.0) - fraction) + pair.next * fraction;
+  }
+  void giveBack(const Prototype<Entry>&, double (&places)[4]) const { u_.store(places); }
+
+ private:
+  const Entry* table_;
+  double end_, single_;
+  Lanes<double, 4> step_, u_;
+};
+template <class Entry>
+auto placesOf(const Prototype<Entry>& h, const EvenWalk& walk, const EvenWalk::Place (&places)[4]) {
+  return EvenPlaces<Entry>(h, walk, places);
+}
+template <class Entry>
+auto placesOf(const Prototype<Entry>& h, const StretchedWalk& walk, const double (&places)[4]) {
+  return StretchedPlaces<Entry>(h, walk, places);
+}
+
+// Adds one side to four sums. Every place has a whole index.
+template <int Direction, class Entry, class Walk, class Sample>
+void addFourSides(double (&sums)[4], const Prototype<Entry>& h, const Walk& walk, typename Walk::Place (&places)[4],
+                  const Sample* (&x)[4]) {
+  constexpr int kTaps = kGroup<Entry, Walk>;
+  auto four = placesOf(h, walk, places);
+  auto sum = Lanes<double, 4>::load(sums);
+  while (four.holdsSteps(kTaps)) {
+    Lanes<double, 4> group;
+    for (int first = 0; first < kTaps; first += 4) {
+      const auto samples = [&](const Sample* p) { return loadAs<float, 4>(Direction < 0 ? p - 3 : p); };
+      const Transposed block = transposed(samples(x[0]), samples(x[1]), samples(x[2]), samples(x[3]));
+      for (int k = 0; k < 4; ++k) {
+        const auto product = four.next() * as<double>(block.lane[Direction < 0 ? 3 - k : k]);
+        group = first + k == 0 ? product : group + product;
+      }
+      for (const Sample*& p : x) p += 4 * Direction;
+    }
+    four.moved(kTaps);
+    sum += group;
+  }
+  sum.store(sums);
+  four.giveBack(h, places);
+  for (int i = 0; i < 4; ++i) sums[i] = addSide<Direction>(sums[i], h, walk, places[i], x[i]);
+}
+
 // ---- All outputs ----
 
 template <class Entry, class Walk, class Sample>
@@ -202,15 +313,45 @@ double filtered(const Prototype<Entry>& h, const Walk& walk, const Sample* sourc
   return addSide<1>(left, h, walk, walk.start(1.0 - position.rest), x + 1);
 }
 
+// Of times that are not negative.
+template <class Entry, class Walk, class Sample>
+void filterFour(const Prototype<Entry>& h, const Walk& walk, const Sample* source, const double (&times)[4], double (&sums)[4]) {
+  typename Walk::Place left[4], right[4];
+  const Sample *before[4], *behind[4];
+  for (int i = 0; i < 4; ++i) {
+    const Position position = positionOf(times[i]);
+    left[i] = walk.start(position.rest);
+    right[i] = walk.start(1.0 - position.rest);
+    before[i] = source + position.whole;
+    behind[i] = before[i] + 1;
+    sums[i] = 0.0;
+  }
+  addFourSides<-1>(sums, h, walk, left, before);
+  addFourSides<1>(sums, h, walk, right, behind);
+}
+
 template <class Entry, class Walk, class Sample>
 int32_t resampleWalk(const Prototype<Entry>& h, const Walk& walk, const Sample* source, Sample* destination, double& time,
                      double end, double step, double gain) {
   int32_t count = 0;
-  while (time < end && count < INT32_MAX) {
-    storeSample(filtered(h, walk, source, time) * gain, destination + count++);
-    const double before = time;
-    time += step;
-    if (!(time > before)) break;  // a step of nothing, or none at all
+  for (bool moves = true; moves;) {
+    double times[4], sums[4];
+    int n = 0;
+    for (; moves && n < 4; ++n) {
+      if (!(time < end) || count > INT32_MAX - 4) {
+        moves = false;
+        break;
+      }
+      times[n] = time;
+      time += step;
+      moves = time > times[n];  // not a step of nothing, or none at all
+    }
+    if (n == 4 && times[0] >= 0.0) {
+      filterFour(h, walk, source, times, sums);
+    } else {
+      for (int i = 0; i < n; ++i) sums[i] = filtered(h, walk, source, times[i]);
+    }
+    for (int i = 0; i < n; ++i) storeSample(sums[i] * gain, destination + count++);
   }
   return count;
 }
