@@ -3394,83 +3394,6 @@ QORSR_API QorStatus qorsFilterUpdateWiener_32f(const float* snr, float* gain, in
 QORSR_API QorStatus qorsFilterUpdateWiener_32s(const int32_t* snr, int32_t* gain, int32_t length);
 /** @} */
 
-/* ================================ Vector quantisation ================================ */
-
-/* ---------------- Codebook training ---------------- */
-
-/* ---------------- Search of a codebook ---------------- */
-
-/* ---------------- Split quantisation and forming of vectors ---------------- */
-
-/** @defgroup vector_forming Vectors from indices
- *  A vector that was quantised in parts, each part with a table of its own, put together again: the row that each index names, one
- *  behind the other.
- *
- *  - `FormVector`: tables of any shape. Book j gives dimensions[j] elements from tables[j][indices[j] * strides[j]] on.
- *  - `2i`, `4i`: tables whose rows have two or four elements and no gaps. There are length / 2 or length / 4 of them; what remains of the
- *    length is not touched.
- *
- *  | Parameter | Use | Elements, or values | |
- *  |---|---|---|---|
- *  | `indices` of `FormVector_2i_*` | in | length / 2; each at least 0, usually 0 to 3 | below sizes[j] |
- *  | `indices` of `FormVector_4i_*` | in | length / 4; each at least 0, usually 0 to 3 | below sizes[j] |
- *  | `indices` | in | bookCount; each at least 0, usually 0 to 3 | below sizes[j] |
- *  | `tables` of `FormVector_2i_*` | in | length / 2 x 8 | sizes[j] rows each; at the usual indices four are read |
- *  | `tables` of `FormVector_4i_*` | in | length / 4 x 16 | the same |
- *  | `tables` | in | bookCount x 21 | sizes[j] rows each, strides[j] apart; at the usual numbers 21 elements are read |
- *  | `sizes` of `FormVector_2i_*` | in | length / 2; each at least 1, usually 4 to 9 | rows of each table |
- *  | `sizes` of `FormVector_4i_*` | in | length / 4; each at least 1, usually 4 to 9 | rows of each table |
- *  | `sizes` | in | bookCount; each at least 1, usually 4 to 9 | rows of each table |
- *  | `dimensions` | in | bookCount; each at least 1, usually 1 to 6 | |
- *  | `strides` | in | bookCount; each at least 1, usually 1 to 5 | elements from one row to the next; not compared with the dimension |
- *  | `bookCount`, `length` | value | at least 1 | |
- *  | `result` of `FormVector_2i_*` | out | length / 2 * 2 | |
- *  | `result` of `FormVector_4i_*` | out | length / 4 * 4 | |
- *  | `result` | out | sum(dimensions) | |
- *
- *  Statuses: null; bookCount or length below 1 (#qorStatusBadSize); then, for each book in order, a dimension or stride below 1, or an index
- *  that is negative or not below the size (#qorStatusBadSize). Nothing is then written.
- *
- *  @warning qorsFormVector_2i_16s32f() alone lets an index pass that equals the size (required): the table must then have one row more. @{ */
-
-/** A vector of one row from each table: 16-bit indices, 16-bit rows. @see @ref vector_forming */
-QORSR_API QorStatus qorsFormVector_16s16s(const int16_t* indices, const int16_t* const* tables, const int32_t* sizes,
-                                          const int32_t* dimensions, const int32_t* strides, int32_t bookCount, int16_t* result);
-/** A vector of one row from each table: 16-bit indices, float rows. @see @ref vector_forming */
-QORSR_API QorStatus qorsFormVector_16s32f(const int16_t* indices, const float* const* tables, const int32_t* sizes,
-                                          const int32_t* dimensions, const int32_t* strides, int32_t bookCount, float* result);
-/** A vector of one row from each table: byte indices, 16-bit rows. @see @ref vector_forming */
-QORSR_API QorStatus qorsFormVector_8u16s(const uint8_t* indices, const int16_t* const* tables, const int32_t* sizes,
-                                         const int32_t* dimensions, const int32_t* strides, int32_t bookCount, int16_t* result);
-/** A vector of one row from each table: byte indices, float rows. @see @ref vector_forming */
-QORSR_API QorStatus qorsFormVector_8u32f(const uint8_t* indices, const float* const* tables, const int32_t* sizes,
-                                         const int32_t* dimensions, const int32_t* strides, int32_t bookCount, float* result);
-/** A vector of rows of two elements: 16-bit indices, 16-bit rows. @see @ref vector_forming */
-QORSR_API QorStatus qorsFormVector_2i_16s16s(const int16_t* indices, const int16_t* const* tables, const int32_t* sizes,
-                                             int16_t* result, int32_t length);
-/** A vector of rows of two elements: 16-bit indices, float rows. An index that equals the size passes. @see @ref vector_forming */
-QORSR_API QorStatus qorsFormVector_2i_16s32f(const int16_t* indices, const float* const* tables, const int32_t* sizes,
-                                             float* result, int32_t length);
-/** A vector of rows of two elements: byte indices, 16-bit rows. @see @ref vector_forming */
-QORSR_API QorStatus qorsFormVector_2i_8u16s(const uint8_t* indices, const int16_t* const* tables, const int32_t* sizes,
-                                            int16_t* result, int32_t length);
-/** A vector of rows of two elements: byte indices, float rows. @see @ref vector_forming */
-QORSR_API QorStatus qorsFormVector_2i_8u32f(const uint8_t* indices, const float* const* tables, const int32_t* sizes, float* result,
-                                            int32_t length);
-/** A vector of rows of four elements: 16-bit indices, 16-bit rows. @see @ref vector_forming */
-QORSR_API QorStatus qorsFormVector_4i_16s16s(const int16_t* indices, const int16_t* const* tables, const int32_t* sizes,
-                                             int16_t* result, int32_t length);
-/** A vector of rows of four elements: 16-bit indices, float rows. @see @ref vector_forming */
-QORSR_API QorStatus qorsFormVector_4i_16s32f(const int16_t* indices, const float* const* tables, const int32_t* sizes,
-                                             float* result, int32_t length);
-/** A vector of rows of four elements: byte indices, 16-bit rows. @see @ref vector_forming */
-QORSR_API QorStatus qorsFormVector_4i_8u16s(const uint8_t* indices, const int16_t* const* tables, const int32_t* sizes,
-                                            int16_t* result, int32_t length);
-/** A vector of rows of four elements: byte indices, float rows. @see @ref vector_forming */
-QORSR_API QorStatus qorsFormVector_4i_8u32f(const uint8_t* indices, const float* const* tables, const int32_t* sizes, float* result,
-                                            int32_t length);
-/** @} */
-
 /* ================================ Model estimation ================================ */
 
 /** @defgroup re_estimation Model re-estimation
@@ -3998,6 +3921,154 @@ QORSR_API QorStatus qorsVQDistSingle_Thresh_32f(const float* x, int32_t* indices
  *  @see @ref vector_quantisation */
 QORSR_API QorStatus qorsVQDistSingle_Thresh_16s32s_Sfs(const int16_t* x, int32_t* indices, int32_t* distances, CdbkState_16s* state,
                                                        float threshold, int32_t* count, int32_t scaleFactor);
+/** @} */
+
+/** @defgroup split_quantisation Split quantisation
+ *  A vector is quantised in parts, each by a codebook of its own (@ref codebook): the first takes as many elements as its dimension, the
+ *  next those behind it, and so on. A frame becomes a short list of indices, and from these the vector is put together again. Without
+ *  codebook records, from plain tables: @ref vector_forming.
+ *
+ *  - `SplitVQ`: the index of each part of each row, as @ref vector_quantisation finds it.
+ *  - `FormVectorVQ`: the codewords of these indices, one behind the other.
+ *
+ *  Indices of a row, bookCount of them:
+ *  - `16s` and `8u`: numbers, side by side; rows indexStride elements apart. Bytes serve codebooks of up to 256 codewords.
+ *  - `1u`: bits. Each index takes as many bits as its codebook's largest index needs (none, if there is one codeword), the most significant
+ *    first; row r begins at bit r * indexStride, bit 0 being the most significant of byte 0. What is between the rows is cleared.
+ *
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `states` | in | bookCount; each of `CdbkInit_L2_*` | or any other codebook |
+ *  | `states` of `SplitVQ_32f1u`, `FormVectorVQ_1u32f` | in | bookCount; each of `CdbkInitAlloc_*` | see the warning |
+ *  | `bookCount`, `height` | value | at least 1 | |
+ *  | `source` | in | height x sum(states.dimension), sourceStride apart | vectors, one a row |
+ *  | `sourceStride`, `resultStride` | value | at least sum(states.dimension) | |
+ *  | `indexStride` of `SplitVQ_*1u`, `FormVectorVQ_1u*` | value | at least 1, usually 31 * bookCount to 31 * bookCount + 20 | bits; not below those of a row's indices |
+ *  | `indexStride` | value | at least bookCount | |
+ *  | `indices` of `SplitVQ_*` | out | height x bookCount, indexStride apart | |
+ *  | `indices` of `SplitVQ_*1u` | out | ceil(height * indexStride / 8) | |
+ *  | `indices` of `FormVectorVQ_*` | in | height x bookCount, indexStride apart | |
+ *  | `indices` of `FormVectorVQ_1u*` | in | ceil(height * indexStride / 8) | |
+ *  | `result` | out | height x sum(states.dimension), resultStride apart | vectors, one a row |
+ *
+ *  | Members | Statuses, in order |
+ *  |---|---|
+ *  | `SplitVQ` | null; a stride, height or bookCount below 1 (#qorStatusBadSize); a null codebook; `8u`: a codebook of more than 256 codewords, then sourceStride below the sum of dimensions, then indexStride below bookCount or the sum of bits (#qorStatusBadSize); #qorStatusNoMemory, for a dimension above 128, with nothing written |
+ *  | `FormVectorVQ` | null; a stride, height or bookCount below 1, `16s`, `8u`: indexStride below bookCount (#qorStatusBadSize); a null codebook; `8u`: a codebook of more than 256 codewords, then resultStride below the sum of dimensions, `1u`: indexStride below the sum of bits (#qorStatusBadSize) |
+ *
+ *  @warning qorsCdbkInit_L2_32f() does not say how many bits an index of its codebook takes (required): a `1u` stream takes what the
+ *  memory held, limited to 0 to 31. Use codebooks of qorsCdbkInitAlloc_L2_32f() there.
+ *
+ *  @warning Indices are not checked: for one that a codebook has not its last codeword is taken.
+ *
+ *  **Exact arithmetic.** Where a search finds no codeword (an empty list of a grid; a codebook of another mode than 1, 2 or 3) the index is
+ *  -1: a byte holds 255, bits are all set. 16-bit indices hold the low 16 bits. @{ */
+
+/** Quantises vectors in parts: float vectors to 16-bit indices. @see @ref split_quantisation */
+QORSR_API QorStatus qorsSplitVQ_32f16s(const float* source, int32_t sourceStride, int16_t* indices, int32_t indexStride,
+                                       int32_t height, const CdbkState_32f* const* states, int32_t bookCount);
+/** Quantises vectors in parts: float vectors to byte indices. @see @ref split_quantisation */
+QORSR_API QorStatus qorsSplitVQ_32f8u(const float* source, int32_t sourceStride, uint8_t* indices, int32_t indexStride,
+                                      int32_t height, const CdbkState_32f* const* states, int32_t bookCount);
+/** Quantises vectors in parts: float vectors to a stream of bits. @see @ref split_quantisation */
+QORSR_API QorStatus qorsSplitVQ_32f1u(const float* source, int32_t sourceStride, uint8_t* indices, int32_t indexStride,
+                                      int32_t height, const CdbkState_32f* const* states, int32_t bookCount);
+/** Quantises vectors in parts: 16-bit vectors to 16-bit indices. @see @ref split_quantisation */
+QORSR_API QorStatus qorsSplitVQ_16s16s(const int16_t* source, int32_t sourceStride, int16_t* indices, int32_t indexStride,
+                                       int32_t height, const CdbkState_16s* const* states, int32_t bookCount);
+/** Quantises vectors in parts: 16-bit vectors to byte indices. @see @ref split_quantisation */
+QORSR_API QorStatus qorsSplitVQ_16s8u(const int16_t* source, int32_t sourceStride, uint8_t* indices, int32_t indexStride,
+                                      int32_t height, const CdbkState_16s* const* states, int32_t bookCount);
+/** Quantises vectors in parts: 16-bit vectors to a stream of bits. @see @ref split_quantisation */
+QORSR_API QorStatus qorsSplitVQ_16s1u(const int16_t* source, int32_t sourceStride, uint8_t* indices, int32_t indexStride,
+                                      int32_t height, const CdbkState_16s* const* states, int32_t bookCount);
+/** Forms vectors from the indices of their parts: 16-bit indices to 16-bit vectors. @see @ref split_quantisation */
+QORSR_API QorStatus qorsFormVectorVQ_16s16s(const int16_t* indices, int32_t indexStride, int16_t* result, int32_t resultStride,
+                                            int32_t height, const CdbkState_16s* const* states, int32_t bookCount);
+/** Forms vectors from the indices of their parts: 16-bit indices to float vectors. @see @ref split_quantisation */
+QORSR_API QorStatus qorsFormVectorVQ_16s32f(const int16_t* indices, int32_t indexStride, float* result, int32_t resultStride,
+                                            int32_t height, const CdbkState_32f* const* states, int32_t bookCount);
+/** Forms vectors from the indices of their parts: byte indices to 16-bit vectors. @see @ref split_quantisation */
+QORSR_API QorStatus qorsFormVectorVQ_8u16s(const uint8_t* indices, int32_t indexStride, int16_t* result, int32_t resultStride,
+                                           int32_t height, const CdbkState_16s* const* states, int32_t bookCount);
+/** Forms vectors from the indices of their parts: byte indices to float vectors. @see @ref split_quantisation */
+QORSR_API QorStatus qorsFormVectorVQ_8u32f(const uint8_t* indices, int32_t indexStride, float* result, int32_t resultStride,
+                                           int32_t height, const CdbkState_32f* const* states, int32_t bookCount);
+/** Forms vectors from the indices of their parts: a stream of bits to 16-bit vectors. @see @ref split_quantisation */
+QORSR_API QorStatus qorsFormVectorVQ_1u16s(const uint8_t* indices, int32_t indexStride, int16_t* result, int32_t resultStride,
+                                           int32_t height, const CdbkState_16s* const* states, int32_t bookCount);
+/** Forms vectors from the indices of their parts: a stream of bits to float vectors. @see @ref split_quantisation */
+QORSR_API QorStatus qorsFormVectorVQ_1u32f(const uint8_t* indices, int32_t indexStride, float* result, int32_t resultStride,
+                                           int32_t height, const CdbkState_32f* const* states, int32_t bookCount);
+/** @} */
+
+/** @defgroup vector_forming Vectors from indices
+ *  A vector that was quantised in parts, each part with a table of its own, put together again: the row that each index names, one
+ *  behind the other.
+ *
+ *  - `FormVector`: tables of any shape. Book j gives dimensions[j] elements from tables[j][indices[j] * strides[j]] on.
+ *  - `2i`, `4i`: tables whose rows have two or four elements and no gaps. There are length / 2 or length / 4 of them; what remains of the
+ *    length is not touched.
+ *
+ *  | Parameter | Use | Elements, or values | |
+ *  |---|---|---|---|
+ *  | `indices` of `FormVector_2i_*` | in | length / 2; each at least 0, usually 0 to 3 | below sizes[j] |
+ *  | `indices` of `FormVector_4i_*` | in | length / 4; each at least 0, usually 0 to 3 | below sizes[j] |
+ *  | `indices` | in | bookCount; each at least 0, usually 0 to 3 | below sizes[j] |
+ *  | `tables` of `FormVector_2i_*` | in | length / 2 x 8 | sizes[j] rows each; at the usual indices four are read |
+ *  | `tables` of `FormVector_4i_*` | in | length / 4 x 16 | the same |
+ *  | `tables` | in | bookCount x 21 | sizes[j] rows each, strides[j] apart; at the usual numbers 21 elements are read |
+ *  | `sizes` of `FormVector_2i_*` | in | length / 2; each at least 1, usually 4 to 9 | rows of each table |
+ *  | `sizes` of `FormVector_4i_*` | in | length / 4; each at least 1, usually 4 to 9 | rows of each table |
+ *  | `sizes` | in | bookCount; each at least 1, usually 4 to 9 | rows of each table |
+ *  | `dimensions` | in | bookCount; each at least 1, usually 1 to 6 | |
+ *  | `strides` | in | bookCount; each at least 1, usually 1 to 5 | elements from one row to the next; not compared with the dimension |
+ *  | `bookCount`, `length` | value | at least 1 | |
+ *  | `result` of `FormVector_2i_*` | out | length / 2 * 2 | |
+ *  | `result` of `FormVector_4i_*` | out | length / 4 * 4 | |
+ *  | `result` | out | sum(dimensions) | |
+ *
+ *  Statuses: null; bookCount or length below 1 (#qorStatusBadSize); then, for each book in order, a dimension or stride below 1, or an index
+ *  that is negative or not below the size (#qorStatusBadSize). Nothing is then written.
+ *
+ *  @warning qorsFormVector_2i_16s32f() alone lets an index pass that equals the size (required): the table must then have one row more. @{ */
+
+/** A vector of one row from each table: 16-bit indices, 16-bit rows. @see @ref vector_forming */
+QORSR_API QorStatus qorsFormVector_16s16s(const int16_t* indices, const int16_t* const* tables, const int32_t* sizes,
+                                          const int32_t* dimensions, const int32_t* strides, int32_t bookCount, int16_t* result);
+/** A vector of one row from each table: 16-bit indices, float rows. @see @ref vector_forming */
+QORSR_API QorStatus qorsFormVector_16s32f(const int16_t* indices, const float* const* tables, const int32_t* sizes,
+                                          const int32_t* dimensions, const int32_t* strides, int32_t bookCount, float* result);
+/** A vector of one row from each table: byte indices, 16-bit rows. @see @ref vector_forming */
+QORSR_API QorStatus qorsFormVector_8u16s(const uint8_t* indices, const int16_t* const* tables, const int32_t* sizes,
+                                         const int32_t* dimensions, const int32_t* strides, int32_t bookCount, int16_t* result);
+/** A vector of one row from each table: byte indices, float rows. @see @ref vector_forming */
+QORSR_API QorStatus qorsFormVector_8u32f(const uint8_t* indices, const float* const* tables, const int32_t* sizes,
+                                         const int32_t* dimensions, const int32_t* strides, int32_t bookCount, float* result);
+/** A vector of rows of two elements: 16-bit indices, 16-bit rows. @see @ref vector_forming */
+QORSR_API QorStatus qorsFormVector_2i_16s16s(const int16_t* indices, const int16_t* const* tables, const int32_t* sizes,
+                                             int16_t* result, int32_t length);
+/** A vector of rows of two elements: 16-bit indices, float rows. An index that equals the size passes. @see @ref vector_forming */
+QORSR_API QorStatus qorsFormVector_2i_16s32f(const int16_t* indices, const float* const* tables, const int32_t* sizes,
+                                             float* result, int32_t length);
+/** A vector of rows of two elements: byte indices, 16-bit rows. @see @ref vector_forming */
+QORSR_API QorStatus qorsFormVector_2i_8u16s(const uint8_t* indices, const int16_t* const* tables, const int32_t* sizes,
+                                            int16_t* result, int32_t length);
+/** A vector of rows of two elements: byte indices, float rows. @see @ref vector_forming */
+QORSR_API QorStatus qorsFormVector_2i_8u32f(const uint8_t* indices, const float* const* tables, const int32_t* sizes, float* result,
+                                            int32_t length);
+/** A vector of rows of four elements: 16-bit indices, 16-bit rows. @see @ref vector_forming */
+QORSR_API QorStatus qorsFormVector_4i_16s16s(const int16_t* indices, const int16_t* const* tables, const int32_t* sizes,
+                                             int16_t* result, int32_t length);
+/** A vector of rows of four elements: 16-bit indices, float rows. @see @ref vector_forming */
+QORSR_API QorStatus qorsFormVector_4i_16s32f(const int16_t* indices, const float* const* tables, const int32_t* sizes,
+                                             float* result, int32_t length);
+/** A vector of rows of four elements: byte indices, 16-bit rows. @see @ref vector_forming */
+QORSR_API QorStatus qorsFormVector_4i_8u16s(const uint8_t* indices, const int16_t* const* tables, const int32_t* sizes,
+                                            int16_t* result, int32_t length);
+/** A vector of rows of four elements: byte indices, float rows. @see @ref vector_forming */
+QORSR_API QorStatus qorsFormVector_4i_8u32f(const uint8_t* indices, const float* const* tables, const int32_t* sizes, float* result,
+                                            int32_t length);
 /** @} */
 
 /* ================================ Matching and decomposition ================================ */
