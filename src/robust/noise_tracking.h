@@ -10,9 +10,9 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <limits>
 
 #include "frame/bits.h"
 #include "frame/checks.h"
@@ -21,23 +21,25 @@
 #include "frame/environment.h"
 #include "frame/lanes.h"
 #include "frame/lanes/rounding.h"
+#include "frame/memory.h"
 #include "frame/unsigned_products.h"
 #include "qorsr.h"
 
 namespace qorsr {
 
-// The arrays of a state lie behind its record, each of so many bins: probability of speech, smoothed power, minimum, and minimum since
-// the last restart. Smoothing constants are floats, or have 31 fraction bits.
+// Smoothing constants are floats, or have 31 fraction bits.
+//
+// Behind the record stand, for every sixteen bins, four arrays of sixteen: probability of speech, smoothed power, minimum, and minimum
+// since the last restart; for the bins that remain, four arrays of as many. One stream of memory, on a boundary of 64 bytes where the
+// block has room for that, of 32 otherwise: 1.8 times faster than four arrays at x86-64-v3 (noise_tracking, 32f, 257 bins).
 template <class Number>
 struct MinimaRecord {
   int32_t bins, window, counter, isFirst;
   Number noiseSmoothing, presenceSmoothing, spectrumSmoothing;
+  int32_t arrays;  // where they begin, in bytes from the record
 };
 
-template <class Number>
-struct MinimaArrays {
-  Number *presence, *smoothed, *minimum, *latest;
-};
+inline constexpr int32_t kBinsTogether = 16;
 
 }  // namespace qorsr
 
@@ -54,14 +56,30 @@ inline constexpr int32_t kShortestTransform = 8, kLongestTransform = 8192;
 inline constexpr float kMinimumRatio = 5.0F;  // delta
 
 constexpr int32_t minimaBytes(int32_t length) { return length / 2 * 16 + 84; }
-static_assert(sizeof(MCRAState_32f) + 16 * (kShortestTransform / 2 + 1) <= minimaBytes(kShortestTransform));
 
-template <class State>
-inline auto arraysOf(State* state) {
+inline constexpr int32_t kMinimaRoom = 68;  // for the record and the way to the next boundary
+
+// Where the arrays begin.
+inline int32_t placeArrays(const void* state, int32_t recordBytes) {
+  const auto* const from = static_cast<const std::byte*>(state);
+  const auto offset = [=](std::size_t alignment) { return alignUp(from + recordBytes, alignment) - from; };
+  return static_cast<int32_t>(offset(64) <= kMinimaRoom ? offset(64) : offset(kAreaAlignment));
+}
+static_assert(sizeof(MCRAState_32f) + kAreaAlignment - alignof(float) <= kMinimaRoom);
+static_assert(kMinimaRoom + 16 * (kLongestTransform / 2 + 1) == minimaBytes(kLongestTransform));
+
+// Calls body(arrays, first, count) for every sixteen bins, with count a constant, and for those that remain. Array i of theirs begins
+// at arrays + i count.
+template <class State, class Body>
+[[gnu::always_inline]] inline void forBlocksOfBins(State* state, const Body& body) {
   using Number = decltype(state->record.noiseSmoothing);
-  auto* const first = reinterpret_cast<Number*>(state + 1);
+  auto* arrays = reinterpret_cast<Number*>(reinterpret_cast<std::byte*>(state) + state->record.arrays);
   const int32_t bins = state->record.bins;
-  return MinimaArrays<Number>{first, first + bins, first + 2 * bins, first + 3 * bins};
+  int32_t first = 0;
+  for (; bins - first >= kBinsTogether; first += kBinsTogether, arrays += 4 * kBinsTogether) {
+    body(arrays, first, LaneCount<kBinsTogether>());
+  }
+  if (first < bins) body(arrays, first, bins - first);
 }
 
 // ---- Constants of the frame rate ----
@@ -80,7 +98,7 @@ inline MinimaRecord<float> minimaRecord(const FrameRate& rate, float) {
                                           : static_cast<float>(eightMs) / hop;
   const auto t = static_cast<double>(hop * 125.0F / static_cast<float>(rate.sampleRate));
   const auto power = [=](double base) { return static_cast<float>(pow(base, t)); };
-  return {rate.length / 2 + 1, static_cast<int32_t>(frames * 125.0F), 0, 1, power(0.7), power(0.2), power(0.8)};
+  return {rate.length / 2 + 1, static_cast<int32_t>(frames * 125.0F), 0, 1, power(0.7), power(0.2), power(0.8), 0};
 }
 
 // exp(c t) in Q31, c in Q31 and t in Q15: the series to the third power around 0. Far from it, beyond |c t| of some 1, it is far off,
@@ -97,13 +115,20 @@ inline MinimaRecord<int32_t> minimaRecord(const FrameRate& rate, int32_t) {
   const int64_t frames = (rate.roundsHopDown ? eightMs >> 16 >> (halvingsToZero(rate.hop) - 1) : eightMs / rate.hop >> 16) + 1;
   const int64_t t = (int64_t{125} * rate.hop << 15) / rate.sampleRate;
   const int32_t presence = squaredQ31(squaredQ31(squaredQ31(exponentialSeries(kLn02Eighth, t))));
-  return {rate.length / 2 + 1,        static_cast<int32_t>(frames * 125 >> 15), 0, 1, exponentialSeries(kLn07, t), presence,
-          exponentialSeries(kLn08, t)};
+  return {rate.length / 2 + 1,
+          static_cast<int32_t>(frames * 125 >> 15),
+          0,
+          1,
+          exponentialSeries(kLn07, t),
+          presence,
+          exponentialSeries(kLn08, t),
+          0};
 }
 
 template <class State>
 inline void fillMinima(State* state, const FrameRate& rate) {
   state->record = minimaRecord(rate, decltype(state->record.noiseSmoothing)());
+  state->record.arrays = placeArrays(state, sizeof(State));
 }
 
 constexpr bool isLength(int32_t length) { return length >= kShortestTransform && length <= kLongestTransform; }
@@ -139,27 +164,32 @@ inline QorStatus initMinima(int32_t sampleRate, int32_t length, int32_t hop, Sta
 
 // ---- Floats ----
 
+// Eight lanes at most: the stores are the limit, and registers of 512 bits were 1.6 times slower (noise_tracking, 257 bins).
 template <bool Restarts>
-inline void trackBins(const float* x, const MinimaArrays<float>& to, float* noise, const MinimaRecord<float>& r) {
-  coverColumnsOnce<float, kOneRegister<float>>(
-      r.bins, [&](int32_t k, auto n) __attribute__((always_inline)) {
-        using L = Lanes<float, n>;
-        const L one(1.0F), as(r.spectrumSmoothing), ap(r.presenceSmoothing), ad(r.noiseSmoothing);
-        const L power = L::load(x + k), s = as * L::load(to.smoothed + k) + (one - as) * power, latest = L::load(to.latest + k);
-        const L minimum = Restarts ? min(s, latest) : min(L::load(to.minimum + k), s);
-        const L kept = ap * L::load(to.presence + k);
-        const L presence = selectLess(L(kMinimumRatio) * minimum, s, kept + (one - ap), kept);
-        const L a = ad + (one - ad) * presence;
-        s.store(to.smoothed + k);
-        minimum.store(to.minimum + k);
-        (Restarts ? s : min(latest, s)).store(to.latest + k);
-        presence.store(to.presence + k);
-        (a * L::load(noise + k) + (one - a) * power).store(noise + k);
+inline void trackBins(const float* x, MCRAState_32f* state, float* noise) {
+  const float as = state->record.spectrumSmoothing, ap = state->record.presenceSmoothing, ad = state->record.noiseSmoothing;
+  forBlocksOfBins(
+      state, [=](float* arrays, int32_t first, auto count) __attribute__((always_inline)) {
+        coverColumnsOnce<float, std::min(kOneRegister<float>, 8)>(
+            count, [=](int32_t k, auto n) __attribute__((always_inline)) {
+              using L = Lanes<float, n>;
+              float *const p = arrays + k, *const smoothed = p + count, *const m = p + 2 * count, *const t = p + 3 * count;
+              const L one(1.0F), power = L::load(x + first + k), latest = L::load(t);
+              const L s = L(as) * L::load(smoothed) + (one - L(as)) * power;
+              const L minimum = Restarts ? min(s, latest) : min(L::load(m), s), kept = L(ap) * L::load(p);
+              const L presence = selectLess(L(kMinimumRatio) * minimum, s, kept + (one - L(ap)), kept);
+              const L a = L(ad) + (one - L(ad)) * presence;
+              s.store(smoothed);
+              minimum.store(m);
+              (Restarts ? s : min(latest, s)).store(t);
+              presence.store(p);
+              (a * L::load(noise + first + k) + (one - a) * power).store(noise + first + k);
+            });
       });
 }
 
-inline void trackNoise(const float* x, const MinimaArrays<float>& to, float* noise, const MinimaRecord<float>& r, bool restarts) {
-  restarts ? trackBins<true>(x, to, noise, r) : trackBins<false>(x, to, noise, r);
+inline void trackNoise(const float* x, MCRAState_32f* state, float* noise, bool restarts) {
+  restarts ? trackBins<true>(x, state, noise) : trackBins<false>(x, state, noise);
 }
 
 // ---- Integers ----
@@ -188,94 +218,104 @@ inline Lanes<int32_t, N> smoothedQ31(const Lanes<int32_t, N>& s, const Lanes<int
   return as<int32_t>(as<uint32_t>(v) - (signs + signs));
 }
 
-// Integers that one block of doubles holds.
-inline constexpr int kMinimaBlock = std::max(kNativeLanes<double>, 4);
+// N lanes from memory; or one number, in all lanes, of which the first is stored.
+template <int N>
+struct WholeBlock {
+  static Lanes<int32_t, N> load(const int32_t* p) { return Lanes<int32_t, N>::load(p); }
+  static void store(const Lanes<int32_t, N>& v, int32_t* p) { v.store(p); }
+};
+struct OneOfFour {
+  static Lanes<int32_t, 4> load(const int32_t* p) { return Lanes<int32_t, 4>(*p); }
+  static void store(const Lanes<int32_t, 4>& v, int32_t* p) { *p = v.part[0][0]; }
+};
 
-// One block of bins, in the constants of a call.
+// The constants of a call, and what a frame does to a block of bins.
 template <bool Restarts>
-class IntegerBlock {
+class IntegerBins {
  public:
-  explicit IntegerBlock(const MinimaRecord<int32_t>& r)
+  explicit IntegerBins(const MinimaRecord<int32_t>& r)
       : as_(r.spectrumSmoothing),
-        rest_(static_cast<int32_t>(kMost - static_cast<uint32_t>(r.spectrumSmoothing))),
-        keptPresence_(r.presenceSmoothing * 0x1p-31),
-        added_(kLargest - r.presenceSmoothing),
+        rest_(static_cast<int32_t>(0x7FFFFFFFU - static_cast<uint32_t>(r.spectrumSmoothing))),
+        kept_(r.presenceSmoothing * 0x1p-31),
+        added_(kOne - r.presenceSmoothing),
         ad_(r.noiseSmoothing),
-        ofPresence_((kLargest - r.noiseSmoothing) * 0x1p-31) {}
+        ofPresence_((kOne - r.noiseSmoothing) * 0x1p-31) {}
 
-  // load(p) and store(lanes, p) read and write the block at p, or the part of it that exists.
-  template <class Load, class Store>
-  [[gnu::always_inline]] void operator()(const int32_t* x, const MinimaArrays<int32_t>& to, int32_t* noise, const Load& load,
-                                         const Store& store) const {
-    using W = Lanes<int32_t, kMinimaBlock>;
-    using L = Lanes<double, kMinimaBlock>;
-    const W power = load(x), s = smoothedQ31(load(to.smoothed), W(as_), power, W(rest_)), latest = load(to.latest);
-    const W minimum = min(Restarts ? latest : load(to.minimum), s);
-    const L kept = as<double>(load(to.presence)) * L(keptPresence_);
-    const L presence = selectLess(as<double>(minimum) * L(kRatio), as<double>(s), kept + L(added_), kept);
+  // Array i of the block begins at p + i pitch.
+  template <int N, class Block>
+  [[gnu::always_inline]] void track(const int32_t* x, int32_t* p, int32_t pitch, int32_t* noise, Block block) const {
+    using W = Lanes<int32_t, N>;
+    using L = Lanes<double, N>;
+    int32_t *const smoothed = p + pitch, *const m = p + 2 * pitch, *const t = p + 3 * pitch;
+    const W power = block.load(x), latest = block.load(t);
+    const W s = smoothedQ31(block.load(smoothed), W(as_), power, W(rest_));
+    const W minimum = min(Restarts ? latest : block.load(m), s);
+    const L kept = as<double>(block.load(p)) * L(kept_);
+    const L presence =
+        selectLess(as<double>(minimum) * L(static_cast<double>(kMinimumRatio)), as<double>(s), kept + L(added_), kept);
     const L a = L(ad_) + presence * L(ofPresence_);
-    const L updated = a * as<double>(load(noise)) + (L(kLargest) - a) * as<double>(power);
-    store(s, to.smoothed);
-    store(minimum, to.minimum);
-    store(Restarts ? s : min(latest, s), to.latest);
-    store(nearest(presence), to.presence);
-    store(nearest(updated * L(0x1p-31)), noise);
+    const L updated = a * as<double>(block.load(noise)) + (L(kOne) - a) * as<double>(power);
+    block.store(s, smoothed);
+    block.store(minimum, m);
+    block.store(Restarts ? s : min(latest, s), t);
+    block.store(nearest(presence), p);
+    block.store(nearest(updated * L(0x1p-31)), noise);
   }
 
  private:
-  static constexpr uint32_t kMost = 0x7FFFFFFF;
-  static constexpr double kLargest = 2147483647.0, kRatio = static_cast<double>(kMinimumRatio);
-
+  static constexpr double kOne = 2147483647.0;
   int32_t as_, rest_;
-  double keptPresence_, added_, ad_, ofPresence_;
+  double kept_, added_, ad_, ofPresence_;
 };
 
 template <bool Restarts>
-inline void trackBins(const int32_t* x, const MinimaArrays<int32_t>& to, int32_t* noise, const MinimaRecord<int32_t>& r) {
-  using W = Lanes<int32_t, kMinimaBlock>;
-  const IntegerBlock<Restarts> block(r);
-  const auto at = [&](int32_t k) { return MinimaArrays<int32_t>{to.presence + k, to.smoothed + k, to.minimum + k, to.latest + k}; };
-  int32_t k = 0;
-  for (; r.bins - k >= kMinimaBlock; k += kMinimaBlock) {
-    block(
-        x + k, at(k), noise + k, [](const int32_t* p) { return W::load(p); }, [](const W& v, int32_t* p) { v.store(p); });
-  }
-  if (k == r.bins) return;
-  const Tail<int32_t, kMinimaBlock> tail(r.bins - k);
-  block(
-      x + k, at(k), noise + k, [&](const int32_t* p) { return tail.load(p); }, [&](const W& v, int32_t* p) { tail.store(v, p); });
+inline void trackBins(const int32_t* x, MCRAState_32s* state, int32_t* noise) {
+  constexpr int kWide = std::max(kNativeLanes<double>, 4);
+  const IntegerBins<Restarts> bins(state->record);
+  forBlocksOfBins(
+      state, [=](int32_t * arrays, int32_t first, auto count) __attribute__((always_inline)) {
+        int32_t k = 0;
+        for (; count - k >= kWide; k += kWide) {
+          bins.template track<kWide>(x + first + k, arrays + k, count, noise + first + k, WholeBlock<kWide>());
+        }
+        for (; count - k >= 4; k += 4) {
+          bins.template track<4>(x + first + k, arrays + k, count, noise + first + k, WholeBlock<4>());
+        }
+        for (; k < count; ++k) bins.template track<4>(x + first + k, arrays + k, count, noise + first + k, OneOfFour());
+      });
 }
 
-QORSR_IN_GUARDED_MODE inline void trackIntegers(const int32_t* x, const MinimaArrays<int32_t>& to, int32_t* noise,
-                                                const MinimaRecord<int32_t>& r, bool restarts) {
-  restarts ? trackBins<true>(x, to, noise, r) : trackBins<false>(x, to, noise, r);
+QORSR_IN_GUARDED_MODE inline void trackIntegers(const int32_t* x, MCRAState_32s* state, int32_t* noise, bool restarts) {
+  restarts ? trackBins<true>(x, state, noise) : trackBins<false>(x, state, noise);
 }
-inline void trackNoise(const int32_t* x, const MinimaArrays<int32_t>& to, int32_t* noise, const MinimaRecord<int32_t>& r,
-                       bool restarts) {
+inline void trackNoise(const int32_t* x, MCRAState_32s* state, int32_t* noise, bool restarts) {
   const EnvironmentGuard guard(Rounding::kNearest);
-  trackIntegers(x, to, noise, r, restarts);
+  trackIntegers(x, state, noise, restarts);
 }
 
 // ---- The update ----
 
-template <class Number>
-inline void beginTracking(const Number* spectrum, const MinimaArrays<Number>& to, Number* noise, int32_t bins) {
-  const auto bytes = static_cast<std::size_t>(bins) * sizeof(Number);
-  std::memset(to.presence, 0, bytes);
-  for (Number* array : {to.smoothed, to.minimum, to.latest, noise}) std::memcpy(array, spectrum, bytes);
+template <class Number, class State>
+inline void beginTracking(const Number* spectrum, State* state, Number* noise) {
+  std::memcpy(noise, spectrum, static_cast<std::size_t>(state->record.bins) * sizeof(Number));
+  forBlocksOfBins(state, [=](Number* arrays, int32_t first, auto count) {
+    for (int32_t k = 0; k < count; ++k) {
+      arrays[k] = Number(0);
+      for (int i = 1; i < 4; ++i) arrays[i * count + k] = spectrum[first + k];
+    }
+  });
 }
 
 template <class Number, class State>
 inline QorStatus updateNoise(const Number* spectrum, State* state, Number* noise) {
   if (QorStatus bad = Checks().null(spectrum, state, noise)) return bad;
   auto& r = state->record;
-  const auto arrays = arraysOf(state);
   if (r.isFirst != 0) {
-    beginTracking(spectrum, arrays, noise, r.bins);
+    beginTracking(spectrum, state, noise);
   } else {
     const bool restarts = r.counter == r.window;
     if (restarts) r.counter = 0;
-    trackNoise(spectrum, arrays, noise, r, restarts);
+    trackNoise(spectrum, state, noise, restarts);
   }
   ++r.counter;
   r.isFirst = 0;

@@ -8,10 +8,8 @@
 // the last band behind them; all joined by halves. Integer sums are exact.
 #pragma once
 
-#include <bit>
 #include <cstdint>
 #include <cstring>
-#include <limits>
 
 #include "frame/bits.h"
 #include "frame/checks.h"

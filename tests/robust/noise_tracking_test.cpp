@@ -1,6 +1,7 @@
 // Noise tracking by minima: sizes, streams against the model in bits, restarts, time constants, faults, memory, environment.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cfenv>
 #include <cmath>
 #include <cstdint>
@@ -164,6 +165,34 @@ TYPED_TEST(NoiseTracking, NastyValuesFollowTheModel) {
     for (int n = 0; n < 40; ++n) {
       ASSERT_TRUE(s.update(random.vector<T>(s.bins(), kit::kKinds[random.integer(0, 2)])))
           << "rate " << f.rate << " length " << f.length << " hop " << f.hop << " frame " << n;
+    }
+  }
+}
+
+// A block at every address that the elements allow, of exactly its size.
+TYPED_TEST(NoiseTracking, BlocksMayBeginAtAnyMultipleOfFour) {
+  using T = typename TypeParam::Number;
+  using State = typename TypeParam::State;
+  kit::Random random;
+  for (const int32_t length : {8, 31, 64, 78}) {
+    const int32_t words = (length / 2 * 16 + 84) / 4, bins = length / 2 + 1;
+    for (int32_t shift = 0; shift < 32; ++shift) {
+      alignas(64) std::array<int32_t, 500> memory;
+      memory.fill(-77);
+      auto* const state = reinterpret_cast<State*>(memory.data() + shift);
+      ASSERT_EQ(TypeParam::init(16000, length, state), qorStatusOk);
+      auto m = model::minima<T>(16000, length);
+      std::vector<T> noise(static_cast<std::size_t>(bins)), expected = noise;
+      for (int n = 0; n < 5; ++n) {
+        const auto x = spectrumOf<T>(random, bins, n % 2 == 0, 500.0);
+        ASSERT_EQ(TypeParam::update(x.data(), state, noise.data()), qorStatusOk);
+        model::update(m, x, expected);
+        ASSERT_BITS(noise, expected) << "length " << length << " shift " << shift;
+      }
+      for (int32_t i = 0; i < 500; ++i) {
+        const bool outside = i < shift || i >= shift + words;
+        ASSERT_TRUE(!outside || memory[static_cast<std::size_t>(i)] == -77) << i;
+      }
     }
   }
 }
