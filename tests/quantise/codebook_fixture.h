@@ -80,7 +80,7 @@ struct Book {
 
 // ---- Data ----
 
-enum Data { kUniform, kClusters, kLattice, kRepeated, kConstant, kTiny, kHuge, kNanRows, kData };
+enum Data { kUniform, kClusters, kLattice, kRepeated, kConstant, kTiny, kHuge, kNanRows, kNearTies, kData };
 
 template <class T>
 T limited(double value) {
@@ -96,8 +96,9 @@ model::Rows<T> dataOf(kit::Random& random, Data kind, int32_t height, int32_t di
     model::Row<T> row;
     const double centre = static_cast<double>(random.integer(-4, 4));
     for (int32_t j = 0; j < dimension; ++j) {
-      const double u = random.real(-1.0, 1.0);
+      const double u = random.real(-1.0, 1.0), apart = static_cast<double>(random.integer(-3, 3));
       double x = u * 5.0 * scale;
+      if (kind == kNearTies) x = std::nearbyint(u * 3.0) + (sizeof(T) == 4 ? apart * 0x1p-23 : 0.0);  // a few last places
       if (kind == kClusters) x = (centre * static_cast<double>(j % 3 + 1) + 0.2 * u) * scale;
       if (kind == kLattice) x = std::nearbyint(u * 3.0);
       if (kind == kRepeated)
