@@ -9,7 +9,6 @@
 #pragma once
 
 #include <cstdint>
-#include <cstring>
 
 #include "frame/bits.h"
 #include "frame/checks.h"
@@ -20,9 +19,10 @@ namespace qorsr {
 
 inline constexpr int32_t kActivityBytes = 64;  // of the caller's block
 
-// What a stream keeps. Number: float, or int32_t.
+// What a stream keeps. Number: float, or int32_t. Packed, since a caller's block may begin at any address; worked on in place, for in a
+// copy the wide loads of the next call wait for the narrow stores of this one (1.1 to 1.8 times slower; voice_activity).
 template <class Number>
-struct ActivityRecord {
+struct [[gnu::packed]] ActivityRecord {
   Number energyMean, energy, spectrum, variance;  // trackers
   Number previousCentre;                          // c of the frame before
   int32_t jumped;                                 // the energy once jumped in the first frames
@@ -36,12 +36,8 @@ struct ActivityRecord {
 
 }  // namespace qorsr
 
-struct VADState_Aurora_32f {
-  qorsr::ActivityRecord<float> record;
-};
-struct VADState_Aurora_16s {
-  qorsr::ActivityRecord<int32_t> record;
-};
+struct [[gnu::packed]] VADState_Aurora_32f : qorsr::ActivityRecord<float> {};
+struct [[gnu::packed]] VADState_Aurora_16s : qorsr::ActivityRecord<int32_t> {};
 static_assert(sizeof(VADState_Aurora_32f) <= qorsr::kActivityBytes && sizeof(VADState_Aurora_16s) == sizeof(VADState_Aurora_32f));
 
 namespace qorsr {
@@ -84,8 +80,8 @@ struct Threshold {
 };
 
 template <class Number, class Measure>
-inline void raise(Number& tracker, Measure m) {
-  if (m > static_cast<Measure>(tracker)) tracker = static_cast<Number>(m);
+inline Number larger(Number tracker, Measure m) {
+  return m > static_cast<Measure>(tracker) ? static_cast<Number>(m) : tracker;
 }
 
 // ---- Measures ----
@@ -114,11 +110,8 @@ struct RealActivity {
     const float s = joinHalves(L::load(bands) + L::load(bands + 8) + L::load(bands + 16)) + bands[24];
     return s * s - 3.0F;
   }
-  static float spectrum(const float* bands, float& previous) {
-    const float c = (bands[1] + bands[2] + bands[3]) / 3.0F, measure = 0.75F * c + 0.25F * previous;
-    previous = c;
-    return measure;
-  }
+  static float centre(const float* bands) { return (bands[1] + bands[2] + bands[3]) / 3.0F; }
+  static float spectrum(float centre, float previous) { return 0.75F * centre + 0.25F * previous; }
   static float mean(float mean, float energy, int32_t frames) {
     return (static_cast<float>(frames - 1) * mean + energy) * 1.1F / static_cast<float>(frames);
   }
@@ -160,10 +153,9 @@ struct WholeActivity {
     for (int i = 0; i < kBandsSummed; ++i) s += bands[i];
     return wrapSub(wrapMul(s, s), 3);
   }
-  static int64_t spectrum(const int16_t* bands, int32_t& previous) {
-    const int32_t sum = bands[1] + bands[2] + bands[3], measure = ((sum * 8184) >> 5) + ((previous * 8) >> 5);
-    previous = sum * 341;
-    return measure;
+  static int32_t centre(const int16_t* bands) { return (bands[1] + bands[2] + bands[3]) * 341; }
+  static int64_t spectrum(int32_t centre, int32_t previous) {
+    return ((int64_t{centre} * 24) >> 5) + ((int64_t{previous} * 8) >> 5);
   }
   static int64_t mean(int64_t mean, int64_t energy, int32_t frames) { return ((frames - 1) * mean + energy) * 141 / frames >> 7; }
   static bool jumps(int64_t energy, int64_t mean) { return mean != 0 && energy * 128 / mean > 320; }
@@ -188,21 +180,27 @@ template <class Activity, class Number, class Element>
 inline bool measures(ActivityRecord<Number>& v, const Element* bands, const Element* frame) {
   const bool rising = v.frames < kTrackersRise;
   const auto variance = Activity::variance(frame);
-  if (rising) raise(v.variance, variance);
-  bool active = Activity::kVariance.update(v.variance, variance);
+  Number tracker = rising ? larger(Number(v.variance), variance) : v.variance;
+  bool active = Activity::kVariance.update(tracker, variance);
+  v.variance = tracker;
 
   const auto energy = Activity::energy(bands);
-  if (v.frames == 1) v.energy = static_cast<Number>(energy);
+  tracker = v.frames == 1 ? static_cast<Number>(energy) : v.energy;
   if (rising) {
     v.energyMean = static_cast<Number>(Activity::mean(v.energyMean, energy, v.frames));
     if (Activity::jumps(energy, v.energyMean)) v.jumped = 1;
-    if (v.jumped == 0) raise(v.energy, energy);
+    if (v.jumped == 0) tracker = larger(tracker, energy);
   }
-  active |= Activity::kEnergy.update(v.energy, energy);
+  active |= Activity::kEnergy.update(tracker, energy);
+  v.energy = tracker;
 
-  const auto spectrum = Activity::spectrum(bands, v.previousCentre);
-  if (rising) raise(v.spectrum, spectrum);
-  return Activity::kSpectrum.update(v.spectrum, spectrum) || active;
+  const Number centre = Activity::centre(bands);
+  const auto spectrum = Activity::spectrum(centre, v.previousCentre);
+  v.previousCentre = centre;
+  tracker = rising ? larger(Number(v.spectrum), spectrum) : v.spectrum;
+  active |= Activity::kSpectrum.update(tracker, spectrum);
+  v.spectrum = tracker;
+  return active;
 }
 
 // The decision of a frame, from the ring and the hangovers.
@@ -237,15 +235,6 @@ inline int32_t decidedInFlush(ActivityRecord<Number>& v) {
 
 // ---- Members ----
 
-// A caller's block may begin at any address: the record is worked on in a copy.
-template <class Number, class Work>
-inline void withRecord(void* state, const Work& work) {
-  ActivityRecord<Number> record;
-  std::memcpy(&record, state, sizeof(record));
-  work(record);
-  std::memcpy(state, &record, sizeof(record));
-}
-
 inline QorStatus activitySize(int32_t* size) {
   if (QorStatus bad = Checks().null(size)) return bad;
   *size = kActivityBytes;
@@ -253,39 +242,36 @@ inline QorStatus activitySize(int32_t* size) {
 }
 
 template <class Number>
-inline QorStatus initActivity(void* state) {
-  if (QorStatus bad = Checks().null(state)) return bad;
-  ActivityRecord<Number> record{};
-  record.flushMark = -1;
-  record.hangover = kHangover;
-  std::memcpy(state, &record, sizeof(record));
+inline QorStatus initActivity(ActivityRecord<Number>* v) {
+  if (QorStatus bad = Checks().null(v)) return bad;
+  *v = {};
+  v->flushMark = -1;
+  v->hangover = kHangover;
   return qorStatusOk;
 }
 
 template <class Activity>
 inline QorStatus decideActivity(const typename Activity::Element* bands, const typename Activity::Element* frame,
-                                int32_t activityCount, int32_t* decision, void* state) {
-  if (QorStatus bad = Checks().null(bands, frame, decision, state)) return bad;
-  withRecord<typename Activity::Number>(state, [&](auto& v) {
-    v.frames = nextFrame(v.frames);
-    const bool active = measures<Activity>(v, bands, frame) || activityCount >= kActiveCount;
+                                int32_t activityCount, int32_t* decision, ActivityRecord<typename Activity::Number>* v) {
+  if (QorStatus bad = Checks().null(bands, frame, decision, v)) return bad;
+  v->frames = nextFrame(v->frames);
+  const bool active = measures<Activity>(*v, bands, frame) || activityCount >= kActiveCount;
+  if (v->frames < kFirstDecided) {
     *decision = qorVADUndecided;
-    if (v.frames < kFirstDecided) return;
-    advance(v, active ? 1 : 0);
-    *decision = decided(v);
-  });
+    return qorStatusOk;
+  }
+  advance(*v, active ? 1 : 0);
+  *decision = decided(*v);
   return qorStatusOk;
 }
 
 template <class Number>
-inline QorStatus flushActivity(int32_t* decision, void* state) {
-  if (QorStatus bad = Checks().null(decision, state)) return bad;
-  withRecord<Number>(state, [&](ActivityRecord<Number>& v) {
-    v.frames = nextFrame(v.frames);
-    if (v.flushMark == -1) v.flushMark = v.place;
-    advance(v, v.ring >> (kRing - 1));  // nothing is written: the oldest entry stands as the newest
-    *decision = v.place == v.flushMark || v.frames < kFirstDecided ? qorVADUndecided : decidedInFlush(v);
-  });
+inline QorStatus flushActivity(int32_t* decision, ActivityRecord<Number>* v) {
+  if (QorStatus bad = Checks().null(decision, v)) return bad;
+  v->frames = nextFrame(v->frames);
+  if (v->flushMark == -1) v->flushMark = v->place;
+  advance(*v, v->ring >> (kRing - 1));  // nothing is written: the oldest entry stands as the newest
+  *decision = v->place == v->flushMark || v->frames < kFirstDecided ? qorVADUndecided : decidedInFlush(*v);
   return qorStatusOk;
 }
 

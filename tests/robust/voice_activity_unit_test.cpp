@@ -98,7 +98,7 @@ void expectRecords(Init init, Decide decide) {
       int32_t decision = 0;
       ASSERT_EQ(decide(bands.data(), values.data(), 0, &decision, &state), qorStatusOk);
       ASSERT_EQ(decision, model.decision(bands, values, 0));
-      expectRecord(state.record, model);
+      expectRecord(state, model);
       if (testing::Test::HasFailure()) FAIL() << "stream " << stream << " frame " << n;
     }
     jumps += model.onset ? 1 : 0;
@@ -131,14 +131,14 @@ TEST(VoiceActivityFrames, StayAtTheEndOfTheirRange) {
   EXPECT_EQ(qorsr::nextFrame(INT32_MAX), INT32_MAX);
   VADState_Aurora_16s state;
   qorsVADInit_Aurora_16s(&state);
-  state.record.frames = INT32_MAX;
+  state.frames = INT32_MAX;
   const std::vector<int16_t> bands(25, 100), frame(64, 5);
   int32_t decision = 0;
   EXPECT_EQ(qorsVADDecision_Aurora_16s(bands.data(), frame.data(), 0, &decision, &state), qorStatusOk);
   EXPECT_EQ(decision, qorVADNoSpeech);
-  EXPECT_EQ(state.record.frames, INT32_MAX);
+  EXPECT_EQ(int32_t{state.frames}, INT32_MAX);
   EXPECT_EQ(qorsVADFlush_Aurora_16s(&decision, &state), qorStatusOk);
-  EXPECT_EQ(state.record.frames, INT32_MAX);
+  EXPECT_EQ(int32_t{state.frames}, INT32_MAX);
 }
 
 }  // namespace
