@@ -2534,13 +2534,14 @@ QORSR_API QorStatus qorsSchur_16s_Sfs(const int16_t* autocorrelations, int16_t* 
  *  - `LPToReflection`: d = 1 / (1 - k k), then a[i] = (a[i] + a[m - i] k) d. `ReflectionToLP`: a[i] = a[i] - k[m] a[m - i].
  *  - `LPToLSP`: f[0] = g[0] = 1. Even orders: f[i] = a[i] + a[p + 1 - i] - f[i - 1], g[i] = a[i] - a[p + 1 - i] + g[i - 1], i to p / 2. Odd:
  *    f[i] = -a[i] - a[p + 1 - i] below the degree m = (p + 1) / 2, f[m] = -2 a[m]; g[1] = a[p] - a[1], g[i] = g[i - 2] + a[p + 1 - i] -
- *    a[i], i to m - 1. They are evaluated by the recurrence of Chebyshev, the last coefficient halved. The search goes from 1 to -1 and
- *    begins with f; where the product of two values is not above 0, the bracket is cut into quarters while the count of refinements,
- *    which falls by 2, is above 0; one secant step ends it, and the other polynomial goes on from the root to the same grid point.
+ *    a[i], i to m - 1. They are evaluated by the recurrence of Chebyshev, the last coefficient halved (required: not that of degree 1,
+ *    f[1] + 2 x). The search goes from 1 to -1 and begins with f; where the product of two values is 0 or below, the bracket is cut into
+ *    quarters while the count of refinements, which falls by 2, is above 0; one secant step ends it, and the other polynomial goes on
+ *    from the root to the same grid point.
  *  - `ReflectionToTrueAR`: at the first -1 the product is infinite; behind it an element outside -1 to 1 makes it +infinity if it was
  *    negative, any other +infinity if it was positive, else -infinity; 1 makes it and all behind it the NaN 0xFFC00000.
  *  - `LPToSpectrum`: a magnitude of 0 gives 2139095040.
- *  - `ReflectionToLAR_32f`: within 1.5e-6 for a limit of 0.999.
+ *  - `ReflectionToLAR_32f`: within 1.5e-6 for a limit of 0.999. `ReflectionToAR` and the tilts leave no flag of a warning behind.
  *
  *  Source: Markel and Gray, "Linear Prediction of Speech" (1976); Kabal and Ramachandran, "The Computation of Line Spectral
  *  Frequencies Using Chebyshev Polynomials", IEEE Trans. ASSP 34 (1986). @{ */
@@ -4317,9 +4318,9 @@ QORSR_API QorStatus qorsQRTransColumn_64f_D2L(double* const* rows, int32_t width
  *  - required: `PeriodicityLSPE` and `Periodicity` use 1 / sqrt(c) and 1 / c to six digits (0.707107, 0.333333, 0.0769231, ...). Phases
  *    are added in their order, in float. The sum of `Periodicity_32f` runs from the end in two sums, one for each parity, joined in
  *    front of an odd first sample.
- *  - Integers: E (or the sum) is shifted right by sh until it fits 31 bits, and every square with it; the tables are 2^30 / sqrt(c) and 2^30
- *    / c, truncated; s times its entry, shifted right by 30 + sh / 2 (rounded down), times the same, shifted by 30 + sh - sh / 2; q times
- *    its entry shifted by 30. Values are quotients of 64 bits, truncated.
+ *  - Integers: E (or the sum) is shifted right by sh until it fits 31 bits, and every square (or the best sum) with it; the tables are
+ *    2^30 / sqrt(c) and 2^30 / c, truncated; s times its entry, shifted right by 30 + sh / 2 (rounded down), times the same, shifted by
+ *    30 + sh - sh / 2; q times its entry shifted by 30. Values are quotients of 64 bits, truncated.
  *  - Means of `FindPeaks` are double sums, rounded to float once divided; of integers exact, and truncated.
  *  - required: where a contour falls up to its last value but one, that last value is a peak only for a searchSize of 1 and by
  *    comparison of the source itself, smoothed or not.
@@ -4628,14 +4629,14 @@ QORSR_API QorStatus qorsResamplePolyphaseSetFixedFilter_32f(ResamplePolyphaseFix
  *  | #qorStatusBadArgument | `RecSqrt`: a floor not above 0. `NthMaxElement`: n outside of the vector |
  *  | #qorStatusNoMemory | `NthMaxElement`: no scratch for a copy of the vector |
  *  | #qorStatusLogNegative | `Entropy`: an element below 0; the result is a NaN (bits FFC00000; `16s32s`: not written) |
- *  | #qorStatusDegenerateInput | `RecSqrt`: a warning, no element reached the floor |
+ *  | #qorStatusDegenerateInput | `RecSqrt`: a warning, all elements took the floor |
  *  | #qorStatusDivideByZero | `WeightedSum`, `WeightedSumHalf`: a warning, W is 0 |
  *
  *  **Error.** `ExpNegSqr` of the square as it is rounded: 0.78 last places, `SinC` 1.7 in float and 2.2 in double; over the whole range,
  *  of any angle.
  *
  *  **Exact arithmetic.** Exponential, sine and logarithm are the library's own; every other operation is rounded on its own, in the type
- *  of the result.
+ *  of the result (the square of `ExpNegSqr_32f64f` in float).
  *  - `SinC` divides sin |x| by |x|, in place as elsewhere. `UnitCurve_16s`: t with 2 fractionBits fraction bits in 32-bit integers; with s =
  *    scaleFactor + 2 fractionBits, t is shifted right by s modulo 32 if s is at least 1, else left by -s modulo 32, losing high bits.
  *  - `RecSqrt`: r = 1 / sqrt(x), then (3 - (x r) r) (r / 2), in float. `Sfs`: times the power of two; `16s` limited to -32768 to 32767

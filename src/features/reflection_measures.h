@@ -4,7 +4,7 @@
 //   tilts (|k1| - |k2|) / (|k1| + |k2|) and (|k1| - |k2|) / (k1 + k2).
 //
 // All in float. An element whose denominator is zero, or whose division is invalid although no operand is a NaN, gives the warning of
-// a division by zero, whatever flags stand.
+// a division by zero, whatever flags stand. Required: such an element leaves no exception flag behind.
 #pragma once
 
 #include <algorithm>
@@ -15,6 +15,7 @@
 #include "features/lp_conversions.h"
 #include "frame/column_blocks.h"
 #include "frame/elementary.h"
+#include "frame/environment.h"
 
 namespace qorsr {
 
@@ -51,7 +52,8 @@ inline bool isInvalid(float k1, float k2, float denominator, float result) {
 
 // destination[i] = numerator / denominator times `factor`, of coefficients that are loaded times `load`.
 template <class Measure, class T>
-inline QorStatus measure(const T* first, const T* second, float* destination, int32_t length, float load, float factor) {
+QORSR_IN_GUARDED_MODE inline QorStatus measure(const T* first, const T* second, float* destination, int32_t length, float load,
+                                               float factor) {
   bool invalid = false;
   coverColumns<float>(length, [&](int32_t i, auto n) {
     using L = Lanes<float, n>;
@@ -103,7 +105,10 @@ inline constexpr int kStackMeasures = 100;
 template <class Measure>
 inline QorStatus measureReflections(const float* first, const float* second, float* destination, int32_t length) {
   if (QorStatus bad = Checks().null(first, second, destination).size(length)) return bad;
-  return measure<Measure>(first, second, destination, length, 1.0F, 1.0F);
+  const CallersFlags flags;
+  const QorStatus status = measure<Measure>(first, second, destination, length, 1.0F, 1.0F);
+  if (status != qorStatusOk) flags.bringBack();
+  return status;
 }
 
 template <class Measure>
@@ -112,7 +117,10 @@ inline QorStatus measureReflections(const int16_t* first, const int16_t* second,
   if (QorStatus bad = Checks().null(first, second, destination).size(length)) return bad;
   const Scratch<float, kStackMeasures> floats(length);
   if (!floats) return qorStatusNoMemory;
-  const QorStatus status = measure<Measure>(first, second, floats.get(), length, load, twoToMinus<float>(scaleFactor));
+  const float factor = twoToMinus<float>(scaleFactor);
+  const CallersFlags flags;
+  const QorStatus status = measure<Measure>(first, second, floats.get(), length, load, factor);
+  if (status != qorStatusOk) flags.bringBack();
   convertFloats(floats.get(), destination, length, kNearestEven, 0);
   return status;
 }

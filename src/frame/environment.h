@@ -68,6 +68,29 @@ class EnvironmentGuard {
 #endif
 };
 
+// The caller's exception flags, read at construction: bringBack() forgets those that were raised since. Rounding mode and masks stay the
+// caller's. What it spans is one function, marked QORSR_IN_GUARDED_MODE. It costs a read, and a write only where it is asked.
+class CallersFlags {
+ public:
+  CallersFlags() : saved_(flags()) {}
+  void bringBack() const { setFlags(saved_); }
+
+ private:
+#if defined(__SSE__)
+  static uint32_t flags() { return _mm_getcsr(); }
+  static void setFlags(uint32_t saved) { _mm_setcsr(saved); }
+  uint32_t saved_;
+#else
+  static uint64_t flags() {
+    uint64_t status;
+    asm volatile("mrs %0, fpsr" : "=r"(status));
+    return status;
+  }
+  static void setFlags(uint64_t saved) { asm volatile("msr fpsr, %0" : : "r"(saved)); }
+  uint64_t saved_;
+#endif
+};
+
 #define QORSR_IN_GUARDED_MODE [[gnu::noinline]]
 
 }  // namespace qorsr

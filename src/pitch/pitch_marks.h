@@ -8,6 +8,7 @@
 #include "frame/checks.h"
 #include "frame/column_blocks.h"
 #include "frame/convert.h"
+#include "frame/environment.h"
 #include "frame/memory.h"
 #include "qorsr.h"
 
@@ -15,7 +16,7 @@ namespace qorsr {
 
 // candidates[i] = scale / difference. Returns whether no difference is zero.
 template <class T>
-inline bool markFrequencies(const T* marks, float* candidates, int32_t length, float scale) {
+QORSR_IN_GUARDED_MODE inline bool markFrequencies(const T* marks, float* candidates, int32_t length, float scale) {
   constexpr float kInfinite = std::numeric_limits<float>::infinity();
   bool finite = true;
   const auto put = [&](int32_t i, float difference) {
@@ -41,14 +42,20 @@ inline bool markFrequencies(const T* marks, float* candidates, int32_t length, f
 
 inline QorStatus pitchMarkFrequencies(const float* marks, float* candidates, int32_t length) {
   if (QorStatus bad = Checks().null(marks, candidates).size(length)) return bad;
-  return markFrequencies(marks, candidates, length, 1.0F) ? qorStatusOk : qorStatusDivideByZero;
+  const CallersFlags flags;
+  if (markFrequencies(marks, candidates, length, 1.0F)) return qorStatusOk;
+  flags.bringBack();  // a difference of zero is told by the status alone
+  return qorStatusDivideByZero;
 }
 
 inline QorStatus pitchMarkFrequencies(const int16_t* marks, int16_t* candidates, int32_t length, int32_t scaleFactor) {
   if (QorStatus bad = Checks().null(marks, candidates).size(length)) return bad;
   const Scratch<float, 100> floats(length);
   if (!floats) return qorStatusNoMemory;
-  const bool finite = markFrequencies(marks, floats.get(), length, twoToMinus<float>(scaleFactor));
+  const float scale = twoToMinus<float>(scaleFactor);
+  const CallersFlags flags;
+  const bool finite = markFrequencies(marks, floats.get(), length, scale);
+  if (!finite) flags.bringBack();
   convertFloats(floats.get(), candidates, length, kNearestEven, 0);
   return finite ? qorStatusOk : qorStatusDivideByZero;
 }

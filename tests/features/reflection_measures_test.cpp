@@ -152,6 +152,26 @@ TEST(ReflectionMeasures, Poles) {
 
 // ---- Spectrum ----
 
+// Zero over zero, a number over zero, infinity over infinity: each is told by the status, and leaves no exception flag behind.
+TEST(ReflectionMeasures, LeaveNoFlagBehind) {
+  const Floats k = {-1.0F, kInfinite, 0.0F, 0.5F, 0.0F}, other = {1.0F, kInfinite, 0.0F, 0.25F, 0.0F};
+  const Shorts k16 = {-1, 3, 0, 2, 0}, other16 = {1, 5, 0, -2, 0};
+  Floats y(5);
+  Shorts y16(5);
+  const auto expectWarning = [](const auto& call) {
+    QorStatus status = qorStatusOk;
+    kit::expectNoFlagRaised([&] { status = call(); });
+    EXPECT_EQ(status, qorStatusDivideByZero);
+    kit::expectEnvironmentKept([&] { call(); });
+  };
+  expectWarning([&] { return qorsReflectionToAR_32f(k.data(), y.data(), 5); });
+  expectWarning([&] { return qorsReflectionToAbsTilt_32f(k.data(), other.data(), y.data(), 5); });
+  expectWarning([&] { return qorsReflectionToTilt_32f(k.data(), other.data(), y.data(), 5); });
+  expectWarning([&] { return qorsReflectionToAR_16s_Sfs(k16.data(), 0, y16.data(), 5, 0); });
+  expectWarning([&] { return qorsReflectionToAbsTilt_16s_Sfs(k16.data(), other16.data(), y16.data(), 5, 0); });
+  expectWarning([&] { return qorsReflectionToTilt_16s_Sfs(k16.data(), other16.data(), y16.data(), 5, 0); });
+}
+
 TEST(ModelSpectrum, IsThatOfTheDefinition) {
   kit::Random random;
   for (int order = 0; order <= 9; ++order) {

@@ -12,6 +12,7 @@
 
 namespace {
 
+using qorsr::CallersFlags;
 using qorsr::EnvironmentGuard;
 using qorsr::Rounding;
 
@@ -83,6 +84,16 @@ TEST(Environment, AFlagRaisedInsideIsForgotten) {
       EXPECT_EQ(after, raised);
     }
   }
+}
+
+TEST(Environment, FlagsAloneAreForgotten) {
+  const auto call = [] {
+    const CallersFlags flags;
+    raiseEverything();
+    flags.bringBack();
+  };
+  kit::expectEnvironmentKept(call);
+  kit::expectNoFlagRaised(call);
 }
 
 TEST(Environment, GuardsNest) {

@@ -44,4 +44,14 @@ inline void expectEnvironmentKept(const std::function<void()>& call) {
   }
 }
 
+// Makes the call with no exception flag raised: none is raised afterwards.
+inline void expectNoFlagRaised(const std::function<void()>& call) {
+  std::fenv_t caller;
+  std::feholdexcept(&caller);
+  call();
+  const int raised = std::fetestexcept(FE_ALL_EXCEPT);
+  std::fesetenv(&caller);
+  EXPECT_EQ(raised, 0) << "an exception flag was left behind";
+}
+
 }  // namespace kit

@@ -106,6 +106,16 @@ TEST(PitchMarks, AFlagThatWasRaisedBeforeIsNoWarning) {
   kit::expectEnvironmentKept([&] { EXPECT_EQ(qorsPitchmarkToF0Cand_32f(marks, candidates, 2), qorStatusOk); });
 }
 
+TEST(PitchMarks, LeaveNoFlagBehind) {
+  const float marks[] = {0.0F, 1.0F, 4.0F, 4.0F, 7.0F};
+  const int16_t marks16[] = {0, 1, 4, 4, 7};
+  float candidates[5];
+  int16_t candidates16[5];
+  kit::expectNoFlagRaised([&] { qorsPitchmarkToF0Cand_32f(marks, candidates, 5); });
+  kit::expectNoFlagRaised([&] { qorsPitchmarkToF0Cand_16s_Sfs(marks16, candidates16, 5, -8); });
+  kit::expectEnvironmentKept([&] { qorsPitchmarkToF0Cand_32f(marks, candidates, 5); });
+}
+
 TEST(PitchMarkFaults, EveryMember) {
   struct A {
     const float* marks;
