@@ -194,7 +194,7 @@ double addSide(double sum, const Prototype<Entry>& h, const Walk& walk, typename
 
 // ---- The same side of four outputs, in lanes ----
 //
-// Whole groups, as long as all four have one; their rest goes one by one. (resample: 2 to 4 times the loop over single outputs.)
+// Groups as long as all four have one, and what is left in fours as long as all have that; the last few go one by one.
 
 struct EntryPairs {
   Lanes<double, 4> here, next;
@@ -214,7 +214,7 @@ inline EntryPairs entryPairs(const int16_t* a, const int16_t* b, const int16_t* 
   return {as<double>(shiftLeft(four, 16) >> 16), as<double>(four >> 16)};
 }
 
-// The places of four outputs. groups(taps) says for how many groups all have table left; next() gives the filter there, and moves on.
+// The places of four outputs: whether all, or none, have so much of the table left; next() gives the filter there, and moves on.
 template <class Entry>
 class EvenPlaces {
  public:
@@ -224,12 +224,18 @@ class EvenPlaces {
       entries_[i] = h.table + places[i].index;
       fractions[i] = places[i].fraction;
       left_ = std::min(left_, walk.length - places[i].index);
+      most_ = std::max(most_, walk.length - places[i].index);
     }
     fraction_ = Lanes<double, 4>::load(fractions);
     rest_ = Lanes<double, 4>(1.0) - fraction_;
   }
-  bool holdsSteps(int steps) const { return left_ >= steps * step_; }
-  void moved(int steps) { left_ -= steps * step_; }
+  bool holdSteps(int steps) const { return left_ >= steps * step_; }
+  bool noneHoldsSteps(int steps) const { return most_ < steps * step_; }
+  bool holdTaps(int taps) const { return left_ > (taps - 1) * step_; }
+  void moved(int steps) {
+    left_ -= steps * step_;
+    most_ -= steps * step_;
+  }
   Lanes<double, 4> next() {
     const EntryPairs pair = entryPairs(entries_[0], entries_[1], entries_[2], entries_[3]);
     for (const Entry*& entry : entries_) entry += step_;
@@ -240,7 +246,7 @@ class EvenPlaces {
   }
 
  private:
-  int64_t step_, left_ = INT64_MAX;
+  int64_t step_, left_ = INT64_MAX, most_ = INT64_MIN;  // entries that are left: the least and the most
   const Entry* entries_[4];
   Lanes<double, 4> fraction_, rest_;
 };
@@ -250,7 +256,13 @@ class StretchedPlaces {
  public:
   StretchedPlaces(const Prototype<Entry>& h, const StretchedWalk& walk, const double (&places)[4])
       : table_(h.table), end_(walk.end), single_(walk.step), step_(walk.step), u_(Lanes<double, 4>::load(places)) {}
-  bool holdsSteps(int steps) const { return !anyLess(Lanes<double, 4>(end_ - steps * single_), u_); }
+  bool holdSteps(int steps) const { return !anyLess(Lanes<double, 4>(end_ - steps * single_), u_); }
+  bool noneHoldsSteps(int steps) const { return allLess(Lanes<double, 4>(end_ - steps * single_), u_); }
+  bool holdTaps(int taps) const {
+    Lanes<double, 4> last = u_;
+    for (int i = 1; i < taps; ++i) last += step_;
+    return allLess(last, Lanes<double, 4>(end_));
+  }
   void moved(int) {}
   Lanes<double, 4> next() {
     const Lanes<int32_t, 4> index = truncated(u_);
@@ -277,26 +289,33 @@ auto placesOf(const Prototype<Entry>& h, const StretchedWalk& walk, const double
   return StretchedPlaces<Entry>(h, walk, places);
 }
 
+// Calls add(k, product) for the next four taps of all.
+template <int Direction, class Places, class Sample, class Add>
+[[gnu::always_inline]] inline void fourTaps(Places& places, const Sample* (&x)[4], const Add& add) {
+  const auto samples = [](const Sample* p) { return loadAs<float, 4>(Direction < 0 ? p - 3 : p); };
+  const Transposed block = transposed(samples(x[0]), samples(x[1]), samples(x[2]), samples(x[3]));
+  for (int k = 0; k < 4; ++k) add(k, places.next() * as<double>(block.lane[Direction < 0 ? 3 - k : k]));
+  for (const Sample*& p : x) p += 4 * Direction;
+}
+
 // Adds one side to four sums. Every place has a whole index.
 template <int Direction, class Entry, class Walk, class Sample>
 void addFourSides(double (&sums)[4], const Prototype<Entry>& h, const Walk& walk, typename Walk::Place (&places)[4],
                   const Sample* (&x)[4]) {
+  using L = Lanes<double, 4>;
   constexpr int kTaps = kGroup<Entry, Walk>;
   auto four = placesOf(h, walk, places);
-  auto sum = Lanes<double, 4>::load(sums);
-  while (four.holdsSteps(kTaps)) {
-    Lanes<double, 4> group;
+  auto sum = L::load(sums);
+  while (four.holdSteps(kTaps)) {
+    L group(0.0);
     for (int first = 0; first < kTaps; first += 4) {
-      const auto samples = [&](const Sample* p) { return loadAs<float, 4>(Direction < 0 ? p - 3 : p); };
-      const Transposed block = transposed(samples(x[0]), samples(x[1]), samples(x[2]), samples(x[3]));
-      for (int k = 0; k < 4; ++k) {
-        const auto product = four.next() * as<double>(block.lane[Direction < 0 ? 3 - k : k]);
-        group = first + k == 0 ? product : group + product;
-      }
-      for (const Sample*& p : x) p += 4 * Direction;
+      fourTaps<Direction>(four, x, [&](int k, const L& product) { group = first + k == 0 ? product : group + product; });
     }
     four.moved(kTaps);
     sum += group;
+  }
+  if (four.noneHoldsSteps(kTaps)) {
+    for (; four.holdTaps(4); four.moved(4)) fourTaps<Direction>(four, x, [&](int, const L& product) { sum += product; });
   }
   sum.store(sums);
   four.giveBack(h, places);

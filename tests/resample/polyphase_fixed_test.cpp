@@ -319,6 +319,31 @@ TEST(PolyphaseFixed, FiltersOfTheCaller) {
   ownFilters<Short>(1);
 }
 
+// Rows whose sums just fit 32 bits, just do not, and are as large as can be, on the largest samples.
+TEST(PolyphaseFixed, SumsOfTheLargestTaps) {
+  for (const int32_t filterLength : {4, 16, 40, 64, 216}) {
+    model::FixedFilter f = model::emptyFixed(1, 1, filterLength, true);
+    const auto width = static_cast<int32_t>(f.rowLength);
+    int32_t size = 0, rowLength = 0, rows = 0;
+    ASSERT_EQ(qorsResamplePolyphaseFixedGetSize_16s(1, 1, filterLength, &size, &rowLength, &rows, 1), qorStatusOk);
+    std::vector<int32_t> block(static_cast<std::size_t>(size) / 4 + 1);
+    auto* state = reinterpret_cast<ResamplePolyphaseFixedState_16s*>(block.data());
+    ASSERT_EQ(qorsResamplePolyphaseFixedInit_16s(state, 1, 1, filterLength, 1), qorStatusOk);
+    const int32_t inClass = 2 * ((width + 7) / 8);  // taps that one of four sums takes at most
+    for (const int32_t tap : {65535 / inClass, 65535 / inClass + 1, 32767, -32768, 32768 - 16384 / inClass}) {
+      const auto value = static_cast<int16_t>(std::clamp(tap, -32768, 32767));
+      const std::vector<int16_t> taps(static_cast<std::size_t>(width), value);
+      ASSERT_EQ(qorsResamplePolyphaseSetFixedFilter_16s(state, taps.data(), width, 1), qorStatusOk);
+      std::fill(f.rows[0].begin(), f.rows[0].end(), value);
+      for (const int16_t x : {INT16_MIN, INT16_MAX}) {
+        for (const float norm : {1.0F, 1e-4F, 1e-6F}) {
+          expectModel<Short>(state, f, std::vector<int16_t>(700, x), 3, norm, 300.0, false, kit::Place::kAligned);
+        }
+      }
+    }
+  }
+}
+
 TEST(PolyphaseFixed, WithoutAFilterThereIsSilence) {
   int32_t size = 0, rowLength = 0, rows = 0, count = 0;
   ASSERT_EQ(qorsResamplePolyphaseFixedGetSize_32f(3, 2, 8, &size, &rowLength, &rows, 1), qorStatusOk);
