@@ -3042,7 +3042,7 @@ QORSR_API QorStatus qorsWaveProcessing_Aurora_16s(const int16_t* source, int16_t
  *  `16s`: logEnergy counts 64ths. The bias is the caller's, one for each stream, and begins with zeros. The three vectors may overlap: then
  *  each element is read when it is its turn.
  *
- *  @warning Of all-zero spectra and a low band of zeros the coding is -10, not 0.
+ *  @warning Of all-zero spectra and a low band of zeros the coding is -10 (`32s`: -1104 / 128, since the empty sums of B gain 177 too), not 0.
  *  @warning `HighBandCoding_32s` with a scale factor below -7 shifts left by scaleFactor + 7 modulo 32: -8 by 31 (required).
  *
  *  | Parameter | Use | Elements, or values | |
@@ -4382,7 +4382,9 @@ QORSR_API QorStatus qorsFindPeaks_32s8u(const int32_t* source, uint8_t* flags, i
  *  while the time is below trunc(time) + length, 1 / factor apart; `count` says how many, and `time` is then where the next one would
  *  lie. Samples on both sides of these times are read: window / 2 of them, divided by factor where it is below 1, and one more. A stream
  *  keeps these in its buffer: after a call it moves the samples that are still needed to the front, by a whole number of samples, and takes
- *  that number from `time`. Pieces of any lengths then give the same bits as the whole.
+ *  that number from `time`. Pieces of any lengths then give the outputs of the whole: the same bits if the buffer stays in its place or no
+ *  time is rounded (a factor of 2 or 0.5), else the same to the last bits, since a smaller time is rounded less; one that falls on the
+ *  end of a span may then come with the next.
  *
  *  | Parameter | Use | Elements, or values | |
  *  |---|---|---|---|
@@ -4404,18 +4406,19 @@ QORSR_API QorStatus qorsFindPeaks_32s8u(const int32_t* source, uint8_t* flags, i
  *
  *  | Members | Statuses, in order |
  *  |---|---|
- *  | `InitAlloc` | null; nStep below 1 (#qorStatusBadSize); window below 2 / nStep, rollOff not above 0 or above 1, alpha below 1, window nStep / 2 above 268435453 (#qorStatusBadArgument); no memory (#qorStatusNoMemory; required: #qorStatusNullPointer where the design of a 16-bit table has no scratch). `*state` is then as it was |
+ *  | `InitAlloc` | null; nStep below 1 (#qorStatusBadSize); window below 2 / nStep, rollOff not above 0 or above 1, alpha below 1, window nStep / 2 above 268435453 or, unlike the others, a NaN (#qorStatusBadArgument); no memory (#qorStatusNoMemory; required: #qorStatusNullPointer where the design of a 16-bit table has no scratch). `*state` is then as it was |
  *  | `ResamplePolyphase_16s`, `_32f` | null; factor not above 0 (a NaN passes) or length below 1 (#qorStatusBadSize) |
  *  | `Free` | null |
  *
  *  @warning The samples around the span are not checked for: a small factor reads far to both sides, window / (2 factor) samples.
  *
- *  @warning The destination must hold length * factor outputs, and one more.
+ *  @warning The destination must hold length * factor outputs, and one more. A negative time lies in front of trunc(time), up to a sample:
+ *  then (length + 1) * factor, and one more.
  *
  *  **Exact arithmetic**
  *  - The table: L = trunc(window * 0.5 * nStep) + 1 entries, the products float. t[0] = rollOff, t[k] = sin(rollOff w k) / (w k) *
  *    I0(alpha sqrt(1 - (k / (L - 1))^2)) / I0(alpha) with w = pi / nStep, and all of it over t[0] plus twice the sum of t[nStep], t[2
- *    nStep], ...; in double, then float. I0 is summed until a term is below 1e-21 of the sum. 16-bit tables are scaled to a largest
+ *    nStep], ..., each of these quotients of a whole table being a product with the reciprocal; in double, then float. I0 is summed until a term is below 1e-21 of the sum. 16-bit tables are scaled to a largest
  *    magnitude of 16383 and rounded, halves away from zero. An entry that repeats the last follows.
  *  - With i = trunc(time) and f = time - i, the samples i, i - 1, ... begin at u = f nStep, and then the samples i + 1, i + 2, ... at
  *    (1 - f) nStep. Factor at least 1: the index is trunc(u + 1e-5) and then nStep more a sample, q = u - index stays, samples are added
@@ -4511,6 +4514,8 @@ QORSR_API QorStatus qorsResamplePolyphase_32f(const ResamplePolyphaseState_32f* 
  *
  *  @warning Where filterLength is no multiple of 4 a row has no place for the extra tap of phase 0, and that tap is 0: use multiples of 4.
  *
+ *  @warning The destination must hold length * out / in outputs, rounded up; for a negative time (length + 1) * out / in.
+ *
  *  @warning The rows of a `16s` state that was allocated with the hint 2 are floats: qorsResamplePolyphaseGetFixedFilter_16s() and
  *  qorsResamplePolyphaseSetFixedFilter_16s() make no sense of them.
  *
@@ -4519,7 +4524,8 @@ QORSR_API QorStatus qorsResamplePolyphase_32f(const ResamplePolyphaseState_32f* 
  *    1e-5 added to F (to F out / in where out is below in). Phase p has t[p + j out] as tap j on its left side, row 0 has
  *    t[last] at both ends. All of it over the sum of row 0, or, where out is below in, of t at the multiples of in. 16-bit taps: times 16384
  *    and rounded, halves away from zero.
- *  - The nearest phase is trunc((time - trunc(time)) out + 0.5). Outputs are made while position < (trunc(time) + length) out, where position
+ *  - The nearest phase is trunc((time - trunc(time)) out + 0.5); for a negative time that is the phase after the nearest, unless trunc(time)
+ *    itself is the nearest. Outputs are made while position < (trunc(time) + length) out, where position
  *    counts phases in whole numbers of 64 bits; afterwards time = (position - phase) / out + (time - trunc(time)).
  *  - Float and double sums have 16 lanes that whole sets of 16 taps join, and four lanes for the sets of four behind them; lanes are
  *    joined by halves, then (sixteen + four) + the last tap of phase 0. Sums of `16s` states with the hint 2 are rounded to float. The sum

@@ -249,6 +249,28 @@ TEST(PolyphaseFixed, FarApart) {
   expectModel<Short>(f.state, f.model, x, 600000, 1.0F, 10, false, kit::Place::kAligned);
 }
 
+// In front of the first sample a time goes to the phase after the nearest; the span does not count the sample that it lies in.
+TEST(PolyphaseFixed, NegativeTimes) {
+  const Filter<Float> f({1, 4, 8, 0.9F, 6, 1});
+  kit::Random random;
+  const auto x = random.vector<float>(60);
+  for (const auto& [time, phases] :
+       {std::pair<double, int>{-0.125, 0}, {-0.25, 0}, {-0.3125, 0}, {-0.5, -1}, {-0.9375, -3}, {-2.75, -10}}) {
+    const auto expected = model::resampleFixed(f.model, x.data() + 30, 3, 1.0F, time, false);
+    std::vector<float> y(16), after(16);
+    double now = time;
+    int32_t count = 0;
+    ASSERT_EQ(qorsResamplePolyphaseFixed_32f(f.state, x.data() + 30, 3, y.data(), 1.0F, &now, &count), qorStatusOk);
+    EXPECT_EQ(count, (static_cast<int>(time) + 3) * 4 - phases) << time;
+    ASSERT_LE(count, 16);  // (length + 1) * out / in
+    y.resize(static_cast<std::size_t>(count));
+    ASSERT_BITS(y, expected.samples) << time;
+    double exact = 8 + phases / 4.0;  // the same position, in front of no sample
+    ASSERT_EQ(qorsResamplePolyphaseFixed_32f(f.state, x.data() + 22, 4, after.data(), 1.0F, &exact, &count), qorStatusOk);
+    EXPECT_BITS(std::vector<float>(y.begin(), y.begin() + 4), std::vector<float>(after.begin(), after.begin() + 4)) << time;
+  }
+}
+
 TEST(PolyphaseFixed, ATimeIsSnappedToTheNearestPhaseAndKept) {
   const Filter<Float> f({3, 4, 16, 0.9F, 6, 1});
   kit::Random random;

@@ -268,7 +268,7 @@ TEST(Polyphase, SixteenBitLimits) {
 
 // ---- Streams and signals ----
 
-TEST(Polyphase, PiecesOfAnyLengthsEqualTheWhole) {
+TEST(Polyphase, PiecesWhoseTimesAreExactEqualTheWhole) {
   kit::Random random;
   const Filter<Float> f({16, 64, 0.9F, 6, 1});
   const Filter<Short> s({16, 64, 0.9F, 6, 1});
@@ -312,6 +312,43 @@ TEST(Polyphase, PiecesOfAnyLengthsEqualTheWhole) {
                   std::vector<int16_t>(whole16.begin(), whole16.begin() + count));
     }
   }
+}
+
+// Times in a buffer that moves are rounded to other bits: the same outputs, but for the last bits.
+TEST(Polyphase, PiecesOfAMovedBufferAreCloseToTheWhole) {
+  kit::Random random;
+  const Filter<Float> f({16, 64, 0.9F, 6, 1});
+  const auto x = random.vector<float>(3000);
+  for (const double factor : {1.37, 44100.0 / 48000, 0.3}) {
+    std::vector<float> whole(6000), pieces(6000);
+    int32_t count = 0;
+    double time = 100;
+    ASSERT_EQ(qorsResamplePolyphase_32f(f.state, x.data(), 2500, whole.data(), factor, 1.0F, &time, &count), qorStatusOk);
+    int64_t begin = 0;
+    int32_t made = 0, n = 0;
+    for (double now = 100; made < count; made += n) {
+      const auto limit = static_cast<int32_t>(2600 - begin - static_cast<int64_t>(now));
+      const int32_t length = std::min(static_cast<int32_t>(random.integer(1, 40)), limit);
+      ASSERT_EQ(qorsResamplePolyphase_32f(f.state, x.data() + begin, length, pieces.data() + made, factor, 1.0F, &now, &n),
+                qorStatusOk);
+      const int64_t past = static_cast<int64_t>(now) - 100;
+      begin += past;
+      now -= static_cast<double>(past);
+    }
+    ASSERT_LE(made - count, 1);  // at 1.37 the next output lies on the end of the whole span, on either side of it
+    for (std::size_t k = 0; k < static_cast<std::size_t>(count); ++k) ASSERT_NEAR(pieces[k], whole[k], 1e-6F) << factor << " " << k;
+  }
+}
+
+// A negative time lies in front of the span, so that there are more outputs than the span has samples for.
+TEST(Polyphase, OutputsOfANegativeTime) {
+  const Filter<Float> f({4, 16, 0.9F, 6, 1});
+  const std::vector<float> x(40, 1.0F);
+  std::vector<float> y(100);
+  int32_t count = 0;
+  double time = -0.96875;
+  ASSERT_EQ(qorsResamplePolyphase_32f(f.state, x.data() + 20, 2, y.data(), 16.0, 1.0F, &time, &count), qorStatusOk);
+  EXPECT_EQ(count, 48);  // (length + 1) * factor
 }
 
 TEST(Polyphase, FactorOneOnSamplesReproducesThem) {
