@@ -82,6 +82,18 @@ TYPED_TEST(CodebookInside, ListsOfAGridAreThoseOfTheModel) {
   }
 }
 
+TYPED_TEST(CodebookInside, CellsOf16BitRowsBeginAThousandthEarlier) {
+  using T = typename TypeParam::T;
+  EXPECT_EQ(qorsr::cellOf<T>(0.9995F, 4), sizeof(T) == 2 ? 1 : 0);
+  EXPECT_EQ(qorsr::cellOf<T>(0.998F, 4), 0);
+  EXPECT_EQ(qorsr::cellOf<T>(3.9995F, 4), sizeof(T) == 2 ? 4 : 3);
+  EXPECT_EQ(qorsr::cellOf<T>(-0.0005F, 4), -1) << "below the grid, whatever is added";
+  EXPECT_EQ(qorsr::cellOf<T>(-0.0F, 4), 0);
+  for (const float far : {4.0F, 1e30F, std::numeric_limits<float>::infinity(), std::nanf("")}) {
+    EXPECT_EQ(qorsr::cellOf<T>(far, 4), 4) << far;
+  }
+}
+
 TYPED_TEST(CodebookInside, BitsOfAnIndex) {
   for (const auto& [count, bits] : {std::pair{1, 0}, {2, 1}, {3, 2}, {4, 2}, {5, 3}, {256, 8}, {257, 9}, {16383, 14}}) {
     EXPECT_EQ(qorsr::bitsOfIndex(count), bits) << count;
