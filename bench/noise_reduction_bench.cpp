@@ -61,14 +61,16 @@ void addSpectra(const bench::Level& level, int32_t n) {
     bench::add({name, "ours", level.name, static_cast<double>(n), "numbers"}, ours);
     bench::add({name, "plain", level.name}, plain);
   };
-  both("SmoothedPowerSpectrum_32f", spectrum<float, float>(n, OURS(qorsSmoothedPowerSpectrumAurora_32f)),
-       spectrum<float, float>(n, PLAIN(plainPowerSpectrum_32f)));
-  both("SmoothedPowerSpectrum_16s", spectrum<int16_t, int16_t>(n, OURS(qorsSmoothedPowerSpectrumAurora_16s)),
-       spectrum<int16_t, int16_t>(n, PLAIN(plainPowerSpectrum_16s)));
-  both("SmoothedPowerSpectrum_32s", spectrum<int32_t, int32_t>(n, OURS(qorsSmoothedPowerSpectrumAurora_32s_Sfs), 2),
-       spectrum<int32_t, int32_t>(n, PLAIN(plainPowerSpectrum_32s), 2));
-  both("SmoothedPowerSpectrum_32s64s", spectrum<int32_t, int64_t>(n, OURS(qorsSmoothedPowerSpectrumAurora_32s64s_Sfs), 2),
-       spectrum<int32_t, int64_t>(n, PLAIN(plainPowerSpectrum_32s64s), 2));
+  if (n % 4 == 0) {
+    both("SmoothedPowerSpectrum_32f", spectrum<float, float>(n, OURS(qorsSmoothedPowerSpectrumAurora_32f)),
+         spectrum<float, float>(n, PLAIN(plainPowerSpectrum_32f)));
+    both("SmoothedPowerSpectrum_16s", spectrum<int16_t, int16_t>(n, OURS(qorsSmoothedPowerSpectrumAurora_16s)),
+         spectrum<int16_t, int16_t>(n, PLAIN(plainPowerSpectrum_16s)));
+    both("SmoothedPowerSpectrum_32s", spectrum<int32_t, int32_t>(n, OURS(qorsSmoothedPowerSpectrumAurora_32s_Sfs), 2),
+         spectrum<int32_t, int32_t>(n, PLAIN(plainPowerSpectrum_32s), 2));
+    both("SmoothedPowerSpectrum_32s64s", spectrum<int32_t, int64_t>(n, OURS(qorsSmoothedPowerSpectrumAurora_32s64s_Sfs), 2),
+         spectrum<int32_t, int64_t>(n, PLAIN(plainPowerSpectrum_32s64s), 2));
+  }
   both("NoiseSpectrumUpdate_32f", update<float>(n, OURS(qorsNoiseSpectrumUpdate_Aurora_32f)),
        update<float>(n, PLAIN(plainNoiseUpdate_32f)));
   both("NoiseSpectrumUpdate_16s", update<int16_t>(n, OURS(qorsNoiseSpectrumUpdate_Aurora_16s_Sfs), 0),
@@ -99,7 +101,7 @@ void addFrames(const bench::Level& level) {
 
 int main(int argc, char** argv) {
   for (const bench::Level& level : bench::levels()) {
-    for (const int32_t n : {4, 12, 64, 128, 256, 512}) addSpectra(level, n);
+    for (const int32_t n : {4, 12, 25, 64, 65, 128, 256, 512}) addSpectra(level, n);
     addFrames(level);
   }
   return bench::run(argc, argv);

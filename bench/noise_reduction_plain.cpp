@@ -2,6 +2,7 @@
 #include "noise_reduction_plain.h"
 
 #include <algorithm>
+#include <cfenv>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
@@ -52,13 +53,24 @@ void plainPowerSpectrum_32s64s(const int32_t* x, int64_t* y, int32_t length, int
 
 // ---- Noise and gains ----
 
+namespace {
+// What a plain loop, too, has to do where every operation rounds toward zero.
+struct TowardZero {
+  const int mode = std::fegetround();
+  TowardZero() { std::fesetround(FE_TOWARDZERO); }
+  ~TowardZero() { std::fesetround(mode); }
+};
+}  // namespace
+
 void plainNoiseUpdate_32f(const float* x, const float* n, float* y, int32_t length) {
+  const TowardZero mode;
   for (int32_t i = 0; i < length; ++i) {
     const float tenth = 0.1F * x[i], sum = x[i] + n[i], mixed = n[i] + tenth;
     y[i] = sum == 0 || mixed == 0 ? 0 : n[i] * (tenth / sum * (n[i] / mixed + 1) + 0.9F);
   }
 }
 void plainNoiseUpdate_16s(const int16_t* x, const int16_t* n, int16_t* y, int32_t length, int32_t scaleFactor) {
+  const TowardZero mode;
   const float factor = std::ldexp(1.0F, -scaleFactor);
   for (int32_t i = 0; i < length; ++i) {
     const float a = x[i], b = n[i], mixed = 0.1F * a + b;
@@ -71,6 +83,7 @@ void plainNoiseUpdate_16s(const int16_t* x, const int16_t* n, int16_t* y, int32_
   }
 }
 void plainNoiseUpdate_32s(const int32_t* x, const int32_t* n, int32_t* y, int32_t length, int32_t scaleFactor) {
+  const TowardZero mode;
   const float factor = std::ldexp(1.0F, -scaleFactor);
   for (int32_t i = 0; i < length; ++i) {
     const auto a = static_cast<float>(x[i]), b = static_cast<float>(n[i]);

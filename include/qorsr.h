@@ -3079,10 +3079,11 @@ QORSR_API QorStatus qorsWaveProcessing_Aurora_16s(const int16_t* source, int16_t
  *    s (E - O). `16s`: exact sums, times the power of two in double, limited to 16 bits, to nearest, ties to even.
  *  - Banks: centres are computed in double and rounded to nearest, ties to even, to bin 64 at most. Weights are j / span and 1 - j / span in
  *    float, `16s`: in Q14, each quotient truncated. A section without width has no weights.
- *  - `HighBandCoding_32f`: sums in the order of the bins, logarithms in double where the argument is above exp(-10), each rounded to float,
- *    all else in float. `32s`: sums are exact and limited to 32 bits, those of B divided by 8 to nearest, ties to even; logarithms are
- *    rounded to nearest, -1280 of what is not above 0; those of B gain 177. required: the terms are (102 T0 - 102 d0) >> 10, (205 (T1 - d1))
- *    >> 10 and (717 (T2 - d2)) >> 10, d = A - b, shifted one by one; their sum is shifted right by scaleFactor + 7.
+ *  - `HighBandCoding_32f`: sums in four lanes, joined as (l0 + l2) + (l1 + l3), with up to three bins behind them; logarithms in double
+ *    where the argument is above exp(-10), each rounded to float; all else in float. `32s`: sums are exact and limited to 32 bits, those of B
+ *    divided by 8 to nearest, ties to even; logarithms are rounded to nearest, -1280 of what is not above 0; those of B gain 177.
+ *    required: the terms are (102 T0 - 102 d0) >> 10, (205 (T1 - d1)) >> 10 and (717 (T2 - d2)) >> 10, d = A - b, shifted one by one;
+ *    their sum is shifted right by scaleFactor + 7.
  *  - `BlindEqualization_16s`: e = min(max(logEnergy - 211, 0), 64), t = c - b in 32 bits; the cepstrum is t saturated, the bias is
  *    saturated(b + ((9 e (t - reference)) >> 16)), with t as it was.
  *  - Only `InitAlloc` allocates.

@@ -13,8 +13,8 @@
 #include "frame/checks.h"
 #include "frame/chunks.h"
 #include "frame/column_blocks.h"
-#include "frame/environment.h"
 #include "frame/lanes.h"
+#include "robust/nearest.h"
 #include "robust/tap_sums.h"
 
 namespace qorsr {
@@ -184,8 +184,7 @@ inline QorStatus splitBands(const float* source, float* low, float* high, int32_
 inline QorStatus splitBands(const int16_t* source, int16_t* low, int16_t* high, int32_t length, const int16_t* taps,
                             int32_t tapCount, int32_t scaleFactor) {
   if (QorStatus bad = checkSplit(source, low, high, length, taps, tapCount)) return bad;
-  const EnvironmentGuard guard(Rounding::kNearest);
-  splitShorts(source, low, high, length / 2, taps, tapCount, twoToMinus<double>(scaleFactor));
+  roundingToNearest([=] { splitShorts(source, low, high, length / 2, taps, tapCount, finiteMultiplier(scaleFactor)); });
   return qorStatusOk;
 }
 

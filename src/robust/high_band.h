@@ -3,7 +3,8 @@
 //   A0, A1, A2 = L(sum of A[33..38], of A[39..48], of A[49..64]),  b[j] = L(low[j])
 //   T0, T1, T2 = L(half the sum of B[66..76], of B[78..96], of B[98..128])
 //   y[j] = 0.1 (T0 - (A0 - b[j])) + 0.2 (T1 - (A1 - b[j])) + 0.7 (T2 - (A2 - b[j])),  j = 0 to 2
-// L is the natural logarithm, taken in double, and -10 where its argument is not above exp(-10). Floats are added in the order of the bins.
+// L is the natural logarithm, taken in double, and -10 where its argument is not above exp(-10). Floats are added
+// in four lanes.
 //
 // Integers: logarithms have 7 fraction bits, and are -1280 where the argument is not above 0; sums are saturated to 32 bits, those of B
 // divided by 8 and rounded to nearest even, with 177 (log 4) added to their logarithms. The three terms have factors in 1024ths and are
@@ -14,10 +15,10 @@
 
 #include "frame/bits.h"
 #include "frame/checks.h"
-#include "frame/convert.h"
 #include "frame/elementary.h"
-#include "frame/environment.h"
 #include "frame/lanes.h"
+#include "frame/lanes/rounding.h"
+#include "robust/nearest.h"
 
 namespace qorsr {
 
@@ -29,7 +30,7 @@ inline constexpr Bins kBinsOfA[] = {{33, 38}, {39, 48}, {49, 64}}, kBinsOfB[] = 
 
 // Numbers whose logarithms are taken: three of A, three of B, three of the low band; then room for whole blocks of lanes.
 struct HighBandLogs {
-  static constexpr int kBlock = 4, kUsed = 9, kAll = 12;
+  static constexpr int kAll = 12;
   alignas(64) double value[kAll] = {};
 
   double* a() { return value; }
@@ -38,19 +39,29 @@ struct HighBandLogs {
 
   // The logarithm of what lies above `least`, elsewhere `otherwise`.
   void take(double least, double otherwise) {
-    using L = Lanes<double, kBlock>;
-    for (int i = 0; i < kAll; i += kBlock) {
-      const L x = L::load(value + i), bound(least);
-      selectLess(bound, x, log(selectLess(bound, x, x, L(1.0))), L(otherwise)).store(value + i);
-    }
+    takeOf<8>(value, least, otherwise);
+    takeOf<2>(value + 8, least, otherwise);
+  }
+
+ private:
+  template <int N>
+  static void takeOf(double* x, double least, double otherwise) {
+    using L = Lanes<double, N>;
+    const L z = L::load(x), bound(least);
+    selectLess(bound, z, log(selectLess(bound, z, z, L(1.0))), L(otherwise)).store(x);
   }
 };
 
 // ---- Floats ----
 
-inline float sumOfBins(const float* x, Bins bins) {
-  float sum = x[bins.first];
-  for (int32_t i = bins.first + 1; i <= bins.last; ++i) sum += x[i];
+// Whole groups of four bins in four lanes, joined by halves; then what is left, bin by bin.
+template <class Sum, class T>
+inline Sum sumOfBins(const T* x, Bins bins) {
+  int32_t i = bins.first;
+  auto lanes = loadAs<Sum, 4>(x + i);
+  for (i += 4; i <= bins.last - 3; i += 4) lanes += loadAs<Sum, 4>(x + i);
+  Sum sum = joinHalves(lanes);
+  for (; i <= bins.last; ++i) sum += static_cast<Sum>(x[i]);
   return sum;
 }
 
@@ -58,8 +69,8 @@ inline QorStatus codeHighBand(const float* lowBand, const float* spectrumA, cons
   if (QorStatus bad = Checks().null(lowBand, spectrumA, spectrumB, result)) return bad;
   HighBandLogs logs;
   for (int k = 0; k < 3; ++k) {
-    logs.a()[k] = static_cast<double>(sumOfBins(spectrumA, kBinsOfA[k]));
-    logs.b()[k] = static_cast<double>(0.5F * sumOfBins(spectrumB, kBinsOfB[k]));
+    logs.a()[k] = static_cast<double>(sumOfBins<float>(spectrumA, kBinsOfA[k]));
+    logs.b()[k] = static_cast<double>(0.5F * sumOfBins<float>(spectrumB, kBinsOfB[k]));
     logs.low()[k] = static_cast<double>(lowBand[k]);
   }
   logs.take(0x1.7cd79b5647c9bp-15, -10.0);  // exp(-10)
@@ -73,12 +84,13 @@ inline QorStatus codeHighBand(const float* lowBand, const float* spectrumA, cons
 
 // ---- 32 bits ----
 
-inline int64_t sumOfBins(const int32_t* x, Bins bins) {
-  int64_t sum = 0;
-  for (int32_t i = bins.first; i <= bins.last; ++i) sum += x[i];
-  return sum;
+// Sums of whole numbers are exact in double. Their limit matters above alone: what is not above 0 has one logarithm.
+inline double limitedAbove(double sum) { return sum < 2147483647.0 ? sum : 2147483647.0; }
+// The nearest whole number, ties to even, of a number below 2^51, in a mode that is known to be nearest.
+inline double nearestWhole(double value) {
+  constexpr double kWhole = 0x1.8p52;  // here the last place of a double is 1
+  return value + kWhole - kWhole;
 }
-inline int64_t eighth(int64_t sum) { return (sum + 3 + (sum >> 3 & 1)) >> 3; }  // to nearest, ties to even
 
 // required: a scale factor below -7 shifts left, by scaleFactor + 7 modulo 32.
 inline int32_t scaledCode(int32_t code, int32_t scaleFactor) {
@@ -90,13 +102,15 @@ QORSR_IN_GUARDED_MODE inline void codeIntegers(const int32_t* lowBand, const int
                                                int32_t* result, int32_t scaleFactor) {
   HighBandLogs logs;
   for (int k = 0; k < 3; ++k) {
-    logs.a()[k] = saturate<int32_t>(sumOfBins(spectrumA, kBinsOfA[k]));
-    logs.b()[k] = saturate<int32_t>(eighth(sumOfBins(spectrumB, kBinsOfB[k])));
+    logs.a()[k] = limitedAbove(sumOfBins<double>(spectrumA, kBinsOfA[k]));
+    logs.b()[k] = limitedAbove(nearestWhole(sumOfBins<double>(spectrumB, kBinsOfB[k]) * 0.125));
     logs.low()[k] = lowBand[k];
   }
   logs.take(0.0, -10.0);
-  int32_t log[HighBandLogs::kUsed];
-  for (int i = 0; i < HighBandLogs::kUsed; ++i) log[i] = limitAndRound<int32_t>(logs.value[i] * 128.0);
+  int32_t log[HighBandLogs::kAll];
+  for (int i = 0; i < HighBandLogs::kAll; i += 4) {
+    nearest(Lanes<double, 4>::load(logs.value + i) * Lanes<double, 4>(128.0)).store(log + i);
+  }
   for (int j = 0; j < 3; ++j) {
     const auto difference = [&](int k) { return log[k] - log[6 + j]; };
     const auto top = [&](int k) { return log[3 + k] + 177; };
@@ -109,8 +123,7 @@ QORSR_IN_GUARDED_MODE inline void codeIntegers(const int32_t* lowBand, const int
 inline QorStatus codeHighBand(const int32_t* lowBand, const int32_t* spectrumA, const int32_t* spectrumB, int32_t* result,
                               int32_t scaleFactor) {
   if (QorStatus bad = Checks().null(lowBand, spectrumA, spectrumB, result)) return bad;
-  const EnvironmentGuard guard(Rounding::kNearest);
-  codeIntegers(lowBand, spectrumA, spectrumB, result, scaleFactor);
+  roundingToNearest([=] { codeIntegers(lowBand, spectrumA, spectrumB, result, scaleFactor); });
   return qorStatusOk;
 }
 

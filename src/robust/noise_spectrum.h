@@ -7,8 +7,8 @@
 // x + n, and n + 0.1 x truncated (16 bits: their sum truncated, 32 bits: the tenth alone). Results are scaled, limited and truncated.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
-#include <limits>
 
 #include "frame/bits.h"
 #include "frame/checks.h"
@@ -19,47 +19,49 @@
 
 namespace qorsr {
 
-// 0 where |divisor| < least, elsewhere the value.
+// 0 where a divisor is, elsewhere the value.
 template <int N>
-inline Lanes<float, N> zeroWhereBelow(const Lanes<float, N>& divisor, float least, const Lanes<float, N>& value) {
-  using L = Lanes<float, N>;
-  return selectLess(abs(divisor), L(least), L(0.0F), value);
-}
-inline constexpr float kLeastFloat = std::numeric_limits<float>::denorm_min();
-
-template <int N>
-inline Lanes<float, N> noiseUpdate(const Lanes<float, N>& x, const Lanes<float, N>& n) {
-  using L = Lanes<float, N>;
-  const L tenth = L(0.1F) * x, sum = x + n, mixed = n + tenth;
-  const L y = n * (tenth / sum * (n / mixed + L(1.0F)) + L(0.9F));
-  return zeroWhereBelow(sum, kLeastFloat, zeroWhereBelow(mixed, kLeastFloat, y));
+inline Lanes<float, N> zeroWhereNone(const Lanes<float, N>& sum, const Lanes<float, N>& mixed, const Lanes<float, N>& value) {
+  Lanes<float, N> v;
+  for (int i = 0; i < v.kParts; ++i) {
+    using Part = typename Lanes<float, N>::Part;
+    v.part[i] = ((sum.part[i] == Part{}) | (mixed.part[i] == Part{})) ? Part{} : value.part[i];
+  }
+  return v;
 }
 
-// Of integers, with divisors that are not zero.
+template <int N>
+inline Lanes<float, N> noiseUpdate(const float* present, const float* noise) {
+  using L = Lanes<float, N>;
+  const L x = L::load(present), n = L::load(noise), tenth = L(0.1F) * x, sum = x + n, mixed = n + tenth;
+  return zeroWhereNone(sum, mixed, n * (tenth / sum * (n / mixed + L(1.0F)) + L(0.9F)));
+}
+
+// Of integers, with their divisors.
 template <int N>
 inline Lanes<float, N> scaledNoiseUpdate(const Lanes<float, N>& x, const Lanes<float, N>& n, const Lanes<float, N>& sum,
                                          const Lanes<float, N>& mixed, float multiplier) {
   using L = Lanes<float, N>;
-  const L y = n * (x / sum * L(0.1F) * (n / mixed + L(1.0F)) + L(0.9F)) * L(multiplier);
-  return zeroWhereNaN(y);  // 0 times infinity
+  return n * (x / sum * L(0.1F) * (n / mixed + L(1.0F)) + L(0.9F)) * L(multiplier);
 }
 
 template <int N>
-inline Lanes<int16_t, N> noiseUpdate(const Lanes<int16_t, N>& present, const Lanes<int16_t, N>& noise, float multiplier) {
+inline Lanes<int16_t, N> noiseUpdate(const int16_t* present, const int16_t* noise, float multiplier) {
   using L = Lanes<float, N>;
-  const L x = as<float>(present), n = as<float>(noise), sum = x + n, mixed = L(0.1F) * x + n;
-  const L y = zeroWhereBelow(sum, 1.0F, zeroWhereBelow(mixed, 1.0F, scaledNoiseUpdate(x, n, sum, mixed, multiplier)));
+  const L x = loadAs<float, N>(present), n = loadAs<float, N>(noise), sum = x + n, mixed = L(0.1F) * x + n;
+  const L divisor = selectLess(abs(mixed), L(1.0F), L(0.0F), mixed);  // truncated it is 0
+  const L y = zeroWhereNone(sum, divisor, scaledNoiseUpdate(x, n, sum, mixed, multiplier));
   return saturated(truncated(max(min(y, L(32767.0F)), L(-32768.0F))));
 }
 
 template <int N>
-inline Lanes<int32_t, N> noiseUpdate(const Lanes<int32_t, N>& present, const Lanes<int32_t, N>& noise, float multiplier) {
+inline Lanes<int32_t, N> noiseUpdate(const int32_t* present, const int32_t* noise, float multiplier) {
   using L = Lanes<float, N>;
-  const L x = as<float>(present), n = as<float>(noise);
-  const auto exactNoise = as<double>(noise);
-  const L sum = as<float>(as<double>(present) + exactNoise);
+  const L x = loadAs<float, N>(present), n = loadAs<float, N>(noise);
+  const auto exactNoise = loadAs<double, N>(noise);
+  const L sum = as<float>(loadAs<double, N>(present) + exactNoise);
   const L mixed = as<float>(as<double>(truncated(L(0.1F) * x)) + exactNoise);
-  const L y = zeroWhereBelow(sum, 1.0F, zeroWhereBelow(mixed, 1.0F, scaledNoiseUpdate(x, n, sum, mixed, multiplier)));
+  const L y = zeroWhereNone(sum, mixed, scaledNoiseUpdate(x, n, sum, mixed, multiplier));
   // required: what is limited at 2^31 becomes the most negative integer
   return truncated(max(min(y, L(2147483648.0F)), L(-2147483648.0F)));
 }
@@ -67,12 +69,9 @@ inline Lanes<int32_t, N> noiseUpdate(const Lanes<int32_t, N>& present, const Lan
 // The noise may be updated in place.
 template <class T, class... Multiplier>
 QORSR_IN_GUARDED_MODE void updateNoise(const T* present, const T* noise, T* result, int32_t length, Multiplier... multiplier) {
-  coverLastFirst<float>(
+  coverLastFirst<T>(
       length,
-      [=](int32_t i, auto n) __attribute__((always_inline)) {
-        using L = Lanes<T, n>;
-        return noiseUpdate(L::load(present + i), L::load(noise + i), multiplier...);
-      },
+      [=](int32_t i, auto n) __attribute__((always_inline)) { return noiseUpdate<n>(present + i, noise + i, multiplier...); },
       [=](int32_t i, const auto& value) { value.store(result + i); });
 }
 
@@ -80,7 +79,8 @@ template <class T, class... ScaleFactor>
 QorStatus updateNoiseSpectrum(const T* present, const T* noise, T* result, int32_t length, ScaleFactor... scaleFactor) {
   if (QorStatus bad = Checks().null(present, noise, result).size(length)) return bad;
   const EnvironmentGuard guard(Rounding::kTowardZero);
-  updateNoise(present, noise, result, length, twoToMinus<float>(scaleFactor)...);
+  // At most 2^127: 0 stays 0, and all else, at least 2^-24, is limited as by an infinite power.
+  updateNoise(present, noise, result, length, twoToMinus<float>(std::max(scaleFactor, -127))...);
   return qorStatusOk;
 }
 

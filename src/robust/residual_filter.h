@@ -8,12 +8,13 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 
 #include "frame/bits.h"
 #include "frame/checks.h"
 #include "frame/column_blocks.h"
-#include "frame/environment.h"
 #include "frame/lanes.h"
+#include "robust/nearest.h"
 #include "robust/tap_sums.h"
 
 namespace qorsr {
@@ -43,30 +44,22 @@ inline QorStatus filterResidual(const float* source, float* result, const float*
 
 // ---- 16 bits ----
 
-// Two taps and the first of their samples. The last tap makes a pair with the sample in front of its own, which weighs nothing.
-struct ResidualPair {
-  int16_t first, second;
-  int32_t sample;
-};
-inline ResidualPair residualPair(const int16_t* taps, int32_t j) {
-  constexpr int32_t kLast = kResidualTaps - 1;
-  return 2 * j < kLast ? ResidualPair{taps[2 * j], taps[2 * j + 1], 2 * j} : ResidualPair{0, taps[kLast], kLast - 1};
-}
-
 QORSR_IN_GUARDED_MODE inline void filterShorts(const int16_t* source, int16_t* result, const int16_t* taps, double multiplier) {
-  constexpr int32_t kPairs = (kResidualTaps + 1) / 2;
+  constexpr int32_t kLast = kResidualTaps - 1, kPairs = kResidualTaps / 2 + 1;
   constexpr int kBlock = std::min(16, kNativeLanes<int16_t>);  // divides the frame
   static_assert(kResidualFrame % kBlock == 0 && kResidualFrame % kRoundedTogether == 0);
-  ResidualPair pairs[kPairs];
-  for (int32_t j = 0; j < kPairs; ++j) pairs[j] = residualPair(taps, j);
+  int16_t pairs[kPairs][2];  // the last tap makes one with the sample in front of its own, which weighs nothing
+  std::memcpy(pairs, taps, kLast * sizeof(int16_t));
+  pairs[kPairs - 1][0] = 0;
+  pairs[kPairs - 1][1] = taps[kLast];
   alignas(64) double sums[kResidualFrame];
   for (int32_t first = 0, end; first < kPairs; first = end) {
-    end = endOfRun(first, kPairs, [&](int32_t j) { return magnitudeOf(pairs[j].first) + magnitudeOf(pairs[j].second); });
+    end = endOfRun(first, kPairs, [&](int32_t j) { return magnitudeOf(pairs[j][0]) + magnitudeOf(pairs[j][1]); });
     for (int32_t i = 0; i < kResidualFrame; i += kBlock) {
       Lanes<int32_t, kBlock / 2> even(0), odd(0);
       for (int32_t j = first; j < end; ++j) {
-        const auto h = tapPair<kBlock / 2>(pairs[j].first, pairs[j].second);
-        const int16_t* const x = source + i + pairs[j].sample;
+        const auto h = tapPair<kBlock / 2>(pairs[j][0], pairs[j][1]);
+        const int16_t* const x = source + i + std::min(2 * j, kLast - 1);
         even += pairDots(Lanes<int16_t, kBlock>::load(x), h);
         odd += pairDots(Lanes<int16_t, kBlock>::load(x + 1), h);
       }
@@ -82,8 +75,7 @@ QORSR_IN_GUARDED_MODE inline void filterShorts(const int16_t* source, int16_t* r
 
 inline QorStatus filterResidual(const int16_t* source, int16_t* result, const int16_t* taps, int32_t scaleFactor) {
   if (QorStatus bad = Checks().null(source, result, taps)) return bad;
-  const EnvironmentGuard guard(Rounding::kNearest);
-  filterShorts(source, result, taps, twoToMinus<double>(scaleFactor));
+  roundingToNearest([=] { filterShorts(source, result, taps, finiteMultiplier(scaleFactor)); });
   return qorStatusOk;
 }
 

@@ -8,6 +8,7 @@
 #include <bit>
 #include <cstdint>
 
+#include "frame/bits.h"
 #include "frame/lanes.h"
 #include "frame/lanes/rounding.h"
 
@@ -39,11 +40,14 @@ inline void addRun(const Lanes<int32_t, N>& run, bool isFirst, double* sums) {
   all.store(sums);
 }
 
-// sum * multiplier, limited to 16 bits and rounded to nearest, ties to even; a NaN gives 0. Only in a mode that is known to be nearest.
+// 2^-scaleFactor for sums that are whole numbers: at most 2^1023, by which 0 stays 0 and all else is far beyond 16 bits.
+inline double finiteMultiplier(int32_t scaleFactor) { return twoToMinus<double>(std::max(scaleFactor, -1023)); }
+
+// sum * multiplier, limited to 16 bits and rounded to nearest, ties to even. Only in a mode that is known to be nearest.
 template <int N>
 inline Lanes<int16_t, N> roundedShort(const Lanes<double, N>& sum, double multiplier) {
   using L = Lanes<double, N>;
-  return saturated(nearest(max(min(zeroWhereNaN(sum * L(multiplier)), L(32767.0)), L(-32768.0))));
+  return saturated(nearest(max(min(sum * L(multiplier), L(32767.0)), L(-32768.0))));
 }
 inline constexpr int kRoundedTogether = std::max(4, kNativeLanes<double>);
 

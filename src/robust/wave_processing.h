@@ -14,7 +14,6 @@
 #include <cstdint>
 #include <type_traits>
 
-#include "frame/bits.h"
 #include "frame/checks.h"
 #include "frame/column_blocks.h"
 #include "frame/lanes.h"
@@ -30,7 +29,6 @@ struct FloatWave {
   static constexpr float kLow = 0.8F, kOne = 1.0F, kHigh = 1.2F;
 
   static int32_t loudPart(int32_t distance) { return distance * 4 / 5; }  // the same as in float, truncated, for all distances
-  static Energy moved(Energy sum, Energy entering, Energy leaving) { return sum + entering - leaving; }
 
   template <int N>
   static Lanes<float, N> products(const float* a, const float* b) {
@@ -52,7 +50,6 @@ struct ShortWave {
   static constexpr int16_t kLow = 27, kOne = 32, kHigh = 38;
 
   static int32_t loudPart(int32_t distance) { return distance * 27 >> 5; }
-  static Energy moved(Energy sum, Energy entering, Energy leaving) { return wrapSub(wrapAdd(sum, entering), leaving); }
 
   // Products of lanes: the upper halves are 0.
   template <int N>
@@ -99,28 +96,50 @@ void teagerEnergy(const T* x, Energy* padded) {
   std::fill_n(e + kWave, kReach, e[kWave - 1]);
 }
 
-// Sums of nine. required: in float, each from the one before it.
-template <class Wave, class Energy = typename Wave::Energy>
-void smoothEnergy(const Energy* padded, Energy* smoothed) {
-  Energy sum = padded[0];
-  for (int k = 1; k <= 2 * kReach; ++k) sum = Wave::moved(sum, padded[k], Energy(0));
+// Sums of nine. required: in float, each from the one before it. Integers wrap, so that all ways give the same.
+inline void smoothEnergy(const float* padded, float* smoothed) {
+  float sum = padded[0];
+  for (int k = 1; k <= 2 * kReach; ++k) sum += padded[k];
   smoothed[0] = sum;
-  for (int32_t n = 1; n < kWave; ++n) {
-    sum = Wave::moved(sum, padded[n + 2 * kReach], padded[n - 1]);
-    smoothed[n] = sum;
-  }
+  for (int32_t n = 1; n < kWave; ++n) smoothed[n] = sum = sum + padded[n + 2 * kReach] - padded[n - 1];
+}
+inline void smoothEnergy(const int32_t* padded, int32_t* smoothed) {
+  coverColumns<int32_t>(kWave, [=](int32_t i, auto n) {
+    const auto at = [=](int k) { return as<uint32_t>(Lanes<int32_t, n>::load(padded + i + k)); };
+    auto sum = at(0);
+    for (int k = 1; k <= 2 * kReach; ++k) sum += at(k);
+    as<int32_t>(sum).store(smoothed + i);
+  });
 }
 
 // ---- Peaks ----
 
+template <class T, int N>
+inline bool anyEqual(const Lanes<T, N>& a, const Lanes<T, N>& b) {
+  auto any = a.part[0] == b.part[0];
+  for (int i = 1; i < Lanes<T, N>::kParts; ++i) any |= a.part[i] == b.part[i];
+  return native::anyHolds(any);
+}
+
 // Index of the first maximum of s[first] to s[first + count - 1]. A NaN is followed by NaNs alone, and is the maximum only in front.
 template <class Energy>
 int32_t firstMaximum(const Energy* s, int32_t first, int32_t count) {
-  int32_t best = first;
-  for (int32_t i = first + 1; i < first + count; ++i) {
-    if (s[i] > s[best]) best = i;
+  constexpr int kBlock = kNativeLanes<Energy>;
+  using L = Lanes<Energy, kBlock>;
+  L lanes(s[first]);
+  const int32_t end = first + count;
+  int32_t i = first;
+  for (; i <= end - kBlock; i += kBlock) lanes = max(L::load(s + i), lanes);
+  Energy all[kBlock];
+  lanes.store(all);
+  Energy most = all[0];
+  for (const Energy lane : all) most = lane > most ? lane : most;
+  for (; i < end; ++i) most = s[i] > most ? s[i] : most;
+  if (most != most) return first;
+  for (i = first; i <= end - kBlock && !anyEqual(L::load(s + i), L(most)); i += kBlock) {
   }
-  return best;
+  while (s[i] < most) ++i;
+  return i;
 }
 
 // Peaks in rising order; at least two, since there is room for another one on one side of any.
@@ -174,7 +193,7 @@ QorStatus processWave(const T* source, T* result) {
   alignas(64) Energy energy[kWave + 2 * kReach], smoothed[kWave];
   alignas(64) T weight[kWave];
   teagerEnergy<Wave>(source, energy);
-  smoothEnergy<Wave>(energy, smoothed);
+  smoothEnergy(energy, smoothed);
   weighFromPeaks<Wave>(Peaks(smoothed), weight);
   coverLastFirst<Energy>(
       kWave, [&](int32_t i, auto n) { return Wave::template weighted<n>(weight + i, source + i); },

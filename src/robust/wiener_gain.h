@@ -42,35 +42,32 @@ inline void wienerGains(const float* present, const float* noise, const float* d
 // ---- 16 bits ----
 
 // Whole numbers of at most 53 bits in lanes of doubles, where a product is exact, and a quotient, truncated, is that of integers: it
-// lies farther from the next whole number than it is rounded by. So it holds in every rounding mode.
+// lies farther from the next whole number than it is rounded by. So it holds in every rounding mode. What is to be rounded down gets an
+// offset of kPositive first, and is truncated. A divisor of 0 becomes -2^31, and its quotient 0.
+inline constexpr int32_t kPositive = 1 << 28;
+
 template <int N>
-inline Lanes<double, N> wholePart(const Lanes<double, N>& a) {  // fits 32 bits
-  return as<double>(truncated(a));
-}
-template <int N>
-inline Lanes<double, N> floorOf(const Lanes<double, N>& a) {
-  const Lanes<double, N> whole = wholePart(a);
-  return selectLess(a, whole, whole - Lanes<double, N>(1.0), whole);
+inline Lanes<int32_t, N> lowestWhereZero(const Lanes<int32_t, N>& a) {
+  return Lanes<int32_t, N>::each(a, [](auto v) { return decltype(v)(v | ((v == decltype(v){}) & INT32_MIN)); });
 }
 
 template <int N>
-inline Lanes<int32_t, N> wienerGain(const Lanes<double, N>& x, const Lanes<double, N>& n, const Lanes<double, N>& p) {
+inline Lanes<int32_t, N> wienerGain(const Lanes<int32_t, N>& x, const Lanes<int32_t, N>& n, const Lanes<int32_t, N>& p) {
+  using I = Lanes<int32_t, N>;
   using L = Lanes<double, N>;
-  const L floor(1301.0), zero(0.0), one(1.0);
-  const L i = wholePart(L(16384.0) / n);
-  const L evidence = p * L(4014.0) + L(82.0) * max(x - n, zero);
-  const L a = floorOf(evidence * i * L(0x1p-14)), divisor = a + L(4096.0);
-  const L g = wholePart(L(16384.0) * a / divisor);
-  const L product = max(floorOf(x * g * L(0x1p-14)) * i, floor);
-  const L known = min(selectLess(abs(n), one, zero, one), selectLess(abs(divisor), one, zero, one));
-  const L b = min(selectLess(zero, known, product, floor), L(0x1p30));  // larger ones all give 16383
-  return truncated(L(128.0) * b / (wholePart(b * L(0x1p-7)) + L(128.0)));
+  const L i = as<double>(truncated(Lanes<float, N>(16384.0F) / as<float>(lowestWhereZero(n))));
+  const L evidence = as<double>(p) * L(4014.0 / 16384.0) + as<double>(max(x - n, I(0))) * L(82.0 / 16384.0);
+  const I raised = truncated(evidence * i + L(kPositive)), divisor = lowestWhereZero(raised - I(kPositive - 4096));
+  const L g = as<double>(truncated(as<double>(raised - I(kPositive)) * L(16384.0) / as<double>(divisor)));
+  const I product = truncated(as<double>(x) * L(1.0 / 16384.0) * g + L(kPositive)) - I(kPositive);
+  const L b = min(max(as<double>(product) * i, L(1301.0)), L(0x1p30));  // larger ones all give 16383
+  return truncated(b * L(128.0) / as<double>(truncated(b * L(1.0 / 128.0)) + I(128)));
 }
 
 inline void wienerGains(const int16_t* present, const int16_t* noise, const int16_t* denoised, int16_t* gain, int32_t length) {
   constexpr int kLeast = 4, kBlock = std::max(kLeast, kNativeLanes<double>);
   const auto gains = [](const int16_t* x, const int16_t* n, const int16_t* p, auto lanes) __attribute__((always_inline)) {
-    return saturated(wienerGain(loadAs<double, lanes>(x), loadAs<double, lanes>(n), loadAs<double, lanes>(p)));
+    return saturated(wienerGain(loadAs<int32_t, lanes>(x), loadAs<int32_t, lanes>(n), loadAs<int32_t, lanes>(p)));
   };
   const auto at = [=](int32_t i, auto lanes) __attribute__((always_inline)) {
     return gains(present + i, noise + i, denoised + i, lanes);

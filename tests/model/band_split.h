@@ -115,8 +115,13 @@ inline float limitedLog(float z) {
 }
 inline std::vector<float> codedHighBand(const std::vector<float>& low, const std::vector<float>& a, const std::vector<float>& b) {
   const auto sum = [](const std::vector<float>& x, const std::size_t(&bins)[2]) {
-    float total = x[bins[0]];
-    for (std::size_t i = bins[0] + 1; i <= bins[1]; ++i) total += x[i];
+    float lane[4] = {};
+    std::size_t i = bins[0];
+    for (; i + 3 <= bins[1]; i += 4) {
+      for (std::size_t j = 0; j < 4; ++j) lane[j] += x[i + j];
+    }
+    float total = (lane[0] + lane[2]) + (lane[1] + lane[3]);
+    for (; i <= bins[1]; ++i) total += x[i];
     return total;
   };
   std::vector<float> y;
