@@ -3862,7 +3862,7 @@ QORSR_API QorStatus qorsGetCodebook_16s(const CdbkState_16s* state, int16_t* des
  *  @warning A tree's answer is not always the nearest codeword. `Thresh` takes its limit from that answer.
  *
  *  @warning The index is -1, with the distance 1.8446743e19, where no distance is below the largest float: vectors that hold a NaN or
- *  are far off, in codebooks with weights or a grid.
+ *  are far off, in codebooks of every row with weights or a grid. A tree always ends at a leaf.
  *
  *  @warning `VQDistSingle_Thresh_16s32s_Sfs` takes its limits from the distance of the nearest codeword as converted: with coarse
  *  scale factors not even the nearest one may be within them.
