@@ -163,6 +163,33 @@ void manyCalls(std::initializer_list<int32_t> hints) {
 TEST(Polyphase, FloatsAgainstTheModel) { manyCalls<Float>({1, 2}); }
 TEST(Polyphase, ShortsAgainstTheModel) { manyCalls<Short>({1, 2}); }
 
+// Midway between samples whose signs are opposed both sides cancel: what is left is the rounding of the sums, which shows their order.
+template <class M>
+void cancelledSums() {
+  kit::Random random;
+  int nonzero = 0;
+  for (const int32_t hint : {1, 2}) {
+    const Filter<M> f({40, 64, 0.9F, 6, hint});
+    for (const double factor : {1.0, 1.5, 0.7, 0.31, 0.123}) {
+      for (int trial = 0; trial < 6; ++trial) {
+        auto x = random.vector<typename M::T>(1200);
+        for (auto& v : x) v = v == std::numeric_limits<typename M::T>::lowest() ? typename M::T{1} : v;
+        for (std::size_t k = 0; k < 500; ++k) x[601 + k] = static_cast<typename M::T>(-x[600 - k]);
+        for (const float norm : {1e14F, 1e16F, 1e18F}) {
+          nonzero += model::resample(f.table, x.data(), 1, factor, norm, 600.5).samples[0] != 0;
+          expectModel(f, x, 1, factor, norm, 600.5, kit::Place::kAligned);
+          expectModel(f, x, 4, factor, norm, 600.5, kit::Place::kAligned);
+        }
+      }
+    }
+  }
+  EXPECT_GT(nonzero, 60);
+}
+TEST(Polyphase, SumsThatCancelShowTheirOrder) {
+  cancelledSums<Float>();
+  cancelledSums<Short>();
+}
+
 TEST(Polyphase, NegativeTimesAreTruncatedTowardZero) {
   kit::Random random;
   const Filter<Float> f({12, 33, 0.9F, 6, 1});
