@@ -77,6 +77,18 @@ TYPED_TEST(Waves, SilenceTakesTheFirstOfEveryWindow) {
   EXPECT_EQ(model::peaksOf(s), (std::vector<int>{0, 25, 50, 75, 100, 125, 150, 175}));
 }
 
+// The same samples over and over: peaks of equal height but for the roundings of the running sum, so the order of its additions shows.
+TEST(WaveProcessing, RunningSumsKeepTheirRoundings) {
+  kit::Random random;
+  for (int trial = 0; trial < 300; ++trial) {
+    const auto pattern = random.vector<float>(random.integer(9, 40));
+    std::vector<float> x;
+    for (std::size_t n = 0; n < 200; ++n) x.push_back(pattern[n % pattern.size()]);
+    expectProcessed(x, kit::kPlaces[trial % 3]);
+    ASSERT_FALSE(HasFailure()) << "trial " << trial;
+  }
+}
+
 TEST(WaveProcessing, WeightsOfOnes) {
   // A step behind sample 100 and nothing else: the weights stand in the result.
   std::vector<float> x(200, 1.0F), y(200);
