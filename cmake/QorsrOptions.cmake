@@ -49,6 +49,6 @@ target_compile_options(
                            $<$<CXX_COMPILER_ID:GNU>:-Wno-psabi>)
 
 if(QORSR_SANITIZE)
-  add_compile_options(-fsanitize=address,undefined,float-cast-overflow -fno-sanitize-recover=all -fno-omit-frame-pointer -g)
+  add_compile_options(-fsanitize=address,undefined,float-cast-overflow -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=address,undefined,float-cast-overflow)
 endif()
