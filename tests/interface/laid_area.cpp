@@ -1,3 +1,7 @@
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+
 #include "interface/instance.h"
 #include "interface/values.h"
 #include "kit/compare.h"
@@ -115,7 +119,8 @@ std::string LaidArea::touched(bool mayWrite) const {
   std::vector<std::byte> expected = before_;
   const bool written = mayWrite && (parameter_->written || parameter_->kind == Kind::kMakes || parameter_->kind == Kind::kBlock);
   if (written) {
-    for (const Row& row : rows_) std::memcpy(expected.data() + row.offset, base_ + row.offset, row.bytes);
+    for (const Row& row : rows_)
+      std::copy_n(base_ + row.offset, row.bytes, expected.begin() + static_cast<std::ptrdiff_t>(row.offset));
   }
   for (std::size_t i = 0; i < bytes_; ++i) {
     if (base_[i] == expected[i]) continue;
